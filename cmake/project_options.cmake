@@ -1,0 +1,23 @@
+# The flags of our own code, as two targets to link: what is compiled with them is ours.
+#   zq_warnings   every warning is an error
+#   zq_options    C++20, the public include root, the sanitizers of the preset
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+add_library(zq_warnings INTERFACE)
+target_compile_options(zq_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+
+add_library(zq_options INTERFACE)
+target_compile_features(zq_options INTERFACE cxx_std_20)
+target_include_directories(zq_options INTERFACE ${PROJECT_SOURCE_DIR})
+if(ZQ_SANITIZE)
+    # An undefined step must fail the test that takes it, not print a line and go on.
+    target_compile_options(zq_options INTERFACE
+        -fsanitize=${ZQ_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(zq_options INTERFACE -fsanitize=${ZQ_SANITIZE})
+endif()
+if(ZQ_FUZZ)
+    target_compile_options(zq_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined)
+    target_link_options(zq_options INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,99 @@
+// The forms in which a coding tree is saved (shape, tree string, frequencies), and the way back.
+
+#include <algorithm>
+#include <utility>
+
+#include "compressedpaths/HuffmanPathTree.hpp"
+
+namespace compressedpaths {
+
+std::u16string HuffmanPathTree::getTreeString() const {
+    return treeString;
+}
+
+void HuffmanPathTree::setTreeString(const std::u16string& characters) {
+    treeString = characters;
+}
+
+std::vector<bool> HuffmanPathTree::getBoolTree() const {
+    return boolTree;
+}
+
+std::vector<double> HuffmanPathTree::getFrequencies() const {
+    return frequencies;
+}
+
+void HuffmanPathTree::setFrequencies(std::vector<double>& values) {
+    frequencies = std::exchange(values, {});
+}
+
+void HuffmanPathTree::generateCompressedTree() {
+    traverse([](HuffmanPathTree* tree, HNode& node) {
+        tree->boolTree.push_back(node.isLeaf());
+        if (!node.isLeaf()) return;
+        tree->treeString.push_back(node.character);
+        tree->frequencies.push_back(node.frequency);
+    });
+}
+
+void HuffmanPathTree::inflate() {
+    inflateFromBoolTree();
+    inflateFromCompressedTree();
+}
+
+void HuffmanPathTree::inflateHuffman(const std::u16string& characters) {
+    static_cast<void>(sizeOfSavedTree(characters));  // refuses before anything changes
+    treeString = characters;
+    inflate();
+    generateCode();
+}
+
+/// The number of entries of the shape that make up the coding tree, each leaf with a character of
+/// its own. What stands behind the end of shape or characters is ignored.
+std::size_t HuffmanPathTree::sizeOfSavedTree(const std::u16string& characters) const {
+    if (!nodes.empty()) throw CodingTreeExistsException();
+    if (boolTree.empty()) return 0;
+
+    std::size_t announced = 1;  // nodes that the entries so far say there are
+    std::size_t leafCount = 0;
+    std::size_t size = 0;
+    for (; size < announced; ++size) {
+        if (size == boolTree.size()) throw IncompleteCodingTreeException();
+        if (boolTree[size])
+            ++leafCount;
+        else
+            announced += 2;
+    }
+    if (characters.size() < leafCount) throw IncompleteCodingTreeException();
+    return size;
+}
+
+void HuffmanPathTree::inflateFromBoolTree() {
+    const std::size_t size = sizeOfSavedTree(treeString);
+    nodes.reserve(size);
+    std::size_t nextCharacter = 0;
+    for (std::uint32_t index = 0; index < size; ++index) {
+        const char16_t character = boolTree[index] ? treeString[nextCharacter++] : u'\0';
+        nodes.push_back({0.0, character, index, kNone, kNone});
+    }
+}
+
+/// Links the nodes, which are in pre-order: each next one is the first free child of the deepest
+/// node that still waits for children.
+void HuffmanPathTree::inflateFromCompressedTree() {
+    rootIndex = 0;
+    if (nodes.empty()) return;
+
+    std::vector<std::uint32_t> waiting;
+    for (const HNode& node : nodes) {
+        if (node.index > 0) {
+            HNode& parent = nodes[waiting.back()];
+            (parent.left == kNone ? parent.left : parent.right) = node.index;
+            if (parent.right != kNone) waiting.pop_back();
+        }
+        if (!boolTree[node.index]) waiting.push_back(node.index);
+    }
+    buildDecodingTable();
+}
+
+}  // namespace compressedpaths
