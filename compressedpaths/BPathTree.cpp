@@ -5,6 +5,8 @@
 #include <limits>
 #include <utility>
 
+#include "compressedpaths/WideFolders.hpp"
+
 namespace compressedpaths {
 namespace {
 
@@ -20,11 +22,13 @@ void makeRoom(Nodes& children, std::size_t count) {
     children.reserve(std::max(needed, children.capacity() + children.capacity() / 8));
 }
 
-void append(Nodes& children, Bytes& key) {
-    auto node = std::make_shared<BPathTree::BNode>();
-    children.push_back(std::move(node));
+/// Appends a new node that takes the key over, and returns its position.
+std::size_t append(Nodes& children, Bytes& key) {
+    makeRoom(children, 1);
+    children.push_back(std::make_shared<BPathTree::BNode>());
     children.back()->key = std::move(key);
     key.clear();
+    return children.size() - 1;
 }
 
 /// Appends the keys met along the first `levels` positions of a track that leads to a node.
@@ -70,7 +74,12 @@ BPathTree::BNode::~BNode() {
 
 BPathTree::BPathTree() : root(std::make_shared<BNode>()) {}
 
-BPathTree::BPathTree(const BPathTree& other) = default;
+BPathTree::BPathTree(const BPathTree& other)
+    : root(other.root),
+      nodeStack(other.nodeStack),
+      parentStack(other.parentStack),
+      currentPath(other.currentPath),
+      flag(other.flag) {}
 
 BPathTree::~BPathTree() = default;
 
@@ -78,7 +87,7 @@ bool BPathTree::addPath(Path& components, std::vector<std::size_t>& existingIndi
     BNode* node = root.get();
     bool existed = false;
     for (Bytes& component : components) {
-        const std::size_t position = addIfExistsAndFind(node->children, component, existed);
+        const std::size_t position = findOrAppend(*node, component, existed);
         node = node->children[position].get();
         if (existed) existingIndices.push_back(position);
     }
@@ -90,7 +99,7 @@ bool BPathTree::addPath(Path& folderComponents, std::vector<Bytes>& fileNames,
     BNode* folder = root.get();
     bool existed = false;
     for (Bytes& component : folderComponents) {
-        folderIndices.push_back(addIfExistsAndFind(folder->children, component, existed));
+        folderIndices.push_back(findOrAppend(*folder, component, existed));
         folder = folder->children[folderIndices.back()].get();
     }
 
@@ -100,15 +109,22 @@ bool BPathTree::addPath(Path& folderComponents, std::vector<Bytes>& fileNames,
     return existed;
 }
 
+/// addIfExistsAndFind for a node of this trie.
+std::size_t BPathTree::findOrAppend(BNode& folder, Bytes& key, bool& existed) {
+    if (folder.children.size() < WideFolders::kMinChildren)
+        return addIfExistsAndFind(folder.children, key, existed);
+
+    if (!wideFolders_) wideFolders_ = std::make_unique<WideFolders>();
+    const std::size_t position = wideFolders_->find(folder, key);
+    existed = position != kNone;
+    return existed ? position : append(folder.children, key);
+}
+
 std::size_t BPathTree::addIfExistsAndFind(std::vector<std::shared_ptr<BNode>>& children, Bytes& key,
                                           bool& existed) const {
     const std::size_t position = findNode(key, children);
     existed = position != kNone;
-    if (existed) return position;
-
-    makeRoom(children, 1);
-    append(children, key);
-    return children.size() - 1;
+    return existed ? position : append(children, key);
 }
 
 std::size_t BPathTree::findNode(const Bytes& key,

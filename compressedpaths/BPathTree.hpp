@@ -33,6 +33,8 @@ namespace compressedpaths {
 using Bytes = std::vector<std::uint8_t>;
 using Path = std::vector<Bytes>;
 
+class WideFolders;
+
 class BPathTree {
 public:
     struct BNode {
@@ -56,7 +58,7 @@ public:
 
     /// Adds one path. True if it was there as a whole. `existingIndices` grows by the positions of
     /// the leading components that were there; the others are moved into the trie and left empty.
-    /// Throws only std::bad_alloc. O(components * fan-out).
+    /// Throws only std::bad_alloc. O(components), expected.
     bool addPath(Path& components, std::vector<std::size_t>& existingIndices);
 
     /// Adds a folder and `fileNames` as new children of it, equal names included; new folder
@@ -64,7 +66,7 @@ public:
     /// there; then `priorChildCount` is the number of children it had, otherwise SIZE_MAX.
     /// `folderIndices` grows by the folder's track. With no folder components the files become
     /// children of the root and the result is false.
-    /// Throws only std::bad_alloc. O(folder components * fan-out + files).
+    /// Throws only std::bad_alloc. O(folder components + files), expected.
     bool addPath(Path& folderComponents, std::vector<Bytes>& fileNames,
                  std::vector<std::size_t>& folderIndices, std::size_t& priorChildCount);
 
@@ -153,6 +155,7 @@ private:
         std::size_t levels;          // positions of the track that lead to the folder
         std::size_t firstFileIndex;  // among the folder's children
     };
+    std::size_t findOrAppend(BNode& folder, Bytes& key, bool& existed);
     const BNode* nodeAt(const std::vector<std::size_t>& track, std::size_t levels) const noexcept;
     FolderPlace folderAt(const std::vector<std::size_t>& track, TrackEnd end) const;
 
@@ -161,6 +164,8 @@ private:
     NodeStack parentStack;  // the root and the nodes that are open above the next one
     Path currentPath;       // keys of the nodes on parentStack, without the root's
     bool flag = false;      // carried along by copies
+
+    std::unique_ptr<WideFolders> wideFolders_;  // derived from the nodes; null until one is needed
 };
 
 }  // namespace compressedpaths

@@ -129,7 +129,7 @@ public:
     /// cores and added in the order given, so that the set does not depend on the threads.
     /// Throws NoCodeForEmptyString, CodeNotFoundException, UnequalBatchListsException: then nothing
     /// of the batch is in the set, and its memory is given back by the next batch or reset.
-    /// O(characters + folder components * fan-out).
+    /// O(characters), expected.
     void generateCodeAsyncAndAddPaths(std::vector<std::vector<std::u16string>>& folders,
                                       std::vector<std::vector<std::u16string>>& files);
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "compressedpaths/BPathTree.hpp"
+#include "compressedpaths/WideFolders.hpp"
 
 namespace compressedpaths {
 namespace {
@@ -47,6 +48,7 @@ std::size_t BPathTree::serialize(Bytes& structure, std::vector<Bytes>& codes) {
 
 std::size_t BPathTree::deserialize(Bytes& structure, std::vector<Bytes>& codes) {
     root = std::make_shared<BNode>();
+    wideFolders_.reset();
     if (structure.empty()) return 0;
 
     std::size_t leafCount = 0;
