@@ -61,18 +61,30 @@ std::unique_ptr<PackerUnpackerBase<T>> makePackerUnpacker() {
 
 template class PackerUnpackerBase<unsigned long>;
 template class PackerUnpackerBase<unsigned long long>;
-#define ZQ_INSTANTIATE_PACKER(U, T)          \
-    template class PackerUnpackerUint<U, T>; \
-    template std::unique_ptr<PackerUnpackerBase<T>> makePackerUnpacker<U, T>();
-ZQ_INSTANTIATE_PACKER(std::uint8_t, unsigned long)
-ZQ_INSTANTIATE_PACKER(std::uint16_t, unsigned long)
-ZQ_INSTANTIATE_PACKER(std::uint32_t, unsigned long)
-ZQ_INSTANTIATE_PACKER(std::uint64_t, unsigned long)
-ZQ_INSTANTIATE_PACKER(std::uint8_t, unsigned long long)
-ZQ_INSTANTIATE_PACKER(std::uint16_t, unsigned long long)
-ZQ_INSTANTIATE_PACKER(std::uint32_t, unsigned long long)
-ZQ_INSTANTIATE_PACKER(std::uint64_t, unsigned long long)
-#undef ZQ_INSTANTIATE_PACKER
+template class PackerUnpackerUint<std::uint8_t, unsigned long>;
+template class PackerUnpackerUint<std::uint16_t, unsigned long>;
+template class PackerUnpackerUint<std::uint32_t, unsigned long>;
+template class PackerUnpackerUint<std::uint64_t, unsigned long>;
+template class PackerUnpackerUint<std::uint8_t, unsigned long long>;
+template class PackerUnpackerUint<std::uint16_t, unsigned long long>;
+template class PackerUnpackerUint<std::uint32_t, unsigned long long>;
+template class PackerUnpackerUint<std::uint64_t, unsigned long long>;
+template std::unique_ptr<PackerUnpackerBase<unsigned long>>
+makePackerUnpacker<std::uint8_t, unsigned long>();
+template std::unique_ptr<PackerUnpackerBase<unsigned long>>
+makePackerUnpacker<std::uint16_t, unsigned long>();
+template std::unique_ptr<PackerUnpackerBase<unsigned long>>
+makePackerUnpacker<std::uint32_t, unsigned long>();
+template std::unique_ptr<PackerUnpackerBase<unsigned long>>
+makePackerUnpacker<std::uint64_t, unsigned long>();
+template std::unique_ptr<PackerUnpackerBase<unsigned long long>>
+makePackerUnpacker<std::uint8_t, unsigned long long>();
+template std::unique_ptr<PackerUnpackerBase<unsigned long long>>
+makePackerUnpacker<std::uint16_t, unsigned long long>();
+template std::unique_ptr<PackerUnpackerBase<unsigned long long>>
+makePackerUnpacker<std::uint32_t, unsigned long long>();
+template std::unique_ptr<PackerUnpackerBase<unsigned long long>>
+makePackerUnpacker<std::uint64_t, unsigned long long>();
 
 unsigned byteSizeOf(PackedSizeT width) {
     if (width > PackedSizeT::Uint64) throw InvalidUintConversionException();
