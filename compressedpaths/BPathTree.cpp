@@ -42,6 +42,14 @@ void appendKeys(const BPathTree::BNode& root, const std::vector<std::size_t>& tr
     }
 }
 
+/// Fetching is waiting for memory, one thing after the other: entry, track, folder, file, name. So
+/// several entries are fetched step by step side by side (bench/fetching).
+constexpr std::size_t kFetchedTogether = 32;
+
+void prefetch(const void* address) {
+    __builtin_prefetch(address);
+}
+
 void appendMoving(std::vector<Path>& out, std::vector<Path>& paths) {
     out.insert(out.end(), std::make_move_iterator(paths.begin()),
                std::make_move_iterator(paths.end()));
@@ -165,22 +173,67 @@ void BPathTree::getPath(std::vector<Path>& folders, std::vector<Path>& files,
 
     std::vector<Path> newFolders(entries.size());
     std::vector<Path> newFiles(entries.size());
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        const std::size_t entry = entries[i];
-        if (entry >= folderTracks.size() || entry >= trackEnds.size())
-            throw InvalidTrackException();
-        const FolderPlace place = folderAt(folderTracks[entry], trackEnds[entry]);
-        appendKeys(*root, folderTracks[entry], place.levels, newFolders[i]);
-        newFiles[i].reserve(fileNumbers[i].size());
-        const Nodes& children = place.folder->children;
-        const std::size_t fileCount = children.size() - place.firstFileIndex;
-        for (const std::size_t number : fileNumbers[i]) {
-            if (number == 0 || number > fileCount) throw InvalidFileNumberException();
-            newFiles[i].push_back(children[place.firstFileIndex + number - 1]->key);
+    std::vector<FolderPlace> places;
+    std::vector<const BNode*> fileNodes;
+    for (std::size_t begin = 0; begin < entries.size(); begin += kFetchedTogether) {
+        const std::size_t end = std::min(begin + kFetchedTogether, entries.size());
+        places.clear();
+        for (std::size_t i = begin; i < end; ++i) {
+            if (entries[i] >= folderTracks.size() || entries[i] >= trackEnds.size())
+                throw InvalidTrackException();
+            prefetch(folderTracks[entries[i]].data());
+            places.push_back({&folderTracks[entries[i]], trackEnds[entries[i]], root.get()});
+        }
+        locateFolders(places);
+        fileNodes.clear();
+        for (std::size_t i = begin; i < end; ++i)
+            locateFiles(places[i - begin], fileNumbers[i], fileNodes);
+        for (const BNode* node : fileNodes) prefetch(node->key.data());
+
+        auto node = fileNodes.begin();
+        for (std::size_t i = begin; i < end; ++i) {
+            appendKeys(*root, folderTracks[entries[i]], places[i - begin].levels(), newFolders[i]);
+            newFiles[i].reserve(fileNumbers[i].size());
+            for (std::size_t left = fileNumbers[i].size(); left > 0; --left, ++node)
+                newFiles[i].push_back((*node)->key);
         }
     }
     appendMoving(folders, newFolders);
     appendMoving(files, newFiles);
+}
+
+/// Walks from the root to the folders, one level of all of them after the other.
+void BPathTree::locateFolders(std::vector<FolderPlace>& places) {
+    bool isWalking = true;
+    for (std::size_t level = 0; isWalking; ++level) {
+        isWalking = false;
+        for (const FolderPlace& place : places) {
+            if (level >= place.levels()) continue;
+            isWalking = true;
+            const std::size_t position = (*place.track)[level];
+            if (position >= place.folder->children.size()) throw InvalidTrackException();
+            prefetch(&place.folder->children[position]);
+        }
+        for (FolderPlace& place : places) {
+            if (level >= place.levels()) continue;
+            place.folder = place.folder->children[(*place.track)[level]].get();
+            prefetch(place.folder);
+        }
+    }
+    for (const FolderPlace& place : places)
+        if (place.firstFile() > place.folder->children.size()) throw InvalidTrackException();
+}
+
+/// Appends the nodes of files that are numbered from 1 on from where the files begin.
+void BPathTree::locateFiles(const FolderPlace& place, const std::vector<std::size_t>& fileNumbers,
+                            std::vector<const BNode*>& fileNodes) {
+    const Nodes& children = place.folder->children;
+    const std::size_t fileCount = children.size() - place.firstFile();
+    for (const std::size_t number : fileNumbers) {
+        if (number == 0 || number > fileCount) throw InvalidFileNumberException();
+        fileNodes.push_back(children[place.firstFile() + number - 1].get());
+        prefetch(fileNodes.back());
+    }
 }
 
 BPathTree::TrackEnd BPathTree::guessTrackEnd(const std::vector<std::size_t>& track) const noexcept {
@@ -208,19 +261,6 @@ const BPathTree::BNode* BPathTree::nodeAt(const std::vector<std::size_t>& track,
         node = node->children[track[level]].get();
     }
     return node;
-}
-
-BPathTree::FolderPlace BPathTree::folderAt(const std::vector<std::size_t>& track,
-                                           TrackEnd end) const {
-    FolderPlace place{nullptr, track.size(), 0};
-    if (end == TrackEnd::kFirstFile && !track.empty()) {
-        place.levels = track.size() - 1;
-        place.firstFileIndex = track.back();
-    }
-    place.folder = nodeAt(track, place.levels);
-    if (place.folder == nullptr || place.firstFileIndex > place.folder->children.size())
-        throw InvalidTrackException();
-    return place;
 }
 
 }  // namespace compressedpaths

@@ -150,14 +150,22 @@ public:
 private:
     friend class BPathTreePeer;
 
+    /// Where the files of a folder entry are.
     struct FolderPlace {
-        const BNode* folder;
-        std::size_t levels;          // positions of the track that lead to the folder
-        std::size_t firstFileIndex;  // among the folder's children
+        const std::vector<std::size_t>* track;
+        TrackEnd end;
+        const BNode* folder;  // the node that the walk along the track has come to
+
+        bool endsInFirstFile() const { return end == TrackEnd::kFirstFile && !track->empty(); }
+        std::size_t levels() const { return track->size() - (endsInFirstFile() ? 1 : 0); }
+        std::size_t firstFile() const { return endsInFirstFile() ? track->back() : 0; }
     };
+
     std::size_t findOrAppend(BNode& folder, Bytes& key, bool& existed);
     const BNode* nodeAt(const std::vector<std::size_t>& track, std::size_t levels) const noexcept;
-    FolderPlace folderAt(const std::vector<std::size_t>& track, TrackEnd end) const;
+    static void locateFolders(std::vector<FolderPlace>& places);
+    static void locateFiles(const FolderPlace& place, const std::vector<std::size_t>& fileNumbers,
+                            std::vector<const BNode*>& fileNodes);
 
     std::shared_ptr<BNode> root;
     NodeStack nodeStack;    // nodes still to be visited; the top is next
