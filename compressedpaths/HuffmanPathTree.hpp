@@ -203,6 +203,8 @@ private:
     void codeAllInParallel();
     void clearThreadResources();
 
+    std::size_t rootChildrenBefore(std::size_t entry) const;
+
     std::size_t packTrie(Bytes& body);
     void packFolderSection(Bytes& body, std::size_t maxFanOut) const;
     void packTrackSection(Bytes& body, std::size_t maxFanOut) const;

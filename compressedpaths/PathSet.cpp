@@ -104,19 +104,36 @@ void HuffmanPathTree::getPath(std::vector<Path>& foldersOut, std::vector<Path>& 
     std::vector<std::size_t> entries;
     std::vector<std::vector<std::size_t>> fileNumbers;
     std::size_t previous = 0;
+    std::size_t filesBefore = 0;  // in the folder of the last of entries, where its track is silent
     for (const std::size_t number : numbers) {
         const auto end = std::lower_bound(partitionEnds.begin(), partitionEnds.end(), number);
         if (end == partitionEnds.end()) continue;  // a path that was added on its own
         const auto entry = static_cast<std::size_t>(end - partitionEnds.begin());
+        if (entry >= folderTracks.size()) throw InvalidTrackException();
         const std::size_t start = entry == 0 ? 0 : partitionEnds[entry - 1];
         if (entries.empty() || entries.back() != entry || number < previous) {
             entries.push_back(entry);
             fileNumbers.emplace_back();
+            filesBefore = folderTracks[entry].empty() ? rootChildrenBefore(entry) : 0;
         }
-        fileNumbers.back().push_back(number - start);
+        fileNumbers.back().push_back(filesBefore + number - start);
         previous = number;
     }
     pathTree->getPath(foldersOut, filesOut, entries, folderTracks, trackEnds_, fileNumbers);
+}
+
+/// The number of children that the root had when an entry was added. The track of an entry without
+/// folder components is empty and does not say where in the root its files begin; the entries
+/// before it do, as long as no path was added on its own. O(entry).
+std::size_t HuffmanPathTree::rootChildrenBefore(std::size_t entry) const {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < entry; ++i) {
+        if (folderTracks[i].empty())
+            count += partitionEnds[i] - (i == 0 ? 0 : partitionEnds[i - 1]);
+        else
+            count = std::max(count, folderTracks[i].front() + 1);
+    }
+    return count;
 }
 
 void HuffmanPathTree::getNextPathFromBTree(Path& out) {
