@@ -21,15 +21,17 @@ using CodeWords = std::map<char16_t, std::string>;
 
 std::vector<std::uint64_t> bitPatternsOf(const std::vector<double>& values) {
     std::vector<std::uint64_t> patterns;
+    patterns.reserve(values.size());
     for (const double value : values) patterns.push_back(std::bit_cast<std::uint64_t>(value));
     return patterns;
 }
 
 std::vector<NodeRow> nodesOf(const HuffmanPathTree& tree) {
     std::vector<NodeRow> rows;
-    for (const HuffmanPathTree::HNode& node : HuffmanPathTreePeer::nodes(tree))
+    for (const HuffmanPathTree::HNode& node : HuffmanPathTreePeer::nodes(tree)) {
         rows.push_back({std::bit_cast<std::uint64_t>(node.frequency), node.character, node.index,
                         node.left, node.right});
+    }
     return rows;
 }
 

@@ -166,7 +166,7 @@ std::vector<double> frequenciesOf(const Json& value) {
     if (!value.IsObject()) return listOf(value, floatOf);
 
     Fields repeated(value);
-    const std::vector<double> values(integerOf(repeated["times"]), floatOf(repeated["each"]));
+    std::vector<double> values(integerOf(repeated["times"]), floatOf(repeated["each"]));
     repeated.requireAllRead();
     return values;
 }

@@ -18,7 +18,6 @@ namespace compressedpaths::golden {
 namespace {
 
 using sixpacks::ByteReader;
-using sixpacks::PackedSizeT;
 
 constexpr std::size_t kLengthSize = 8;  // of the length in front of the body
 
