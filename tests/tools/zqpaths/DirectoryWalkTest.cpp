@@ -1,0 +1,203 @@
+#include "tools/zqpaths/DirectoryWalk.hpp"
+
+#include <dirent.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/TemporaryTree.hpp"
+
+namespace zqpaths {
+namespace {
+
+using test_support::TemporaryTree;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct Walked {
+    std::vector<std::string> paths;
+    std::vector<std::string> errors;  // "PATH: REASON"
+};
+
+Walked walk(const std::string& root) {
+    Walked walked;
+    walkDirectory(
+        root, [&](std::string_view path) { walked.paths.emplace_back(path); },
+        [&](std::string_view path, std::string_view reason) {
+            walked.errors.push_back(std::string(path).append(": ").append(reason));
+        });
+    return walked;
+}
+
+/// What was walked in a tree, without the tree's own path.
+std::vector<std::string> below(const TemporaryTree& tree, const Walked& walked) {
+    std::vector<std::string> names;
+    for (const std::string& path : walked.paths) {
+        EXPECT_TRUE(path.starts_with(tree.path() + '/')) << path;
+        names.push_back(path.substr(tree.path().size() + 1));
+    }
+    return names;
+}
+
+TEST(DirectoryWalk, givesFilesInByteOrderBeforeSubdirectories) {
+    const TemporaryTree tree;
+    for (const char* name : {"b/z", "b/a/q", "a/x", "z", "B", "a.txt", "\xFF", "\x01"})
+        tree.addFile(name);
+    const Walked walked = walk(tree.path());
+    EXPECT_THAT(below(tree, walked),
+                ElementsAre("\x01", "B", "a.txt", "z", "\xFF", "a/x", "b/z", "b/a/q"));
+    EXPECT_THAT(walked.errors, IsEmpty());
+}
+
+TEST(DirectoryWalk, givesNothingForAnEmptyDirectory) {
+    const TemporaryTree tree;
+    tree.addDirectory("a/b");
+    const Walked walked = walk(tree.path());
+    EXPECT_THAT(walked.paths, IsEmpty());
+    EXPECT_THAT(walked.errors, IsEmpty());
+}
+
+TEST(DirectoryWalk, givesNamesOfAnyBytes) {
+    const TemporaryTree tree;
+    const std::string longest(255, 'l');
+    for (const std::string& name : {std::string("new\nline"), std::string("\xC3("), longest,
+                                    std::string("-rf"), std::string("\xF0\x9F\x98\x80")})
+        tree.addFile(name);
+    EXPECT_THAT(below(tree, walk(tree.path())),
+                ElementsAre("-rf", longest, "new\nline", "\xC3(", "\xF0\x9F\x98\x80"));
+}
+
+TEST(DirectoryWalk, givesSymbolicLinksWithoutFollowingThem) {
+    const TemporaryTree tree;
+    tree.addFile("a/x");
+    tree.addSymbolicLink("loop", ".");
+    tree.addSymbolicLink("nowhere", "none");
+    EXPECT_THAT(below(tree, walk(tree.path())), ElementsAre("loop", "nowhere", "a/x"));
+}
+
+TEST(DirectoryWalk, followsTheRootAndEndsItWithOneSeparator) {
+    const TemporaryTree tree;
+    tree.addFile("a/x");
+    tree.addSymbolicLink("link", "a");
+    EXPECT_THAT(walk(tree.pathOf("link")).paths, ElementsAre(tree.pathOf("link/x")));
+    EXPECT_THAT(walk(tree.pathOf("a/")).paths, ElementsAre(tree.pathOf("a/x")));
+    EXPECT_THAT(walk(tree.pathOf("a//")).paths, ElementsAre(tree.pathOf("a//x")));
+}
+
+TEST(DirectoryWalk, reportsARootThatIsNoDirectory) {
+    const TemporaryTree tree;
+    const std::string file = tree.addFile("file");
+    EXPECT_THAT(walk(file).errors, ElementsAre(file + ": Not a directory"));
+    const std::string none = tree.pathOf("none");
+    EXPECT_THAT(walk(none).errors, ElementsAre(none + ": No such file or directory"));
+    EXPECT_THAT(walk("").errors, ElementsAre(": No such file or directory"));
+}
+
+TEST(DirectoryWalk, goesThreeThousandLevelsDownAndBackWithFewOpenFiles) {
+    constexpr std::size_t kLevels = 3000;
+    const TemporaryTree tree;
+    tree.addDeepLevels(kLevels, "below", "beside");
+
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    rlimit few = before;
+    few.rlim_cur = 100;
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    const Walked walked = walk(tree.path());
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+
+    EXPECT_THAT(walked.errors, IsEmpty());
+    const std::vector<std::string> names = below(tree, walked);
+    ASSERT_EQ(names.size(), kLevels + 1);
+    const auto levelsDown = [](std::size_t levels) {
+        std::string path;
+        for (; levels > 0; --levels) path += "below/";
+        return path;
+    };
+    EXPECT_EQ(names[0], levelsDown(kLevels) + "f");
+    for (std::size_t i = 1; i < names.size(); ++i)
+        ASSERT_EQ(names[i], levelsDown(kLevels - i) + "beside/f");
+}
+
+TEST(DirectoryWalk, goesThroughAPathOfHundredsOfKilobytes) {
+    constexpr std::size_t kLevels = 1000;
+    const TemporaryTree tree;
+    tree.addDeepLevels(kLevels, std::string(255, 'a'), "b");
+    const Walked walked = walk(tree.path());
+    EXPECT_THAT(walked.errors, IsEmpty());
+    ASSERT_EQ(walked.paths.size(), kLevels + 1);
+    EXPECT_EQ(walked.paths[0].size(), tree.path().size() + kLevels * 256 + 2);
+}
+
+/// A user without the rights of root, while it lives.
+class OrdinaryUser {
+public:
+    OrdinaryUser() {
+        if (::geteuid() == 0) isSwitched_ = ::seteuid(kNobody) == 0;
+    }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+    ~OrdinaryUser() {
+        if (isSwitched_) static_cast<void>(::seteuid(0));
+    }
+
+private:
+    static constexpr uid_t kNobody = 65534;
+    bool isSwitched_ = false;
+};
+
+TEST(DirectoryWalk, reportsAnUnreadableDirectoryAndGoesOn) {
+    const TemporaryTree tree;
+    for (const char* name : {"a/x", "closed/y", "z/x"}) tree.addFile(name);
+    tree.allow("closed", 0);
+    const OrdinaryUser user;
+    if (::geteuid() == 0) GTEST_SKIP() << "root reads every directory, and cannot step down here";
+
+    const Walked walked = walk(tree.path());
+    EXPECT_THAT(below(tree, walked), ElementsAre("a/x", "z/x"));
+    EXPECT_THAT(walked.errors, ElementsAre(tree.pathOf("closed") + ": Permission denied"));
+}
+
+TEST(DirectoryWalk, listsADirectoryThatCannotBeEntered) {
+    const TemporaryTree tree;
+    for (const char* name : {"listed/x", "listed/sub/y", "z"}) tree.addFile(name);
+    tree.allow("listed", 0444);
+    const OrdinaryUser user;
+    if (::geteuid() == 0) GTEST_SKIP() << "root enters every directory, and cannot step down here";
+
+    const Walked walked = walk(tree.path());
+    EXPECT_THAT(below(tree, walked), ElementsAre("z", "listed/x"));
+    EXPECT_THAT(walked.errors, ElementsAre(tree.pathOf("listed/sub") + ": Permission denied"));
+}
+
+TEST(DirectoryWalk, reportsDirectoriesThatVanishDuringTheWalkAndGoesOn) {
+    const TemporaryTree tree;
+    tree.addDeepLevels(200, "below", "beside");
+    tree.addFile("later/x");
+    std::vector<std::string> paths;
+    std::size_t errorCount = 0;
+    walkDirectory(
+        tree.path(),
+        [&](std::string_view path) {
+            // At the lowest file the way back up is taken away, from the second level down.
+            if (paths.empty())
+                std::filesystem::rename(tree.pathOf("below/below"), tree.pathOf("below/moved"));
+            paths.emplace_back(path);
+        },
+        [&](std::string_view, std::string_view reason) {
+            EXPECT_EQ(reason, "No such file or directory");
+            ++errorCount;
+        });
+    EXPECT_GT(errorCount, 0U);
+    EXPECT_EQ(paths.size() + errorCount, 202U);
+    EXPECT_EQ(paths.back(), tree.pathOf("later/x"));
+}
+
+}  // namespace
+}  // namespace zqpaths

@@ -1,0 +1,29 @@
+#pragma once
+// The bytes of a path as UTF-16 code units and back. A name on disk is any bytes; most are UTF-8:
+//
+//     std::u16string text;
+//     appendUtf16("caf\xC3\xA9", text);  // text == u"caf\u00E9"
+//     appendUtf16("\xFF", text);         // a byte that is not UTF-8: the unit 0xDC00 + 0xFF
+//     std::string bytes;
+//     appendBytes(text, bytes);          // bytes == "caf\xC3\xA9\xFF"
+//
+// Valid UTF-8 never gives a unit of 0xDC80 to 0xDCFF alone, so every byte string comes back as it
+// was. Both functions append, so that one string can be filled piece by piece and used again.
+//
+// Threads: free functions without state.
+
+#include <string>
+#include <string_view>
+
+namespace zqpaths {
+
+/// Appends `bytes` as UTF-16: UTF-8 converted, each byte that begins no valid sequence as the unit
+/// 0xDC00 + byte. Throws only std::bad_alloc; part may have been appended then. O(bytes).
+void appendUtf16(std::string_view bytes, std::u16string& text);
+
+/// Appends `text` as bytes: what appendUtf16 made of them. Other lone surrogates, which bytes never
+/// give, take the three bytes that UTF-8 would have for their number, so that they can be told
+/// apart. Throws only std::bad_alloc; part may have been appended then. O(units).
+void appendBytes(std::u16string_view text, std::string& bytes);
+
+}  // namespace zqpaths
