@@ -18,6 +18,8 @@ if(ZQ_SANITIZE)
     target_link_options(zq_options INTERFACE -fsanitize=${ZQ_SANITIZE})
 endif()
 if(ZQ_FUZZ)
-    target_compile_options(zq_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined)
+    target_compile_options(zq_options INTERFACE
+        -fsanitize=fuzzer-no-link,address,undefined
+        -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(zq_options INTERFACE -fsanitize=address,undefined)
 endif()
