@@ -21,26 +21,27 @@ using TrackEnd = BPathTree::TrackEnd;
 struct Evidence {
     bool isTrackTarget = false;         // some track leads to it
     bool isFolderFromTheStart = false;  // so it is nobody's file
-    // The least child that is a file of an entry which found the folder there; the children before
-    // may be files of the entry that made the folder.
-    std::size_t firstClaimedChild = std::numeric_limits<std::size_t>::max();
+    // The least child that some track ends with, whatever that means: the entry that made the
+    // folder came first, and its files are all before.
+    std::size_t firstTrackedChild = std::numeric_limits<std::size_t>::max();
 };
 
 class TrackReader {
 public:
-    void addTarget(const Node* node) { evidence_[node].isTrackTarget = true; }
+    /// Takes in one track, which leads to child `childIndex` of `parent`.
+    void addTrack(const Node& parent, std::size_t childIndex) {
+        evidence_[parent.children[childIndex].get()].isTrackTarget = true;
+        std::size_t& first = evidence_[&parent].firstTrackedChild;
+        first = std::min(first, childIndex);
+    }
 
     /// Reads one track, which leads to child `childIndex` of `parent` and belongs to an entry of
-    /// `fileCount` files, at least one. Longer tracks must have been read before. O(fileCount).
+    /// `fileCount` files, at least one. All tracks must have been taken in, and longer ones been
+    /// read before. O(fileCount).
     TrackEnd read(const Node& parent, std::size_t childIndex, std::size_t fileCount) {
         const Node& target = *parent.children[childIndex];
         const TrackEnd end = decide(parent, childIndex, target, fileCount);
-        if (end == TrackEnd::kFolder) {
-            evidence_[&target].isFolderFromTheStart = true;
-        } else {
-            std::size_t& claimed = evidence_[&parent].firstClaimedChild;
-            claimed = std::min(claimed, childIndex);
-        }
+        if (end == TrackEnd::kFolder) evidence_[&target].isFolderFromTheStart = true;
         return end;
     }
 
@@ -48,7 +49,7 @@ private:
     TrackEnd decide(const Node& parent, std::size_t childIndex, const Node& target,
                     std::size_t fileCount) const {
         const bool canBeFolder =
-            canBeFiles(target, 0, fileCount) && of(target).firstClaimedChild >= fileCount;
+            canBeFiles(target, 0, fileCount) && of(target).firstTrackedChild >= fileCount;
         const bool canBeFile = canBeFiles(parent, childIndex, fileCount);
         if (canBeFolder && canBeFile && !hasPlainFile(target, 0, fileCount) &&
             hasPlainFile(parent, childIndex + 1, fileCount - 1))
@@ -97,9 +98,8 @@ std::vector<TrackEnd> BPathTree::readTrackEnds(
     for (std::size_t entry = 0; entry < folderTracks.size(); ++entry) {
         const std::vector<std::size_t>& track = folderTracks[entry];
         ends[entry] = guessTrackEnd(track);
-        const Node* const target = nodeAt(track, track.size());
-        if (target == nullptr) continue;
-        reader.addTarget(target);
+        if (track.empty() || !leadsToNode(track)) continue;
+        reader.addTrack(*nodeAt(track, track.size() - 1), track.back());
         // The root is there before every entry, so a track of one position leads to a new folder.
         const bool hasFiles = entry < fileCounts.size() && fileCounts[entry] > 0;
         if (hasFiles && track.size() >= 2) undecided.push_back(entry);
