@@ -1,0 +1,197 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/support/PathSets.hpp"
+#include "tests/support/Peers.hpp"
+#include "tests/support/SavedBodies.hpp"
+
+namespace compressedpaths {
+namespace {
+
+using testing::Each;
+using testing::Field;
+using testing::ThrowsMessage;
+
+constexpr const char* kIncomplete =
+    "The shape or the characters of the coding tree end before the tree is complete.";
+constexpr const char* kBuiltAlready = "The coding tree has been built already.";
+constexpr const char* kTooLong = "The code words of the coding tree are too long.";
+
+void loadShape(HuffmanPathTree& tree, const std::vector<bool>& shape) {
+    SavedBody body;
+    body.shape(shape).emptyTrie();
+    Bytes bytes = body.form();
+    tree.deserialize(bytes, false);
+}
+
+TEST(CodingTreeForms, listTheTreeInPreOrder) {
+    HuffmanPathTree tree;
+    const std::vector<double> frequencies{8, 1, 2, 4};
+    tree.deflateHuffman(frequencies.data(), u"abcd");  // (((b c) d) a)
+    EXPECT_EQ(tree.getBoolTree(), (std::vector<bool>{false, false, false, true, true, true, true}));
+    EXPECT_EQ(tree.getTreeString(), u"bcda");
+    EXPECT_EQ(tree.getFrequencies(), (std::vector<double>{1, 2, 4, 8}));
+}
+
+TEST(CodingTreeForms, haveALeafForEachCharacterAndOneNodeFewerBetween) {
+    for (std::size_t count = 2; count <= 60; ++count) {
+        HuffmanPathTree tree;
+        std::u16string characters;
+        for (std::size_t i = 0; i < count; ++i) characters.push_back(static_cast<char16_t>(i));
+        makeCode(tree, characters);
+        const std::vector<bool> shape = tree.getBoolTree();
+        ASSERT_EQ(shape.size(), 2 * count - 1);
+        EXPECT_FALSE(shape[0]);
+        EXPECT_EQ(std::count(shape.begin(), shape.end(), true), static_cast<int>(count));
+        EXPECT_EQ(tree.getTreeString().size(), count);
+        EXPECT_EQ(tree.getFrequencies().size(), count);
+    }
+}
+
+TEST(CodingTreeForms, inflateToTheSameCode) {
+    HuffmanPathTree tree;
+    makeCode(tree);
+    HuffmanPathTree inflated;
+    loadShape(inflated, tree.getBoolTree());
+    inflated.inflateHuffman(tree.getTreeString());
+    EXPECT_EQ(HuffmanPathTreePeer::codes(inflated), HuffmanPathTreePeer::codes(tree));
+    EXPECT_EQ(inflated.generatePathFrom(tree.generateCodeFor(kAlphabet)), kAlphabet);
+    EXPECT_EQ(inflated.getTreeString(), tree.getTreeString());
+}
+
+TEST(CodingTreeForms, inflateToNodesInPreOrderWithoutFrequencies) {
+    HuffmanPathTree tree;
+    makeCode(tree);
+    HuffmanPathTree inflated;
+    loadShape(inflated, tree.getBoolTree());
+    inflated.inflateHuffman(tree.getTreeString());
+    const auto& nodes = HuffmanPathTreePeer::nodes(inflated);
+    ASSERT_EQ(nodes.size(), 2 * kAlphabet.size() - 1);
+    EXPECT_THAT(nodes, Each(Field(&HuffmanPathTree::HNode::frequency, 0.0)));
+    for (std::size_t i = 0; i < nodes.size(); ++i) EXPECT_EQ(nodes[i].index, i);
+    EXPECT_EQ(HuffmanPathTreePeer::rootIndex(inflated), 0U);
+    EXPECT_TRUE(inflated.getFrequencies().empty());
+}
+
+TEST(CodingTreeForms, takeFrequenciesOverAndLeaveNoneBehind) {
+    HuffmanPathTree tree;
+    std::vector<double> values{1, 2.5};
+    tree.setFrequencies(values);
+    EXPECT_TRUE(values.empty());
+    EXPECT_EQ(tree.getFrequencies(), (std::vector<double>{1, 2.5}));
+    tree.setFrequencies(values);
+    EXPECT_TRUE(tree.getFrequencies().empty());
+}
+
+TEST(CodingTreeForms, giveOnlyTheFrequenciesThatWereSetAfterInflating) {
+    HuffmanPathTree inflated;
+    std::vector<double> values{3, 4};
+    inflated.setFrequencies(values);
+    loadShape(inflated, {false, true, true});
+    inflated.inflateHuffman(u"xy");
+    EXPECT_EQ(inflated.getFrequencies(), (std::vector<double>{3, 4}));
+}
+
+TEST(CodingTreeForms, ofASingleLeafCodeToNothingAndCannotBeDecoded) {
+    HuffmanPathTree tree;
+    loadShape(tree, {true});
+    tree.inflateHuffman(u"x");
+    EXPECT_EQ(tree.generateCodeFor(u"xxx"), Bytes{});
+    EXPECT_THAT([&] { tree.generatePathFrom({}); },
+                ThrowsMessage<InvalidCodeException>(
+                    "The code bytes lead to no character of the coding tree."));
+    for (const Bytes& code : {Bytes{0, 1}, Bytes{1, 0}, Bytes{255, 0, 0}})
+        EXPECT_THAT([&] { tree.generatePathFrom(code); },
+                    ThrowsMessage<NoUsableCodingTreeException>(
+                        "There is no usable coding tree to decode with."));
+}
+
+TEST(CodingTreeForms, withoutAShapeInflateToNoTree) {
+    HuffmanPathTree tree;
+    tree.inflateHuffman(u"abc");
+    EXPECT_TRUE(HuffmanPathTreePeer::nodes(tree).empty());
+    EXPECT_EQ(HuffmanPathTreePeer::rootIndex(tree), 0U);
+    EXPECT_EQ(tree.getTreeString(), u"abc");
+    EXPECT_THROW(tree.generateCodeFor(u"a"), CodeNotFoundException);
+    EXPECT_THROW(tree.generatePathFrom({0, 1}), NoUsableCodingTreeException);
+
+    HuffmanPathTree other;
+    other.inflate();
+    EXPECT_TRUE(HuffmanPathTreePeer::nodes(other).empty());
+}
+
+TEST(CodingTreeForms, canBeDecodedButNotCodedWhenOnlyInflated) {
+    HuffmanPathTree tree;
+    loadShape(tree, {false, true, true});
+    tree.setTreeString(u"xy");
+    tree.inflate();
+    EXPECT_EQ(tree.generatePathFrom({0b10, 2}), u"xy");
+    EXPECT_THROW(tree.generateCodeFor(u"x"), CodeNotFoundException);
+}
+
+TEST(CodingTreeForms, refuseFewerCharactersThanLeaves) {
+    HuffmanPathTree tree;
+    loadShape(tree, {false, true, true});
+    tree.setTreeString(u"q");
+    EXPECT_THAT([&] { tree.inflateHuffman(u"x"); },
+                ThrowsMessage<IncompleteCodingTreeException>(kIncomplete));
+    EXPECT_THAT([&] { tree.inflate(); }, ThrowsMessage<IncompleteCodingTreeException>(kIncomplete));
+    EXPECT_EQ(tree.getTreeString(), u"q");
+    EXPECT_TRUE(HuffmanPathTreePeer::nodes(tree).empty());
+
+    tree.inflateHuffman(u"xy");
+    EXPECT_EQ(tree.generateCodeFor(u"xy"), (Bytes{0b10, 2}));
+}
+
+TEST(CodingTreeForms, refuseAShapeThatEndsEarly) {
+    const std::vector<std::vector<bool>> shapes{
+        {false}, {false, true}, {false, false, true, true}, {false, true, false, true}};
+    for (const auto& shape : shapes) {
+        HuffmanPathTree tree;
+        loadShape(tree, shape);
+        EXPECT_THAT([&] { tree.inflateHuffman(u"abcdefgh"); },
+                    ThrowsMessage<IncompleteCodingTreeException>(kIncomplete));
+        EXPECT_TRUE(HuffmanPathTreePeer::nodes(tree).empty());
+        EXPECT_EQ(tree.getTreeString(), u"");
+    }
+}
+
+TEST(CodingTreeForms, ignoreWhatIsLeftOver) {
+    HuffmanPathTree tree;
+    loadShape(tree, {false, true, true, false, true, true});
+    tree.inflateHuffman(u"xyz");
+    EXPECT_EQ(HuffmanPathTreePeer::nodes(tree).size(), 3U);
+    EXPECT_EQ(tree.generateCodeFor(u"xy"), (Bytes{0b10, 2}));
+    EXPECT_THROW(tree.generateCodeFor(u"z"), CodeNotFoundException);
+}
+
+TEST(CodingTreeForms, areInflatedOnlyOnce) {
+    HuffmanPathTree tree;
+    loadShape(tree, {false, true, true});
+    tree.inflateHuffman(u"xy");
+    EXPECT_THAT([&] { tree.inflateHuffman(u"ab"); },
+                ThrowsMessage<CodingTreeExistsException>(kBuiltAlready));
+    EXPECT_THAT([&] { tree.inflate(); }, ThrowsMessage<CodingTreeExistsException>(kBuiltAlready));
+    EXPECT_EQ(tree.getTreeString(), u"xy");
+    EXPECT_EQ(tree.generatePathFrom({0b10, 2}), u"xy");
+}
+
+TEST(CodingTreeForms, refuseCodeWordsWithoutBound) {
+    constexpr std::size_t kLeaves = 20'000;
+    std::vector<bool> comb;
+    std::u16string characters;
+    for (std::size_t i = 0; i < kLeaves; ++i) {
+        if (i + 1 < kLeaves) comb.push_back(false);
+        comb.push_back(true);
+        characters.push_back(static_cast<char16_t>(i));
+    }
+    HuffmanPathTree tree;
+    loadShape(tree, comb);
+    EXPECT_THAT([&] { tree.inflateHuffman(characters); },
+                ThrowsMessage<CodeWordsTooLongException>(kTooLong));
+}
+
+}  // namespace
+}  // namespace compressedpaths
