@@ -86,8 +86,10 @@ RC_GTEST_PROP(PackingProperties, blocksGiveBackWhatTheyHold, (const Bytes& origi
 RC_GTEST_PROP(PackingProperties, theWidthOfAValueIsTheSmallestThatHoldsIt, ()) {
     for (const std::size_t value : *sizes()) {
         const unsigned bits = 8 * byteSizeOf(widthOf(value));
-        RC_ASSERT(bits == 64 || value >> bits == 0);
-        RC_ASSERT(bits == 8 || value >> bits / 2 != 0);
+        const std::size_t largest = ~std::size_t{0} >> (64 - bits);
+        const std::size_t largestOfHalf = bits == 8 ? 0 : ~std::size_t{0} >> (64 - bits / 2);
+        RC_ASSERT(value <= largest);
+        RC_ASSERT((bits == 8 || value > largestOfHalf));
     }
 }
 
