@@ -161,9 +161,10 @@ void printSamples(HuffmanPathTree& set, std::size_t pathCount) {
     std::cout << "\nsome paths by number\n";
     FetchedPaths fetched(set);
     for (const std::size_t number :
-         std::set<std::size_t>{1, pathCount / 4 + 1, pathCount / 2 + 1, pathCount})
+         std::set<std::size_t>{1, pathCount / 4 + 1, pathCount / 2 + 1, pathCount}) {
         std::cout << std::setw(13) << grouped(number) << "  " << printable(fetched.at(number))
                   << '\n';
+    }
 }
 
 /// True if the set gives back all paths by number; otherwise says which one differs.
@@ -194,9 +195,10 @@ void printInput(const examples::PathInput& input, const examples::CharacterFrequ
              "bytes, " + aPath(input.paths.byteSize(), pathCount));
     printRow("folders", grouped(census.distinctCount),
              "in " + grouped(found.entryCount) + " entries");
-    if (census.becameFolderCount > 0)
+    if (census.becameFolderCount > 0) {
         printRow("paths that became folders", grouped(census.becameFolderCount),
                  "which the walk does not give");
+    }
     if (input.unreadableCount > 0) printRow("unreadable, skipped", grouped(input.unreadableCount));
     printRow("distinct characters", grouped(found.characters.size()));
 }

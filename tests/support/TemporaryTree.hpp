@@ -14,6 +14,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -34,9 +35,13 @@ public:
     TemporaryTree& operator=(const TemporaryTree&) = delete;
     ~TemporaryTree() {
         // Programs, because a tree may be deeper than std::filesystem can go.
-        runProgram({"chmod", "-R", "u+rwX", "--", path_});
-        const ProgramRun removal = runProgram({"rm", "-rf", "--", path_});
-        EXPECT_EQ(removal.exitStatus, 0) << removal.errors;
+        try {
+            runProgram({"chmod", "-R", "u+rwX", "--", path_});
+            const ProgramRun removal = runProgram({"rm", "-rf", "--", path_});
+            EXPECT_EQ(removal.exitStatus, 0) << removal.errors;
+        } catch (const std::exception& error) {
+            ADD_FAILURE() << path_ << " is left behind: " << error.what();
+        }
     }
 
     const std::string& path() const noexcept { return path_; }

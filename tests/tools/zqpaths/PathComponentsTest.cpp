@@ -82,6 +82,7 @@ TEST(PathComponents, joinToTheSameTextForAllShortPaths) {
 }
 
 TEST(PathComponents, joinToTheSameTextForRandomBytes) {
+    // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): a failure is to come again in the next run
     std::mt19937 random(1);
     for (int round = 0; round < 50'000; ++round) {
         std::string path(1 + random() % 60, '\0');

@@ -79,11 +79,10 @@ TEST(PathText, givesBackAnEscapedByteBehindACharacterOfTwoUnits) {
 }
 
 TEST(PathText, givesBackAllStringsOfTwoBytes) {
-    for (int first = 0; first < 256; ++first)
-        for (int second = 0; second < 256; ++second) {
-            const std::string bytes{static_cast<char>(first), static_cast<char>(second)};
-            ASSERT_EQ(roundTrip(bytes), bytes) << first << ' ' << second;
-        }
+    for (unsigned number = 0; number <= 0xFFFF; ++number) {
+        const std::string bytes{static_cast<char>(number >> 8), static_cast<char>(number & 0xFF)};
+        ASSERT_EQ(roundTrip(bytes), bytes) << number;
+    }
 }
 
 TEST(PathText, givesBackAllStringsOfUpToFiveBytesThatStandAtTheEdgesOfUtf8) {
@@ -104,13 +103,15 @@ TEST(PathText, givesBackAllStringsOfUpToFiveBytesThatStandAtTheEdgesOfUtf8) {
 }
 
 TEST(PathText, givesBackRandomBytes) {
+    // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): a failure is to come again in the next run
     std::mt19937 random(1);
     for (int round = 0; round < 20'000; ++round) {
         std::string bytes(random() % 40, '\0');
-        const bool mostlyAscii = round % 2 == 0;
-        for (char& byte : bytes)
-            byte = static_cast<char>(mostlyAscii && random() % 8 != 0 ? 'a' + random() % 26
-                                                                      : random() % 256);
+        const bool isMostlyAscii = round % 2 == 0;
+        for (char& byte : bytes) {
+            const bool isLetter = isMostlyAscii && random() % 8 != 0;
+            byte = static_cast<char>(isLetter ? 'a' + random() % 26 : random() % 256);
+        }
         ASSERT_EQ(roundTrip(bytes), bytes);
     }
 }
