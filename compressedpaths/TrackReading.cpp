@@ -2,12 +2,25 @@
 //
 // A saved set says where the files of an entry begin, but not whether that is the folder or, for a
 // folder that was there before, its first file. A first file without children can only be a file.
-// One that has children may have become a folder since, so the shape has to tell: every child of a
-// folder is a file of one of that folder's entries, or a folder itself.
+// One that has children may have become a folder since, so the shape has to tell:
+//
+// - Every position that some track ends with was the next free one of its folder when an entry was
+//   added. So an entry's files, which follow one another, have none of them inside, and those of
+//   the entry that made a folder are before all of them.
+// - A leaf that no track leads to is a file of the entry before it. So is a node that an entry
+// found
+//   without children: it was a leaf then.
+// - A path that is listed once has one file. A child with a later twin of the same key was there
+//   before its path was listed, as a folder on the way to something else.
+//
+// Where all of this leaves both readings open, the bytes of two different sets are the same, and a
+// node with children is taken for the folder.
 
 #include <algorithm>
 #include <limits>
+#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "compressedpaths/BPathTree.hpp"
 
@@ -17,74 +30,94 @@ namespace {
 using Node = BPathTree::BNode;
 using TrackEnd = BPathTree::TrackEnd;
 
-/// What the entries that have been read so far say of a node.
-struct Evidence {
-    bool isTrackTarget = false;         // some track leads to it
-    bool isFolderFromTheStart = false;  // so it is nobody's file
-    // The least child that some track ends with, whatever that means: the entry that made the
-    // folder came first, and its files are all before.
-    std::size_t firstTrackedChild = std::numeric_limits<std::size_t>::max();
+/// Some children of a folder, from `first` on.
+struct Files {
+    const Node* folder;
+    std::size_t first;
+    std::size_t count;
 };
 
 class TrackReader {
 public:
     /// Takes in one track, which leads to child `childIndex` of `parent`.
     void addTrack(const Node& parent, std::size_t childIndex) {
-        evidence_[parent.children[childIndex].get()].isTrackTarget = true;
-        std::size_t& first = evidence_[&parent].firstTrackedChild;
-        first = std::min(first, childIndex);
+        targets_.insert(parent.children[childIndex].get());
+        const auto [first, isNew] = firstTargetOf_.try_emplace(&parent, childIndex);
+        if (!isNew) first->second = std::min(first->second, childIndex);
     }
 
     /// Reads one track, which leads to child `childIndex` of `parent` and belongs to an entry of
-    /// `fileCount` files, at least one. All tracks must have been taken in, and longer ones been
-    /// read before. O(fileCount).
+    /// `fileCount` files, at least one. All tracks must have been taken in and longer ones been
+    /// read before. O(fileCount), and once for each folder O(its children), both only where files
+    /// have become folders.
     TrackEnd read(const Node& parent, std::size_t childIndex, std::size_t fileCount) {
-        const Node& target = *parent.children[childIndex];
-        const TrackEnd end = decide(parent, childIndex, target, fileCount);
-        if (end == TrackEnd::kFolder) evidence_[&target].isFolderFromTheStart = true;
-        return end;
+        const bool isFile = isFirstFile(parent, childIndex, fileCount);
+        if (isFile && childIndex == 0) foundEmpty_.insert(&parent);
+        return isFile ? TrackEnd::kFirstFile : TrackEnd::kFolder;
     }
 
 private:
-    TrackEnd decide(const Node& parent, std::size_t childIndex, const Node& target,
-                    std::size_t fileCount) const {
-        const bool canBeFolder =
-            canBeFiles(target, 0, fileCount) && of(target).firstTrackedChild >= fileCount;
-        const bool canBeFile = canBeFiles(parent, childIndex, fileCount);
-        if (canBeFolder && canBeFile && !hasPlainFile(target, 0, fileCount) &&
-            hasPlainFile(parent, childIndex + 1, fileCount - 1))
-            return TrackEnd::kFirstFile;
-        if (canBeFolder != canBeFile) return canBeFolder ? TrackEnd::kFolder : TrackEnd::kFirstFile;
-        return target.children.empty() ? TrackEnd::kFirstFile : TrackEnd::kFolder;
+    bool isFirstFile(const Node& parent, std::size_t childIndex, std::size_t fileCount) {
+        const Node& target = *parent.children[childIndex];
+        if (target.children.empty()) return true;
+
+        const Files inTarget{&target, 0, fileCount};
+        const Files inParent{&parent, childIndex, fileCount};
+        const auto firstTarget = firstTargetOf_.find(&target);
+        const bool canBeFolder = exist(inTarget) && (firstTarget == firstTargetOf_.end() ||
+                                                     firstTarget->second >= fileCount);
+        const bool canBeFile = exist(inParent) && !hasTargetInside(inParent);
+        return canBeFile && (!canBeFolder || isRatherIn(inParent, inTarget));
     }
 
-    bool canBeFiles(const Node& folder, std::size_t first, std::size_t count) const {
-        const std::size_t childCount = folder.children.size();
-        if (first > childCount || count > childCount - first) return false;
-        for (std::size_t i = first; i < first + count; ++i) {
-            const Node& child = *folder.children[i];
-            if (!child.children.empty() && of(child).isFolderFromTheStart) return false;
-        }
-        return true;
+    static bool exist(const Files& files) {
+        const std::size_t childCount = files.folder->children.size();
+        return files.first <= childCount && files.count <= childCount - files.first;
     }
 
-    /// True if one of the children up to the next one that begins an entry is a file for certain: a
-    /// leaf that no track leads to belongs to the entry before it.
-    bool hasPlainFile(const Node& folder, std::size_t first, std::size_t count) const {
-        for (std::size_t i = first; i < first + count; ++i) {
-            const Node& child = *folder.children[i];
-            if (of(child).isTrackTarget) return false;
-            if (child.children.empty()) return true;
+    bool hasTargetInside(const Files& files) const {
+        for (std::size_t i = files.first + 1; i < files.first + files.count; ++i)
+            if (targets_.contains(files.folder->children[i].get())) return true;
+        return false;
+    }
+
+    /// True if there is more that speaks for the one place of the files than for the other. Neither
+    /// has a target inside.
+    bool isRatherIn(const Files& one, const Files& other) {
+        if (hasCertainFile(other)) return false;
+        if (hasCertainFile(one)) return true;
+        return hasTwin(other) && !hasTwin(one);
+    }
+
+    bool hasCertainFile(const Files& files) const {
+        for (std::size_t i = files.first; i < files.first + files.count; ++i) {
+            const Node* const child = files.folder->children[i].get();
+            if (child->children.empty() || foundEmpty_.contains(child)) return true;
         }
         return false;
     }
 
-    Evidence of(const Node& node) const {
-        const auto found = evidence_.find(&node);
-        return found == evidence_.end() ? Evidence{} : found->second;
+    /// True if one of the files has the key of another child of the folder.
+    bool hasTwin(const Files& files) {
+        const auto [keys, isNew] = repeatedKeysOf_.try_emplace(files.folder);
+        if (isNew) {
+            std::unordered_set<std::string_view> seen;
+            for (const auto& child : files.folder->children)
+                if (!seen.insert(textOf(*child)).second) keys->second.insert(textOf(*child));
+        }
+        for (std::size_t i = files.first; i < files.first + files.count; ++i)
+            if (keys->second.contains(textOf(*files.folder->children[i]))) return true;
+        return false;
     }
 
-    std::unordered_map<const Node*, Evidence> evidence_;
+    static std::string_view textOf(const Node& node) {
+        return {reinterpret_cast<const char*>(node.key.data()), node.key.size()};
+    }
+
+    std::unordered_set<const Node*> targets_;     // nodes that tracks lead to
+    std::unordered_set<const Node*> foundEmpty_;  // nodes that entries found without children
+    std::unordered_map<const Node*, std::size_t> firstTargetOf_;  // by folder: the least child
+    std::unordered_map<const Node*, std::unordered_set<std::string_view>> repeatedKeysOf_;
 };
 
 }  // namespace
@@ -93,25 +126,26 @@ std::vector<TrackEnd> BPathTree::readTrackEnds(
     const std::vector<std::vector<std::size_t>>& folderTracks,
     const std::vector<std::size_t>& fileCounts) const {
     TrackReader reader;
+    for (const std::vector<std::size_t>& track : folderTracks)
+        if (!track.empty() && leadsToNode(track))
+            reader.addTrack(*nodeAt(track, track.size() - 1), track.back());
+
     std::vector<TrackEnd> ends(folderTracks.size());
-    std::vector<std::size_t> undecided;  // entries, see below
+    std::vector<std::size_t> open;  // entries whose tracks have to be read
     for (std::size_t entry = 0; entry < folderTracks.size(); ++entry) {
         const std::vector<std::size_t>& track = folderTracks[entry];
         ends[entry] = guessTrackEnd(track);
-        if (track.empty() || !leadsToNode(track)) continue;
-        reader.addTrack(*nodeAt(track, track.size() - 1), track.back());
         // The root is there before every entry, so a track of one position leads to a new folder.
         const bool hasFiles = entry < fileCounts.size() && fileCounts[entry] > 0;
-        if (hasFiles && track.size() >= 2) undecided.push_back(entry);
+        if (hasFiles && track.size() >= 2 && leadsToNode(track)) open.push_back(entry);
     }
-
-    std::stable_sort(undecided.begin(), undecided.end(), [&](std::size_t a, std::size_t b) {
+    std::stable_sort(open.begin(), open.end(), [&](std::size_t a, std::size_t b) {
         return folderTracks[a].size() > folderTracks[b].size();
     });
-    for (const std::size_t entry : undecided) {
+    for (const std::size_t entry : open) {
         const std::vector<std::size_t>& track = folderTracks[entry];
-        const Node* const parent = nodeAt(track, track.size() - 1);
-        ends[entry] = reader.read(*parent, track.back(), fileCounts[entry]);
+        const Node& parent = *nodeAt(track, track.size() - 1);
+        ends[entry] = reader.read(parent, track.back(), fileCounts[entry]);
     }
     return ends;
 }

@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+#include <set>
+
 #include "tests/support/FolderHistories.hpp"
 #include "tests/support/PathSets.hpp"
 #include "tests/support/Peers.hpp"
@@ -122,6 +126,10 @@ TEST(TrackReading, findsFoldersFirstMetWithoutFiles) {
         {{{u"a", u"b"}, {}}, {{u"a", u"b"}, {u"c"}}, {{u"a"}, {u"d"}}, {{u"a", u"d"}, {u"e"}}});
 }
 
+TEST(TrackReading, findsAFileThatBecameAFolderByAnEntryWithoutFiles) {
+    expectPathsBeforeAndAfterLoading({{{u"a"}, {}}, {{u"a"}, {u"b"}}, {{u"a", u"b", u"c"}, {}}});
+}
+
 TEST(TrackReading, findsFoldersBelowComponentsThatWereNeverListed) {
     expectPathsBeforeAndAfterLoading({{{u"a", u"b", u"c"}, {u"1"}},
                                       {{u"a", u"b"}, {u"2"}},
@@ -146,6 +154,41 @@ TEST(TrackReading, prefersTheReadingInWhichEveryFolderWasListed) {
     HuffmanPathTree twin;
     buildSet(twin, listed);
     EXPECT_EQ(savedForm(set), savedForm(twin));
+}
+
+/// A tree of some names below the folder a, each path to a file or folder once, in random order.
+FolderEntries shuffledListing(std::mt19937& random) {
+    std::set<TextPath> paths;
+    const std::size_t size = 2 + random() % 40;
+    for (TextPath path{u"a"}; paths.size() < size;) {
+        path.emplace_back(1, static_cast<char16_t>(u'a' + random() % 4));
+        paths.insert(path);
+        if (path.size() > 6 || random() % 3 == 0) path = {u"a"};
+    }
+    std::vector<TextPath> order(paths.begin(), paths.end());
+    std::shuffle(order.begin(), order.end(), random);
+
+    FolderEntries entries;
+    for (TextPath& folder : order) {
+        const std::u16string name = folder.back();
+        folder.pop_back();
+        if (entries.empty() || entries.back().folder != folder) entries.push_back({folder, {}});
+        entries.back().files.push_back(name);
+    }
+    return entries;
+}
+
+TEST(TrackReading, findsAListingInAnyOrderThatNamesEveryFileAndFolderOnce) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 2000; ++round) {
+        const FolderEntries entries = shuffledListing(random);
+        HuffmanPathTree set;
+        addCoded(set, entries);
+        HuffmanPathTree loaded;
+        reload(set, loaded);
+        const TextPaths expected = pathsOf(entries);
+        ASSERT_EQ(pathsByNumber(loaded, expected.size()), expected) << describe(entries);
+    }
 }
 
 TEST(TrackReading, tellsTheEndsApartInEveryShortHistoryWithFiles) {
