@@ -25,8 +25,10 @@ struct PlainNode {
 /// Shared by copies of a set, as the library's trie is.
 struct PlainTrie {
     PlainNode root;
-    // The saved form does not say which came first then: where an entry's files begin is a guess.
+    // What of the past the saved form does not hold, so that loading may take one file for another.
     bool fileHasBecomeFolder = false;
+    bool hasUntrackedFolderBelowFile = false;  // no entry's track ends there
+    bool holdsForeignPaths = false;            // of copies, or added on their own
 
     PlainNode& append(PlainNode& parent, const std::u16string& name, bool isFile) {
         fileHasBecomeFolder = fileHasBecomeFolder || parent.isFile;
@@ -45,9 +47,11 @@ class PlainPathSet {
 public:
     void addEntry(const PlainPath& folder, const PlainPath& files) {
         PlainNode* node = &trie_->root;
-        for (const std::u16string& name : folder) {
-            PlainNode* const next = PlainTrie::find(*node, name);
-            node = next != nullptr ? next : &trie_->append(*node, name, false);
+        for (std::size_t level = 0; level < folder.size(); ++level) {
+            PlainNode* const next = PlainTrie::find(*node, folder[level]);
+            if (next == nullptr && node->isFile && level + 1 < folder.size())
+                trie_->hasUntrackedFolderBelowFile = true;
+            node = next != nullptr ? next : &trie_->append(*node, folder[level], false);
         }
         for (const std::u16string& name : files) trie_->append(*node, name, true);
         hasSinglesBeforeEntries_ =
@@ -58,6 +62,7 @@ public:
     }
 
     void addSingle(const PlainPath& path) {
+        trie_->holdsForeignPaths = true;
         ++pathCount_;
         PlainNode* node = &trie_->root;
         bool existed = true;
@@ -78,6 +83,8 @@ public:
         const auto& entry = entries_[static_cast<std::size_t>(end - ends_.begin())];
         const std::size_t start = end == ends_.begin() ? 0 : *(end - 1);
         if (number - start > entry.files.size()) return std::nullopt;
+        // Such an entry has no track to say where in the root its files begin.
+        if (entry.folder.empty() && trie_->holdsForeignPaths) return std::nullopt;
         PlainPath path = entry.folder;
         path.push_back(entry.files[number - start - 1]);
         return path;
@@ -101,13 +108,20 @@ public:
         }
     }
 
+    /// A copy that shares the trie.
+    PlainPathSet copy() const {
+        trie_->holdsForeignPaths = true;
+        return *this;
+    }
+
     /// What a set becomes that is saved and loaded.
     PlainPathSet loaded() const {
         PlainPathSet set = *this;
         set.trie_ = std::make_shared<PlainTrie>(*trie_);
         separate(set.trie_->root);
-        set.knowsWhereFilesBegin_ =
-            knowsWhereFilesBegin_ && !trie_->fileHasBecomeFolder && !hasSinglesBeforeEntries_;
+        const bool isAmbiguous = trie_->hasUntrackedFolderBelowFile || hasSinglesBeforeEntries_ ||
+                                 (trie_->fileHasBecomeFolder && trie_->holdsForeignPaths);
+        set.knowsWhereFilesBegin_ = knowsWhereFilesBegin_ && !isAmbiguous;
         std::vector<PlainPath> leaves;
         PlainPath above;
         appendLeaves(trie_->root, above, leaves);

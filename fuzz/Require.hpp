@@ -9,7 +9,7 @@ namespace fuzzing {
 
 inline void require(bool holds, const char* law) {
     if (holds) return;
-    std::fprintf(stderr, "broken law: %s\n", law);
+    static_cast<void>(std::fprintf(stderr, "broken law: %s\n", law));
     std::abort();
 }
 

@@ -39,11 +39,10 @@ void build(HuffmanPathTree& set, InputScript& script) {
 void inflate(HuffmanPathTree& set, InputScript& script) {
     const std::u16string characters = readCharacters(script);
     const std::vector<std::uint8_t> shape = script.bytes(script.byte());
-    Bytes form(8);
-    form.push_back(static_cast<std::uint8_t>(shape.size()));
-    form.resize(16);
-    form.insert(form.end(), shape.begin(), shape.end());
-    form.resize(form.size() + 17);  // no structure bytes, no keys
+    // Two sizes, of which nobody needs the first; the shape; no structure bytes and no keys.
+    Bytes form(16 + shape.size() + 17);
+    form[8] = static_cast<std::uint8_t>(shape.size());
+    std::copy(shape.begin(), shape.end(), form.begin() + 16);
     set.deserialize(form, false);
     succeeds<IncompleteCodingTreeException, CodeWordsTooLongException>(
         [&] { set.inflateHuffman(characters); });

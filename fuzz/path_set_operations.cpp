@@ -96,7 +96,8 @@ private:
     }
 
     void renew(Pair& pair) {
-        pair = {std::make_unique<HuffmanPathTree>(), {}};
+        pair.set = std::make_unique<HuffmanPathTree>();
+        pair.plain = PlainPathSet();
         pair.set->deflateHuffman(frequencies_.data(), std::u16string(kCharacters));
     }
 
@@ -124,7 +125,7 @@ private:
     }
 
     void addEntry(Pair& pair, const PlainPath& files) {
-        const PlainPath folder = chooseNames(1);
+        const PlainPath folder = chooseNames(0);
         std::vector<Bytes> codedFolder = code(*pair.set, folder);
         std::vector<Bytes> codedFiles = code(*pair.set, files);
         pair.set->addPathToBTree(codedFolder, codedFiles);
@@ -152,7 +153,7 @@ private:
         if (&to == &from) return;
         to.set = std::make_unique<HuffmanPathTree>();
         to.set->copyTree(*from.set);
-        to.plain = from.plain;
+        to.plain = from.plain.copy();
     }
 
     void load(Pair& to, Pair& from) {
