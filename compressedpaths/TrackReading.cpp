@@ -8,10 +8,10 @@
 //   added. So an entry's files, which follow one another, have none of them inside, and those of
 //   the entry that made a folder are before all of them.
 // - A leaf that no track leads to is a file of the entry before it. So is a node that an entry
-// found
-//   without children: it was a leaf then.
+// found without children: it was a leaf then.
 // - A path that is listed once has one file. A child with a later twin of the same key was there
-//   before its path was listed, as a folder on the way to something else.
+//   before its path was listed, as a folder on the way to something else. But a folder that no
+//   earlier entry mentions cannot have been found, whatever twins there are.
 //
 // Where all of this leaves both readings open, the bytes of two different sets are the same, and a
 // node with children is taken for the folder.
@@ -39,6 +39,10 @@ struct Files {
 
 class TrackReader {
 public:
+    TrackReader(const Node& root, const std::vector<std::vector<std::size_t>>& folderTracks,
+                const std::vector<std::size_t>& fileCounts)
+        : root_(root), folderTracks_(folderTracks), fileCounts_(fileCounts) {}
+
     /// Takes in one track, which leads to child `childIndex` of `parent`.
     void addTrack(const Node& parent, std::size_t childIndex) {
         targets_.insert(parent.children[childIndex].get());
@@ -46,18 +50,20 @@ public:
         if (!isNew) first->second = std::min(first->second, childIndex);
     }
 
-    /// Reads one track, which leads to child `childIndex` of `parent` and belongs to an entry of
+    /// Reads the track of an entry, which leads to child `childIndex` of `parent` and has
     /// `fileCount` files, at least one. All tracks must have been taken in and longer ones been
-    /// read before. O(fileCount), and once for each folder O(its children), both only where files
-    /// have become folders.
-    TrackEnd read(const Node& parent, std::size_t childIndex, std::size_t fileCount) {
-        const bool isFile = isFirstFile(parent, childIndex, fileCount);
+    /// read before. O(fileCount), once for each folder O(its children) and once for all O(track
+    /// positions), all only where files have become folders.
+    TrackEnd read(std::size_t entry, const Node& parent, std::size_t childIndex,
+                  std::size_t fileCount) {
+        const bool isFile = isFirstFile(entry, parent, childIndex, fileCount);
         if (isFile && childIndex == 0) foundEmpty_.insert(&parent);
         return isFile ? TrackEnd::kFirstFile : TrackEnd::kFolder;
     }
 
 private:
-    bool isFirstFile(const Node& parent, std::size_t childIndex, std::size_t fileCount) {
+    bool isFirstFile(std::size_t entry, const Node& parent, std::size_t childIndex,
+                     std::size_t fileCount) {
         const Node& target = *parent.children[childIndex];
         if (target.children.empty()) return true;
 
@@ -67,7 +73,7 @@ private:
         const bool canBeFolder = exist(inTarget) && (firstTarget == firstTargetOf_.end() ||
                                                      firstTarget->second >= fileCount);
         const bool canBeFile = exist(inParent) && !hasTargetInside(inParent);
-        return canBeFile && (!canBeFolder || isRatherIn(inParent, inTarget));
+        return canBeFile && (!canBeFolder || isRatherIn(entry, inParent, inTarget));
     }
 
     static bool exist(const Files& files) {
@@ -83,10 +89,40 @@ private:
 
     /// True if there is more that speaks for the one place of the files than for the other. Neither
     /// has a target inside.
-    bool isRatherIn(const Files& one, const Files& other) {
+    bool isRatherIn(std::size_t entry, const Files& one, const Files& other) {
         if (hasCertainFile(other)) return false;
         if (hasCertainFile(one)) return true;
-        return hasTwin(other) && !hasTwin(one);
+        return hasTwin(other) && !hasTwin(one) && wasThereBefore(entry, one);
+    }
+
+    /// True if the folder of `files` can have been there before an entry that has them by its
+    /// track: an earlier entry mentions it, or it was a file, in a folder that an earlier entry
+    /// mentions.
+    bool wasThereBefore(std::size_t entry, const Files& files) {
+        if (firstEntryAt_.empty()) mentionAll();
+        const auto isMentionedBefore = [this, entry](const Node* node) {
+            const auto found = firstEntryAt_.find(node);
+            return found != firstEntryAt_.end() && found->second < entry;
+        };
+        if (isMentionedBefore(files.folder)) return true;
+        const std::vector<std::size_t>& track = folderTracks_[entry];
+        const Node* above = &root_;
+        for (std::size_t level = 0; level + 2 < track.size(); ++level)
+            above = above->children[track[level]].get();
+        return files.first == 0 && isMentionedBefore(above);
+    }
+
+    void mentionAll() {
+        for (std::size_t entry = 0; entry < folderTracks_.size(); ++entry) {
+            const Node* node = &root_;
+            const bool hasFiles = entry < fileCounts_.size() && fileCounts_[entry] > 0;
+            if (folderTracks_[entry].empty() && hasFiles) firstEntryAt_.try_emplace(node, entry);
+            for (const std::size_t position : folderTracks_[entry]) {
+                if (position >= node->children.size()) break;
+                node = node->children[position].get();
+                firstEntryAt_.try_emplace(node, entry);
+            }
+        }
     }
 
     bool hasCertainFile(const Files& files) const {
@@ -114,7 +150,11 @@ private:
         return {reinterpret_cast<const char*>(node.key.data()), node.key.size()};
     }
 
-    std::unordered_set<const Node*> targets_;     // nodes that tracks lead to
+    const Node& root_;
+    const std::vector<std::vector<std::size_t>>& folderTracks_;
+    const std::vector<std::size_t>& fileCounts_;
+    std::unordered_map<const Node*, std::size_t> firstEntryAt_;  // whose track mentions a node
+    std::unordered_set<const Node*> targets_;                    // nodes that tracks lead to
     std::unordered_set<const Node*> foundEmpty_;  // nodes that entries found without children
     std::unordered_map<const Node*, std::size_t> firstTargetOf_;  // by folder: the least child
     std::unordered_map<const Node*, std::unordered_set<std::string_view>> repeatedKeysOf_;
@@ -125,7 +165,7 @@ private:
 std::vector<TrackEnd> BPathTree::readTrackEnds(
     const std::vector<std::vector<std::size_t>>& folderTracks,
     const std::vector<std::size_t>& fileCounts) const {
-    TrackReader reader;
+    TrackReader reader(*root, folderTracks, fileCounts);
     for (const std::vector<std::size_t>& track : folderTracks)
         if (!track.empty() && leadsToNode(track))
             reader.addTrack(*nodeAt(track, track.size() - 1), track.back());
@@ -145,7 +185,7 @@ std::vector<TrackEnd> BPathTree::readTrackEnds(
     for (const std::size_t entry : open) {
         const std::vector<std::size_t>& track = folderTracks[entry];
         const Node& parent = *nodeAt(track, track.size() - 1);
-        ends[entry] = reader.read(parent, track.back(), fileCounts[entry]);
+        ends[entry] = reader.read(entry, parent, track.back(), fileCounts[entry]);
     }
     return ends;
 }

@@ -138,6 +138,13 @@ TEST(TrackReading, findsFoldersBelowComponentsThatWereNeverListed) {
                                       {{u"a"}, {u"5"}}});
 }
 
+TEST(TrackReading, takesNoFileForAFolderThatNoEarlierEntryMentions) {
+    expectPathsBeforeAndAfterLoading(
+        {{{u"a", u"b"}, {u"c"}}, {{u"a", u"b"}, {u"c"}}, {{u"a", u"b", u"c", u"d"}, {}}});
+    expectPathsBeforeAndAfterLoading(
+        {{{}, {}}, {{u"a", u"b"}, {u"c"}}, {{u"a", u"b"}, {u"c"}}, {{u"a", u"b", u"c", u"d"}, {}}});
+}
+
 // The same bytes would be those of b as a file of a below which b/c/d was added at once. Where both
 // fit, every folder is taken to have been listed before something was added below it.
 TEST(TrackReading, prefersTheReadingInWhichEveryFolderWasListed) {
