@@ -190,9 +190,10 @@ TEST(BPathTree, appendsTheKeysAlongATrack) {
 TEST(BPathTree, refusesToTraverseAnEmptyTreeWhateverTheTrack) {
     BPathTree tree;
     Path components = path("-");
-    for (const Track& track : {Track{}, Track{0}})
+    for (const Track& track : {Track{}, Track{0}}) {
         EXPECT_THAT([&] { tree.traversePath(track, components); },
                     ThrowsMessage<NoTreeToTraverseException>(kNoTree));
+    }
     EXPECT_EQ(components, path("-"));
 }
 
@@ -208,9 +209,10 @@ TEST(BPathTree, refusesToTraverseATrackThatLeadsToNoNode) {
     BPathTree tree;
     addSingle(tree, path("ab"));
     Path components = path("-");
-    for (const Track& track : {Track{1}, Track{0, 1}, Track{0, 0, 0}, Track{kNone}})
+    for (const Track& track : {Track{1}, Track{0, 1}, Track{0, 0, 0}, Track{kNone}}) {
         EXPECT_THAT([&] { tree.traversePath(track, components); },
                     ThrowsMessage<InvalidTrackException>(kBadTrack));
+    }
     EXPECT_EQ(components, path("-"));
 }
 
@@ -258,12 +260,13 @@ TEST(BPathTree, refusesFileNumbersThatAreNotThereAndAppendsNothing) {
     addFolder(tree, path("a"), {key('x'), key('y')});
     std::vector<Path> folders;
     std::vector<Path> files;
-    for (const std::size_t number : {std::size_t{0}, std::size_t{3}, kNone})
+    for (const std::size_t number : {std::size_t{0}, std::size_t{3}, kNone}) {
         EXPECT_THAT(
             [&] {
                 tree.getPath(folders, files, {0, 0}, {{0}}, {{1}, {number}});
             },
             ThrowsMessage<InvalidFileNumberException>(kBadFile));
+    }
     EXPECT_THAT([&] { tree.getPath(folders, files, {0}, {{0}}, {}); },
                 ThrowsMessage<InvalidFileNumberException>(kBadFile));
     EXPECT_TRUE(folders.empty());
@@ -275,12 +278,13 @@ TEST(BPathTree, refusesTracksOfNoFolderAndAppendsNothing) {
     addFolder(tree, path("a"), {key('x')});
     std::vector<Path> folders;
     std::vector<Path> files;
-    for (const Track& track : {Track{1, 0}, Track{0, 2}, Track{0, 0, 1}, Track{kNone}})
+    for (const Track& track : {Track{1, 0}, Track{0, 2}, Track{0, 0, 1}, Track{kNone}}) {
         EXPECT_THAT(
             [&] {
                 tree.getPath(folders, files, {0, 1}, {{0}, track}, {{1}, {1}});
             },
             ThrowsMessage<InvalidTrackException>(kBadTrack));
+    }
     EXPECT_THAT([&] { tree.getPath(folders, files, {1}, {{0}}, {{1}}); },
                 ThrowsMessage<InvalidTrackException>(kBadTrack));
     EXPECT_TRUE(folders.empty());

@@ -102,10 +102,11 @@ TEST(CodingTreeForms, ofASingleLeafCodeToNothingAndCannotBeDecoded) {
     EXPECT_THAT([&] { tree.generatePathFrom({}); },
                 ThrowsMessage<InvalidCodeException>(
                     "The code bytes lead to no character of the coding tree."));
-    for (const Bytes& code : {Bytes{0, 1}, Bytes{1, 0}, Bytes{255, 0, 0}})
+    for (const Bytes& code : {Bytes{0, 1}, Bytes{1, 0}, Bytes{255, 0, 0}}) {
         EXPECT_THAT([&] { tree.generatePathFrom(code); },
                     ThrowsMessage<NoUsableCodingTreeException>(
                         "There is no usable coding tree to decode with."));
+    }
 }
 
 TEST(CodingTreeForms, withoutAShapeInflateToNoTree) {

@@ -39,19 +39,21 @@ TEST(HeapMeter, seesWhatIsTakenAndGivenBackAgain) {
 }
 
 TEST(DamagedSetsMemory, staysInProportionToTheInput) {
-    for (const SavedSample& sample : savedSamples())
-        for (const bool compressed : {false, true})
+    for (const SavedSample& sample : savedSamples()) {
+        for (const bool compressed : {false, true}) {
             forAllDamages(compressed ? sample.compressed : sample.plain, [&](const Bytes& damaged) {
                 const std::size_t peak = peakOfLoading(damaged, compressed);
                 ASSERT_LE(peak, kFixedBytes + kBytesForEachByte * damaged.size()) << sample.name;
             });
+        }
+    }
 }
 
 TEST(DamagedSetsMemory, isNotTakenForCountsThatCannotBe) {
     const std::uint64_t kCounts[] = {1'000'000, std::uint64_t{1} << 32, std::uint64_t{1} << 62,
                                      ~std::uint64_t{0}};
-    for (const SavedSample& sample : savedSamples())
-        for (const std::uint64_t count : kCounts)
+    for (const SavedSample& sample : savedSamples()) {
+        for (const std::uint64_t count : kCounts) {
             for (std::size_t position = 0; position + 8 <= sample.plain.size(); ++position) {
                 Bytes damaged = sample.plain;
                 for (unsigned byte = 0; byte < 8; ++byte)
@@ -60,6 +62,8 @@ TEST(DamagedSetsMemory, isNotTakenForCountsThatCannotBe) {
                           kFixedBytes + kBytesForEachByte * damaged.size())
                     << sample.name;
             }
+        }
+    }
 }
 
 }  // namespace

@@ -120,7 +120,7 @@ TEST(FrequencyHeap, takesTheRightChildOnlyIfItIsSmaller) {
 }
 
 TEST(FrequencyHeap, popsLikeTheSlowModelForAllShortLists) {
-    for (std::size_t length = 0; length <= 8; ++length)
+    for (std::size_t length = 0; length <= 8; ++length) {
         forAllLists(length, 3, [&](const std::vector<int>& frequencies) {
             Heap heap;
             SlowHeap model;
@@ -133,6 +133,7 @@ TEST(FrequencyHeap, popsLikeTheSlowModelForAllShortLists) {
             while (model.size() > 0) expected.push_back(model.pop().name);
             ASSERT_EQ(popAll(heap), expected) << testing::PrintToString(frequencies);
         });
+    }
 }
 
 // Joining the two first and pushing the sum is how a coding tree is built.
@@ -149,11 +150,12 @@ TEST(FrequencyHeap, joinsLikeTheSlowModelForAllShortLists) {
         }
         return names;
     };
-    for (std::size_t length = 1; length <= 9; ++length)
+    for (std::size_t length = 1; length <= 9; ++length) {
         forAllLists(length, 3, [&](const std::vector<int>& frequencies) {
             ASSERT_EQ(order(Heap(), frequencies), order(SlowHeap(), frequencies))
                 << testing::PrintToString(frequencies);
         });
+    }
 }
 
 TEST(FrequencyHeap, givesFrequenciesInAscendingOrder) {

@@ -225,9 +225,10 @@ TEST(HuffmanCode, isNotDecodedWithoutACodingTree) {
 TEST(HuffmanCode, isNotDecodedFromNoBytesOrAnImpossibleCount) {
     HuffmanPathTree tree;
     makeEqualCode(tree, u"xy");
-    for (const Bytes& code : {Bytes{}, Bytes{0, 8}, Bytes{0, 255}, Bytes{1, 2, 9}})
+    for (const Bytes& code : {Bytes{}, Bytes{0, 8}, Bytes{0, 255}, Bytes{1, 2, 9}}) {
         EXPECT_THAT([&] { tree.generatePathFrom(code); },
                     ThrowsMessage<InvalidCodeException>(kInvalidCode));
+    }
     EXPECT_EQ(tree.generatePathFrom({0b01, 7}), u"yxxxxxx");
 }
 

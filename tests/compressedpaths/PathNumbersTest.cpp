@@ -124,8 +124,8 @@ TEST_F(PathNumbers, mayRepeatWithinAGroup) {
 
 TEST_F(PathNumbers, givePathsInTheRequestedOrderWhateverItIs) {
     const TextPaths all = pathsOf(kEntries);
-    for (int first = 1; first <= 5; ++first)
-        for (int second = 1; second <= 5; ++second)
+    for (int first = 1; first <= 5; ++first) {
+        for (int second = 1; second <= 5; ++second) {
             for (int third = 1; third <= 5; ++third) {
                 const std::vector<double> numbers{double(first), double(second), double(third)};
                 TextPaths expected;
@@ -133,6 +133,8 @@ TEST_F(PathNumbers, givePathsInTheRequestedOrderWhateverItIs) {
                     expected.push_back(all[static_cast<std::size_t>(number) - 1]);
                 EXPECT_EQ(pathsNumbered(set, numbers), expected);
             }
+        }
+    }
 }
 
 TEST_F(PathNumbers, ofPathsAddedOnTheirOwnGiveNothing) {

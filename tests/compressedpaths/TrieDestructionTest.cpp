@@ -16,7 +16,8 @@ constexpr std::size_t kDepth = 100'000;
 using WeakNode = std::weak_ptr<BPathTree::BNode>;
 
 Path deepPath(std::size_t depth, char letter = 'a') {
-    return Path(depth, key(letter));
+    Path components(depth, key(letter));
+    return components;
 }
 
 WeakNode deepestOf(const BPathTree& tree) {

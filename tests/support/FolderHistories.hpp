@@ -22,12 +22,13 @@ struct HistoryLimits {
 /// All lists of `least` to `most` of the names a and b, the shorter ones first.
 inline std::vector<Names> nameLists(std::size_t least, std::size_t most) {
     std::vector<Names> lists{{}};
-    for (std::size_t i = 0; i < lists.size(); ++i)
+    for (std::size_t i = 0; i < lists.size(); ++i) {
+        if (lists[i].size() == most) break;
         for (const char16_t* name : {u"a", u"b"}) {
-            if (lists[i].size() == most) break;
             lists.push_back(lists[i]);
             lists.back().emplace_back(name);
         }
+    }
     std::erase_if(lists, [&](const Names& list) { return list.size() < least; });
     return lists;
 }
@@ -36,9 +37,10 @@ inline std::vector<Names> nameLists(std::size_t least, std::size_t most) {
 template <class Visit>
 std::size_t forAllHistories(const HistoryLimits& limits, Visit visit) {
     FolderEntries entries;
-    for (const Names& folder : nameLists(1, limits.depth))
+    for (const Names& folder : nameLists(1, limits.depth)) {
         for (const Names& files : nameLists(limits.leastFiles, limits.files))
             entries.push_back({folder, files});
+    }
 
     std::size_t count = 0;
     std::vector<std::size_t> choice{0};
@@ -52,10 +54,11 @@ std::size_t forAllHistories(const HistoryLimits& limits, Visit visit) {
         for (const std::size_t entry : choice) history.push_back(entries[entry]);
         visit(history);
         ++count;
-        if (choice.size() < limits.entries)
+        if (choice.size() < limits.entries) {
             choice.push_back(0);
-        else
+        } else {
             ++choice.back();
+        }
     }
     return count;
 }

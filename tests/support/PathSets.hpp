@@ -60,11 +60,12 @@ inline void buildSet(HuffmanPathTree& set, const FolderEntries& entries) {
 /// The paths of some entries in the order of their numbers.
 inline TextPaths pathsOf(const FolderEntries& entries) {
     TextPaths paths;
-    for (const FolderEntry& entry : entries)
+    for (const FolderEntry& entry : entries) {
         for (const std::u16string& file : entry.files) {
             paths.push_back(entry.folder);
             paths.back().push_back(file);
         }
+    }
     return paths;
 }
 
@@ -80,20 +81,22 @@ inline TextPaths pathsNumbered(HuffmanPathTree& set, const std::vector<double>& 
     std::vector<Path> files;
     set.getPath(folders, files, numbers);
     TextPaths paths;
-    for (std::size_t group = 0; group < files.size(); ++group)
+    for (std::size_t group = 0; group < files.size(); ++group) {
         for (const Bytes& file : files[group]) {
             paths.push_back(decoded(set, folders.at(group)));
             paths.back().push_back(set.generatePathFrom(file));
         }
+    }
     return paths;
 }
 
 /// The paths 1 to `count`, each asked for on its own.
 inline TextPaths pathsByNumber(HuffmanPathTree& set, std::size_t count) {
     TextPaths paths;
-    for (std::size_t number = 1; number <= count; ++number)
+    for (std::size_t number = 1; number <= count; ++number) {
         for (TextPath& path : pathsNumbered(set, {static_cast<double>(number)}))
             paths.push_back(std::move(path));
+    }
     return paths;
 }
 

@@ -78,13 +78,14 @@ TEST(BitVectors, unpackAnImpossibleCountAsZerosBehindTheByte) {
 }
 
 TEST(BitVectors, comeBackForAllVectorsOfUpToTwelveBits) {
-    for (unsigned count = 0; count <= 12; ++count)
+    for (unsigned count = 0; count <= 12; ++count) {
         for (unsigned value = 0; value < 1U << count; ++value) {
             const Bits bits = bitsOf(value, count);
             const Bytes bytes = packed(bits);
             ASSERT_EQ(bytes.size(), count == 0 ? 0 : count / 8 + 2);
             ASSERT_EQ(unpacked(bytes), bits);
         }
+    }
 }
 
 TEST(BitVectors, leaveTheBitsAboveTheCountZero) {

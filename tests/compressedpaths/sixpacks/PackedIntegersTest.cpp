@@ -133,9 +133,10 @@ TEST(PackedIntegers, findAnUnknownElementWidthBehindTheCount) {
 }
 
 TEST(PackedIntegers, refuseEveryTagAboveThree) {
-    for (unsigned tag = 4; tag < 256; ++tag)
+    for (unsigned tag = 4; tag < 256; ++tag) {
         EXPECT_THROW(makePackerOfWidth(static_cast<PackedSizeT>(tag)),
                      InvalidUintConversionException);
+    }
 }
 
 template <class Types>

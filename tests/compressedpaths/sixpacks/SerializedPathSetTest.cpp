@@ -35,7 +35,7 @@ SavedBody twoFilesInAFolder() {
 }
 
 void expectRefused(const SavedBody& body, const auto& thrown) {
-    for (const bool compress : {false, true})
+    for (const bool compress : {false, true}) {
         EXPECT_THAT(
             [&] {
                 HuffmanPathTree set;
@@ -43,6 +43,7 @@ void expectRefused(const SavedBody& body, const auto& thrown) {
                 set.deserialize(bytes, compress);
             },
             thrown);
+    }
 }
 
 TEST(SerializedPathSet, writesTheBytesOfTheForm) {
@@ -280,12 +281,13 @@ TEST(SerializedPathSet, refusesToEndEarlyAtEveryLength) {
         // Behind the trie, the folders and the widths of the tracks the form may end.
         const bool mayEnd =
             length == endOfTrie || length == endOfFolders || length == endOfFolders + 4;
-        if (mayEnd)
+        if (mayEnd) {
             EXPECT_NO_THROW(set.deserialize(bytes, false)) << length;
-        else
+        } else {
             EXPECT_THAT([&] { set.deserialize(bytes, false); },
                         ThrowsMessage<PrematureEndException>("The serialized bytes end too early."))
                 << length;
+        }
     }
 }
 
