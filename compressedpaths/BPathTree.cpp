@@ -119,7 +119,8 @@ bool BPathTree::addPath(Path& folderComponents, std::vector<Bytes>& fileNames,
 
 /// addIfExistsAndFind for a node of this trie.
 std::size_t BPathTree::findOrAppend(BNode& folder, Bytes& key, bool& existed) {
-    if (folder.children.size() < WideFolders::kMinChildren)
+    const std::size_t childCount = folder.children.size();
+    if (childCount < WideFolders::kMinChildren || childCount > WideFolders::kMaxChildren)
         return addIfExistsAndFind(folder.children, key, existed);
 
     if (!wideFolders_) wideFolders_ = std::make_unique<WideFolders>();

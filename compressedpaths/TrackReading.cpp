@@ -8,7 +8,7 @@
 //   added. So an entry's files, which follow one another, have none of them inside, and those of
 //   the entry that made a folder are before all of them.
 // - A leaf that no track leads to is a file of the entry before it. So is a node that an entry
-// found without children: it was a leaf then.
+//   found without children: it was a leaf then.
 // - A path that is listed once has one file. A child with a later twin of the same key was there
 //   before its path was listed, as a folder on the way to something else. But a folder that no
 //   earlier entry mentions cannot have been found, whatever twins there are.
@@ -36,6 +36,10 @@ struct Files {
     std::size_t first;
     std::size_t count;
 };
+
+bool hasFiles(std::size_t entry, const std::vector<std::size_t>& fileCounts) {
+    return entry < fileCounts.size() && fileCounts[entry] > 0;
+}
 
 class TrackReader {
 public:
@@ -115,8 +119,8 @@ private:
     void mentionAll() {
         for (std::size_t entry = 0; entry < folderTracks_.size(); ++entry) {
             const Node* node = &root_;
-            const bool hasFiles = entry < fileCounts_.size() && fileCounts_[entry] > 0;
-            if (folderTracks_[entry].empty() && hasFiles) firstEntryAt_.try_emplace(node, entry);
+            if (folderTracks_[entry].empty() && hasFiles(entry, fileCounts_))
+                firstEntryAt_.try_emplace(node, entry);
             for (const std::size_t position : folderTracks_[entry]) {
                 if (position >= node->children.size()) break;
                 node = node->children[position].get();
@@ -176,8 +180,8 @@ std::vector<TrackEnd> BPathTree::readTrackEnds(
         const std::vector<std::size_t>& track = folderTracks[entry];
         ends[entry] = guessTrackEnd(track);
         // The root is there before every entry, so a track of one position leads to a new folder.
-        const bool hasFiles = entry < fileCounts.size() && fileCounts[entry] > 0;
-        if (hasFiles && track.size() >= 2 && leadsToNode(track)) open.push_back(entry);
+        if (track.size() >= 2 && hasFiles(entry, fileCounts) && leadsToNode(track))
+            open.push_back(entry);
     }
     std::stable_sort(open.begin(), open.end(), [&](std::size_t a, std::size_t b) {
         return folderTracks[a].size() > folderTracks[b].size();
