@@ -44,6 +44,7 @@ std::u16string toUtf16(std::string_view bytes) {
 
 std::vector<std::u16string> toUtf16(const std::vector<std::string_view>& components) {
     std::vector<std::u16string> texts;
+    texts.reserve(components.size());
     for (const std::string_view component : components) texts.push_back(toUtf16(component));
     return texts;
 }

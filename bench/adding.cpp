@@ -11,7 +11,7 @@
 namespace {
 
 void report(benchmark::State& state, std::size_t heapBytes) {
-    const double pathCount = static_cast<double>(bench::paths().size());
+    const auto pathCount = static_cast<double>(bench::paths().size());
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(bench::paths().size()));
     state.counters["heap_bytes_a_path"] = static_cast<double>(heapBytes) / pathCount;
 }

@@ -38,7 +38,7 @@ Bytes deflateText() {
 }
 
 void report(benchmark::State& state, std::size_t savedBytes) {
-    const double pathCount = static_cast<double>(bench::paths().size());
+    const auto pathCount = static_cast<double>(bench::paths().size());
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(bench::paths().size()));
     state.counters["saved_bytes_a_path"] = static_cast<double>(savedBytes) / pathCount;
     state.counters["text_bytes_a_path"] = static_cast<double>(bench::text().size()) / pathCount;
