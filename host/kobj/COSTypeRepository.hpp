@@ -1,0 +1,40 @@
+#pragma once
+// COSTypeRepository knows the types that methods and properties declare, and how values get there:
+//
+//     COSDataTypePtr type = COSDataType::of(value);
+//     COSValue number = COSTypeRepository::getConversion(type->getID(), "double").apply(value);
+//
+// A type is "any" or the name of a class: "double", "int8" … "uint64", "logical", "char", "cell",
+// "struct", or the full name of a class of objects. " vector" behind it asks for at most one
+// dimension other than 1, " scalar" for one element. Numbers, logical values and characters convert
+// to "double"; otherwise a type takes only its own class. Values that need no change are shared.
+//
+// Threads: safe for concurrent use.
+
+#include <string>
+#include <string_view>
+
+#include "host/Export.hpp"
+#include "host/kobj/COSValue.hpp"
+
+namespace kobj {
+
+class KORVEX_API COSConversion {
+public:
+    COSConversion(std::string targetClass, std::string targetShape);
+
+    /// Throws cannotConvert if the shape of the value does not fit. Nothing stays nothing.
+    COSValue apply(const COSValue& value) const;
+
+private:
+    std::string class_;
+    std::string shape_;
+};
+
+class KORVEX_API COSTypeRepository {
+public:
+    /// From the type with this id to a declared type. Throws cannotConvert.
+    static COSConversion getConversion(std::string_view sourceId, std::string_view targetType);
+};
+
+}  // namespace kobj
