@@ -1,6 +1,7 @@
 #pragma once
 // COSClass is a class as the host sees it: full name, methods and properties by name, and the
 // COSClassInfo that makes its instances. It lives from COSNamespace::addClass until omReset.
+// Methods and properties have different names, for programs may well write both as `object.name`.
 //
 // Threads: methods and properties are added within addClass; afterwards safe for concurrent use.
 
@@ -17,8 +18,8 @@
 
 namespace kobj {
 
-/// A property is reached by its accessors: `get` makes an array, `release` frees it; `set` reads
-/// one.
+/// A property is reached by its accessors: `get` hands out an array, which goes back to `release`
+/// when the host has copied it; `set` reads an array.
 struct COSProperty {
     std::string name;
     std::string type;
@@ -36,8 +37,8 @@ public:
     /// The class of this full name, or null.
     static COSClass* getClass(std::string_view fullName);
 
-    /// Takes `info` over. Use COSNamespace::addClass.
-    COSClass(std::string fullName, COSClassInfo* info, int access, int origin);
+    /// Use COSNamespace::addClass.
+    COSClass(std::string fullName, std::unique_ptr<COSClassInfo> info, int access, int origin);
     COSClass(const COSClass&) = delete;
     COSClass& operator=(const COSClass&) = delete;
     ~COSClass();
@@ -47,7 +48,7 @@ public:
     int getAccess() const noexcept { return access_; }
     int getOrigin() const noexcept { return origin_; }
 
-    /// Takes `method` over. Throws nameIsTaken.
+    /// Takes `method` over; it is freed if this throws. Throws nameIsTaken.
     void addMethod(COSMethodInfo* method);
     /// Throws nameIsTaken, also for a name that the class keeps for itself.
     void addProperty(std::string_view name, std::string_view type,
@@ -65,6 +66,10 @@ public:
     const std::vector<COSProperty>& getProperties() const noexcept { return properties_; }
 
 private:
+    COSMethodInfo* findMethod(std::string_view name) const noexcept;
+    const COSProperty* findProperty(std::string_view name) const noexcept;
+    void requireFreeName(std::string_view name) const;
+
     std::string fullName_;
     std::unique_ptr<COSClassInfo> info_;
     int access_;

@@ -30,6 +30,7 @@ public:
 
 private:
     void requireClass(std::string_view fullClassName) const;
+    void freeInstance() noexcept;
 
     COSClass& class_;
     void* instance_ = nullptr;

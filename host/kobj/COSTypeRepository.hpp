@@ -7,7 +7,8 @@
 // A type is "any" or the name of a class: "double", "int8" … "uint64", "logical", "char", "cell",
 // "struct", or the full name of a class of objects. " vector" behind it asks for at most one
 // dimension other than 1, " scalar" for one element. Numbers, logical values and characters convert
-// to "double"; otherwise a type takes only its own class. Values that need no change are shared.
+// to "double"; otherwise a type takes only its own class. Values that need no change are shared,
+// whatever their size.
 //
 // Threads: safe for concurrent use.
 
@@ -21,20 +22,23 @@ namespace kobj {
 
 class KORVEX_API COSConversion {
 public:
-    COSConversion(std::string targetClass, std::string targetShape);
+    explicit COSConversion(std::string_view targetType) : targetType_(targetType) {}
 
-    /// Throws cannotConvert if the shape of the value does not fit. Nothing stays nothing.
+    /// Throws cannotConvert if class or shape of the value do not fit. Nothing stays nothing.
     COSValue apply(const COSValue& value) const;
 
 private:
-    std::string class_;
-    std::string shape_;
+    std::string targetType_;
 };
 
 class KORVEX_API COSTypeRepository {
 public:
     /// From the type with this id to a declared type. Throws cannotConvert.
     static COSConversion getConversion(std::string_view sourceId, std::string_view targetType);
+
+    /// What an array converts to that stays where it is: null if it is of the declared type
+    /// already. Throws cannotConvert, also for null. O(1) unless elements have to change.
+    static kxArrayPtr convertBorrowed(const kxArray* array, std::string_view targetType);
 };
 
 }  // namespace kobj

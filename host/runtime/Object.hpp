@@ -21,7 +21,8 @@ public:
     explicit Object(kobj::COSInterfacePtr object);
 
     /// Calls a method for `outputCount` outputs; the result has as many as the method says that
-    /// there are, which can be more than were wanted.
+    /// there are, which can be more than were wanted. An optional output that the method leaves out
+    /// is an empty Array.
     template <class... Arrays>
     std::vector<Array> call(std::string_view method, std::int32_t outputCount,
                             const Arrays&... inputs) {
@@ -30,6 +31,7 @@ public:
     std::vector<Array> callWith(std::string_view method, std::int32_t outputCount,
                                 const Inputs& inputs);
 
+    /// A copy of the property's value.
     Array get(std::string_view property) const;
     void set(std::string_view property, const Array& value);
 

@@ -31,11 +31,12 @@ public:
     Session() = default;
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
-    /// Runs KVTerminate_NAME of each library. The libraries stay in memory with their classes.
+    /// Runs KVTerminate_NAME of each library, the last one first; they must not throw. The
+    /// libraries stay in memory with their classes.
     ~Session();
 
     /// Loads a library and runs its KVInitialize_NAME, NAME being the file name up to its first
-    /// dot.
+    /// dot. Whatever goes wrong, its initialization included, is a cannotLoadLibrary.
     void loadLibrary(const std::string& path);
 
     /// A new object, filled by the constructor method.
@@ -45,8 +46,10 @@ public:
     }
     Object constructWith(std::string_view className, const Inputs& inputs);
 
-    /// A new object, filled from what was stored of another.
+    /// A new object, filled from what was stored of another. An array that is moved in is not
+    /// copied.
     Object load(std::string_view className, const Array& saved);
+    Object load(std::string_view className, Array&& saved);
 
 private:
     std::vector<void (*)()> terminators_;
