@@ -30,5 +30,9 @@ struct tooManyElements : Message {
 struct noObject : Message {
     static constexpr const char* kKey = "noObject";
 };
+/// An array was to be put into a cell or field of its own.
+struct arrayWithinItself : Message {
+    static constexpr const char* kKey = "arrayWithinItself";
+};
 
 }  // namespace KORVEX::arrays
