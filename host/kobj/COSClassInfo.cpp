@@ -41,7 +41,10 @@ bool COSClassInfo::customSave(COSInterfacePtr& /*object*/, COSValue& /*saved*/) 
     return false;
 }
 
+// Classes that load by themselves may keep both, so they are passed by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void COSClassInfo::customLoad(COSInterfacePtr& /*object*/, COSValue /*saved*/,
+                              // NOLINTNEXTLINE(performance-unnecessary-value-param)
                               COSDataTypePtr /*savedType*/) {}
 
 }  // namespace kobj

@@ -32,6 +32,7 @@ void* mapLibrary(const std::string& path) {
     const std::filesystem::path file = std::filesystem::absolute(path);
     if (!std::filesystem::exists(file)) refuse(path, "there is no such file");
     if (void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) return library;
+    // The loader keeps its last error for each thread apart. NOLINTNEXTLINE(concurrency-mt-unsafe)
     refuse(path, dlerror());
 }
 
