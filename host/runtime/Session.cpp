@@ -3,9 +3,9 @@
 #include <dlfcn.h>
 
 #include <algorithm>
-#include <exception>
 #include <filesystem>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include "host/foundation/Exceptions.hpp"
@@ -28,9 +28,10 @@ using Entry = void (*)();
 }
 
 void* mapLibrary(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::exists(path, error)) refuse(path, "there is no such file");
     // A name without a folder would be looked up among the libraries of the system.
     const std::filesystem::path file = std::filesystem::absolute(path);
-    if (!std::filesystem::exists(file)) refuse(path, "there is no such file");
     if (void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) return library;
     // The loader keeps its last error for each thread apart. NOLINTNEXTLINE(concurrency-mt-unsafe)
     refuse(path, dlerror());
