@@ -166,7 +166,7 @@ const kxArray* kxGetCell(const kxArray* cell, std::size_t index) {
 
 void kxReplaceCell(kxArray* cell, std::size_t index, kxArray* value) {
     kxArrayPtr taken = takeOver(value, cell);
-    kxArray*& place = placeOfCell(cell, index);
+    arrays::Place& place = placeOfCell(cell, index);
     kxDestroyArray(std::exchange(place, taken.release()));
 }
 
@@ -188,7 +188,7 @@ const kxArray* kxGetField(const kxArray* structure, std::size_t index, std::stri
 void kxReplaceField(kxArray* structure, std::size_t index, std::string_view fieldName,
                     kxArray* value) {
     kxArrayPtr taken = takeOver(value, structure);
-    kxArray*& place = placeOfField(structure, index, fieldName);
+    arrays::Place& place = placeOfField(structure, index, fieldName);
     kxDestroyArray(std::exchange(place, taken.release()));
 }
 

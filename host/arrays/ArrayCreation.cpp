@@ -104,7 +104,8 @@ kxArray* makeElements(kxClass elementClass, Dimensions dimensions, Fill fill) {
 }
 
 kxArray* makeCell(Dimensions dimensions) {
-    return allocate(kxClass::kCell, Contents::kPlaces, dimensions, sizeof(kxArray*), Fill::kZeros);
+    return allocate(kxClass::kCell, Contents::kPlaces, dimensions, sizeof(arrays::Place),
+                    Fill::kZeros);
 }
 
 void refuseRepeatedNames(const std::vector<std::string>& names) {
@@ -117,7 +118,7 @@ void refuseRepeatedNames(const std::vector<std::string>& names) {
 kxArray* makeFields(kxClass elementClass, std::string className, Dimensions dimensions,
                     std::vector<std::string> names) {
     kxArray* const array = allocate(elementClass, Contents::kFields, dimensions,
-                                    names.size() * sizeof(kxArray*), Fill::kZeros);
+                                    names.size() * sizeof(arrays::Place), Fill::kZeros);
     const std::size_t placeCount = array->elementCount * names.size();
     new (array->start()) Fields{std::move(className), std::move(names), placeCount};
     return array;
@@ -172,7 +173,7 @@ void freeWithPlaces(kxArray* array) noexcept {
             parent = array->places()[array->placeCount()];
             continue;
         }
-        kxArray*& place = array->places()[--placesLeft];
+        arrays::Place& place = array->places()[--placesLeft];
         if (place == nullptr) continue;
         if (!place->hasPlaces()) {
             freeAlone(place);

@@ -6,7 +6,8 @@ namespace KORVEX::arrays {
 struct Message {
     static constexpr const char* kComponent = "KORVEX:arrays";
 };
-/// Arguments: the class that is needed, the class that is there.
+/// Arguments: the class that is needed ("numeric" for any of numbers, logical values and
+/// characters), the class that is there.
 struct wrongClass : Message {
     static constexpr const char* kKey = "wrongClass";
 };

@@ -5,7 +5,8 @@
 //     dimensions                  8 bytes each
 //     what it is made of          elements, places, fields with places, or a shared object
 //
-// A place is a pointer to an array that belongs to this one, null if nothing was put there.
+// A place is a pointer to an array that belongs to this one, null if nothing was put there. Only
+// the names that belong to fields lie elsewhere.
 //
 // Blocks are made and freed in ArrayCreation.cpp alone.
 
@@ -19,6 +20,8 @@
 #include "host/arrays/kxArray.hpp"
 
 namespace arrays {
+
+using Place = kxArray*;
 
 enum class Contents : std::uint8_t {
     kElements,  // of numbers, logical values or characters
@@ -61,11 +64,11 @@ struct kxArray {
     }
 
     /// Of cells and arrays with fields.
-    kxArray** places() noexcept {
-        void* const behindFields = contents == arrays::Contents::kFields ? &fields() + 1 : start();
-        return static_cast<kxArray**>(behindFields);
+    arrays::Place* places() noexcept {
+        void* const first = contents == arrays::Contents::kFields ? &fields() + 1 : start();
+        return static_cast<arrays::Place*>(first);
     }
-    kxArray* const* places() const noexcept { return const_cast<kxArray*>(this)->places(); }
+    const arrays::Place* places() const noexcept { return const_cast<kxArray*>(this)->places(); }
     std::size_t& placeCount() noexcept {
         return contents == arrays::Contents::kFields ? fields().placeCount : elementCount;
     }

@@ -9,13 +9,17 @@
 // Who frees: what a function creates belongs to the caller, who passes it to kxDestroyArray or to a
 // function that says it takes it over; what a function gets as `const kxArray*` stays where it
 // was, and what it returns as `const kxArray*` belongs to the array it came from. A taken over
-// array is freed even if the function throws.
+// array is freed even if the function throws; only an array that was to be put into itself stays
+// as it is. Putting an array into one that it holds, reached by a pointer kept from before, is a
+// circle that nothing looks for.
+//
+// No function is to be given null for an array, save where it says what null means.
 //
 // An array without dimensions has no elements; a cell or field in which nothing has been put reads
 // as a double array of 0 by 0.
 //
-// Wrong use is a typed error: see ArrayErrors.hpp. An array without fields or objects is one block
-// of memory.
+// Wrong use is a typed error: see ArrayErrors.hpp. Memory that cannot be had is
+// foundation::core::except::bad_alloc. An array without fields is one block of memory.
 //
 // Threads: an array belongs to one thread at a time; one that nobody changes can be read by many.
 
@@ -74,7 +78,8 @@ KORVEX_API kxArray* kxCreateStructure(const kxDimensions& dimensions,
                                       const std::vector<std::string>& fieldNames);
 /// An object array of 1 by 1. Copies of it share the object. Throws noObject for null.
 KORVEX_API kxArray* kxCreateObject(std::shared_ptr<kxObject> object);
-/// An object array that has fields of its own, as a structure has, and no kxObject.
+/// An object array that has fields of its own, as a structure has, and no kxObject. Throws
+/// repeatedField.
 KORVEX_API kxArray* kxCreateObjectWithFields(std::string className, const kxDimensions& dimensions,
                                              const std::vector<std::string>& fieldNames);
 /// A copy of all there is in an array, save that objects are shared.
@@ -114,7 +119,7 @@ KORVEX_API double kxGetNumber(const kxArray* array, std::size_t index);
 // --- Cells. They throw wrongClass and indexOutOfRange.
 
 KORVEX_API const kxArray* kxGetCell(const kxArray* cell, std::size_t index);
-/// Takes `value` over and frees what was there; null empties the place.
+/// Takes `value` over and frees what was there; null empties the place. Throws arrayWithinItself.
 KORVEX_API void kxReplaceCell(kxArray* cell, std::size_t index, kxArray* value);
 
 // --- Fields of structures and of objects with fields. A structure's fields have the positions in
@@ -126,7 +131,8 @@ KORVEX_API std::span<const std::string> kxGetFieldNames(const kxArray* structure
 /// Throws wrongClass, noSuchField and indexOutOfRange.
 KORVEX_API const kxArray* kxGetField(const kxArray* structure, std::size_t index,
                                      std::string_view fieldName);
-/// Takes `value` over and frees what was there; null empties the place.
+/// Takes `value` over and frees what was there; null empties the place. Throws what kxGetField
+/// throws and arrayWithinItself.
 KORVEX_API void kxReplaceField(kxArray* structure, std::size_t index, std::string_view fieldName,
                                kxArray* value);
 

@@ -36,8 +36,9 @@ private:
     std::map<std::pair<std::string, std::string>, std::string> texts_;
 };
 
+/// Never destroyed, since errors are also made while a program ends.
 Catalogue& catalogue() {
-    static Catalogue theOne;
+    static Catalogue& theOne = *new Catalogue;
     return theOne;
 }
 
