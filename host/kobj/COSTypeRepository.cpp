@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <utility>
 
+#include "host/arrays/NumericElements.hpp"
 #include "host/foundation/Exceptions.hpp"
 #include "host/kobj/ObjectErrors.hpp"
 
@@ -69,10 +71,11 @@ kxArrayPtr toDouble(const kxArray* array) {
     const auto dimensions = kxGetDimensions(array);
     kxArrayPtr converted(kxCreateUninitialized(kxClass::kDouble,
                                                kxDimensions(dimensions.begin(), dimensions.end())));
-    std::size_t index = 0;
-    for (double& element : kxGetData<double>(converted.get())) {
-        element = kxGetNumber(array, index++);
-    }
+    const std::span<double> numbers = kxGetData<double>(converted.get());
+    arrays::lookAtNumbers(array, [numbers](auto elements) {
+        std::transform(elements.begin(), elements.end(), numbers.begin(),
+                       [](auto element) { return static_cast<double>(element); });
+    });
     return converted;
 }
 
