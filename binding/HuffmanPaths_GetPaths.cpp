@@ -1,5 +1,7 @@
 #include "binding/HuffmanPaths_GetPaths.hpp"
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,23 +28,57 @@ std::u16string folderPrefix(const Path& codedFolder, const std::u16string& separ
     return prefix;
 }
 
-/// A column of `pathCount` whole paths. Folders without components have none.
-kxArrayPtr joinedPaths(const std::vector<Path>& codedFolders, const std::vector<Path>& codedFiles,
-                       const std::u16string& separator, std::size_t pathCount,
-                       const HuffmanPathTree& tree) {
-    kxArrayPtr paths = matrix::detail::do_create_cell(pathCount, 1);
-    std::size_t row = 0;
-    for (std::size_t group = 0; group < codedFolders.size(); ++group) {
-        if (codedFolders[group].empty()) continue;
-        std::u16string path = folderPrefix(codedFolders[group], separator, tree);
+/// Makes whole paths and puts them into a column, one after the other.
+class PathColumn {
+public:
+    PathColumn(std::size_t pathCount, std::u16string separator, const HuffmanPathTree& tree)
+        : paths_(matrix::detail::do_create_cell(pathCount, 1)),
+          separator_(std::move(separator)),
+          tree_(tree) {}
+
+    /// Folders without components or without files add nothing.
+    void append(const std::vector<Path>& codedFolders, const std::vector<Path>& codedFiles) {
+        const std::size_t groupCount = std::min(codedFolders.size(), codedFiles.size());
+        for (std::size_t group = 0; group < groupCount; ++group)
+            if (!codedFolders[group].empty()) append(codedFolders[group], codedFiles[group]);
+    }
+
+    kxArrayPtr take() { return std::move(paths_); }
+
+private:
+    void append(const Path& codedFolder, const Path& codedFiles) {
+        std::u16string path = folderPrefix(codedFolder, separator_, tree_);
         const std::size_t prefixLength = path.size();
-        for (const compressedpaths::Bytes& codedFile : codedFiles[group]) {
+        for (const compressedpaths::Bytes& codedFile : codedFiles) {
             path.resize(prefixLength);
-            path += tree.generatePathFrom(codedFile);
-            kxReplaceCell(paths.get(), row++, matrix::to_korvex(matrix::create(path)));
+            path += tree_.generatePathFrom(codedFile);
+            kxReplaceCell(paths_.get(), nextRow_++, matrix::to_korvex(matrix::create(path)));
         }
     }
-    return paths;
+
+    kxArrayPtr paths_;
+    std::size_t nextRow_ = 0;
+    std::u16string separator_;
+    const HuffmanPathTree& tree_;
+};
+
+/// As many paths are fetched at a time as stay in the nearest caches while they are decoded
+/// (bench/boundary).
+constexpr std::size_t kFetchedTogether = 256;
+
+kxArrayPtr joinedPaths(const std::vector<double>& numbers, std::u16string separator,
+                       HuffmanPathTree& tree) {
+    PathColumn paths(numbers.size(), std::move(separator), tree);
+    for (std::size_t first = 0; first < numbers.size(); first += kFetchedTogether) {
+        const std::size_t last = std::min(first + kFetchedTogether, numbers.size());
+        const std::vector<double> some(numbers.begin() + static_cast<std::ptrdiff_t>(first),
+                                       numbers.begin() + static_cast<std::ptrdiff_t>(last));
+        std::vector<Path> codedFolders;
+        std::vector<Path> codedFiles;
+        tree.getPath(codedFolders, codedFiles, some);
+        paths.append(codedFolders, codedFiles);
+    }
+    return paths.take();
 }
 
 }  // namespace
@@ -57,20 +93,18 @@ void HuffmanPaths_GetPaths::run(std::int32_t& outputCount, kxArray** outputs,
 
     HuffmanPathTree& tree = pathTreeOf(inputs[0]);
     const std::vector<double> numbers = matrix::get_doubles(inputs[1]);
+    if (inputCount == 3) {
+        outputs[0] = matrix::to_korvex(joinedPaths(numbers, matrix::get_ustring(inputs[2]), tree));
+        return;
+    }
+
     std::vector<Path> codedFolders;
     std::vector<Path> codedFiles;
     tree.getPath(codedFolders, codedFiles, numbers);
-
-    if (inputCount == 2) {
-        kxArrayPtr folders = toNameColumns(codedFolders, tree);
-        kxArrayPtr files = toNameColumns(codedFiles, tree);
-        outputs[0] = matrix::to_korvex(std::move(folders));
-        outputs[1] = matrix::to_korvex(std::move(files));
-    } else {
-        const std::u16string separator = matrix::get_ustring(inputs[2]);
-        outputs[0] = matrix::to_korvex(
-            joinedPaths(codedFolders, codedFiles, separator, numbers.size(), tree));
-    }
+    kxArrayPtr folders = toNameColumns(codedFolders, tree);
+    kxArrayPtr files = toNameColumns(codedFiles, tree);
+    outputs[0] = matrix::to_korvex(std::move(folders));
+    outputs[1] = matrix::to_korvex(std::move(files));
 }
 
 }  // namespace binding
