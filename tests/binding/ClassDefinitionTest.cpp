@@ -35,6 +35,10 @@ struct MethodRow {
     std::int32_t mostInputs;
 };
 
+void PrintTo(const MethodRow& row, std::ostream* out) {
+    *out << row.name;
+}
+
 const std::vector<MethodRow>& methodRows() {
     static const std::vector<MethodRow> rows{
         {"HuffmanPaths",
