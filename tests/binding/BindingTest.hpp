@@ -93,12 +93,9 @@ inline constexpr const char* kInvalidPathNumber =
 inline constexpr const char* kNoMorePath = "No more paths to provide.";
 
 class BindingTest : public ::testing::Test {
-protected:
-    BindingTest() {
-        session.loadLibrary(ZQ_LIBRARY);
-        before_ = foundation::core::liveObjects();
-    }
-
+public:
+    BindingTest(const BindingTest&) = delete;
+    BindingTest& operator=(const BindingTest&) = delete;
     /// Runs behind the destructors of a test's own fixture, which frees what that holds.
     ~BindingTest() override {
         const foundation::core::LiveObjects after = foundation::core::liveObjects();
@@ -110,8 +107,11 @@ protected:
         EXPECT_EQ(after.methodSignatures, before_.methodSignatures);
     }
 
-    BindingTest(const BindingTest&) = delete;
-    BindingTest& operator=(const BindingTest&) = delete;
+protected:
+    BindingTest() {
+        session.loadLibrary(ZQ_LIBRARY);
+        before_ = foundation::core::liveObjects();
+    }
 
     template <class... Arrays>
     korvex::Object construct(const Arrays&... inputs) {

@@ -40,7 +40,7 @@ inline kxDimensions dimensionsOf(const kxArray* array) {
 }
 
 inline std::u16string nameIn(const kxArray* row) {
-    const std::u16string name(kxGetCharacters(row));
+    std::u16string name(kxGetCharacters(row));
     EXPECT_EQ(dimensionsOf(row), (kxDimensions{1, name.size()}));
     return name;
 }

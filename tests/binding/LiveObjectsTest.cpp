@@ -31,8 +31,9 @@ protected:
 TEST_F(LiveObjectCounts, riseAndFallWithObjects) {
     const LiveObjects before = liveObjects();
     {
-        const korvex::Object object = holding(smallListing());
-        const korvex::Object same = object;
+        korvex::Object object = holding(smallListing());
+        korvex::Object same = object;
+        EXPECT_EQ(walked(same), walked(object));
         EXPECT_EQ(liveObjects().interfaces, before.interfaces + 1);
         EXPECT_EQ(liveObjects().instances, before.instances + 1);
     }

@@ -53,14 +53,16 @@ void expectOneClass() {
 }
 
 class Registration : public ::testing::Test {
+public:
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
+    ~Registration() override { kobj::omSetKobjUsingUSM(false); }
+
 protected:
     Registration() {
         // What happens once in a process is seen in one of its own.
         GTEST_FLAG_SET(death_test_style, "threadsafe");
     }
-    ~Registration() override { kobj::omSetKobjUsingUSM(false); }
-    Registration(const Registration&) = delete;
-    Registration& operator=(const Registration&) = delete;
 
     const Entries entries;
 };
@@ -143,13 +145,14 @@ TEST_F(Registration, isDoneOnceBySixteenThreads) {
         std::barrier start(kThreadCount);
         std::atomic<int> seen = 0;
         {
-            std::vector<std::jthread> threads;
-            for (int i = 0; i < kThreadCount; ++i)
-                threads.emplace_back([&] {
+            std::vector<std::jthread> threads(kThreadCount);
+            for (std::jthread& thread : threads) {
+                thread = std::jthread([&] {
                     start.arrive_and_wait();
                     entries.kvInitialize();
                     seen += registeredClass() != nullptr ? 1 : 0;
                 });
+            }
         }
         EXPECT_EQ(seen, kThreadCount);
         expectOneClass();

@@ -22,8 +22,8 @@ namespace binding_tests {
 class StandardOutput {
 public:
     StandardOutput() : kept_(::dup(STDOUT_FILENO)) {
-        std::fflush(stdout);  // what was written before does not belong to it
-        if (kept_ < 0 || ::dup2(written_.number(), STDOUT_FILENO) < 0)
+        // What was written before does not belong to it.
+        if (kept_ < 0 || std::fflush(stdout) != 0 || ::dup2(written_.number(), STDOUT_FILENO) < 0)
             throw std::system_error(errno, std::generic_category(), "standard output");
     }
     StandardOutput(const StandardOutput&) = delete;
