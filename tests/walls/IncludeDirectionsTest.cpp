@@ -1,0 +1,120 @@
+// Who includes whom. Each folder of sources may know some of the others and none else; what a
+// source may include besides its folder's share is named beside the reason.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "tests/walls/Sources.hpp"
+
+namespace walls {
+namespace {
+
+using Folders = std::vector<std::string>;
+using testing::ElementsAre;
+
+bool isOfOneOf(const Include& include, const Folders& folders) {
+    return std::any_of(folders.begin(), folders.end(),
+                       [&](const std::string& folder) { return include.isOf(folder); });
+}
+
+/// True for sources of this repository, in whatever marks; the others are libraries.
+bool isOurs(const Include& include) {
+    static const Folders top{"compressedpaths/", "binding/", "host/",  "tools/",
+                             "examples/",        "tests/",   "bench/", "fuzz/"};
+    return include.isQuoted || isOfOneOf(include, top);
+}
+
+void expectOnly(const std::vector<Include>& includes, const Folders& allowed) {
+    for (const Include& include : includes) {
+        if (!isOurs(include)) continue;
+        EXPECT_TRUE(isOfOneOf(include, allowed))
+            << include.source << " includes " << include.target;
+    }
+}
+
+/// The sources that include a file of a library.
+std::set<std::string> whoIncludes(const Folders& folders, const Folders& libraryFiles) {
+    std::set<std::string> sources;
+    for (const std::string& folder : folders)
+        for (const Include& include : includesIn(folder))
+            if (isOfOneOf(include, libraryFiles)) sources.insert(include.source);
+    return sources;
+}
+
+TEST(IncludeDirections, theCoreKnowsItselfAlone) {
+    expectOnly(includesIn("compressedpaths"), {"compressedpaths/"});
+}
+
+TEST(IncludeDirections, sixpacksKnowsOfTheCoreWhatItSaves) {
+    for (const Include& include : includesIn("compressedpaths/sixpacks")) {
+        // Members that save a class stand here, behind the header of the class.
+        const bool isOfAClass = include.source.ends_with("/SerializedPathSet.cpp") ||
+                                include.source.ends_with("/SerializedPathTrie.cpp");
+        Folders allowed{"compressedpaths/sixpacks/"};
+        if (isOfAClass)
+            allowed.insert(allowed.end(),
+                           {"compressedpaths/HuffmanPathTree.hpp", "compressedpaths/BPathTree.hpp",
+                            "compressedpaths/WideFolders.hpp"});
+        expectOnly({include}, allowed);
+    }
+}
+
+TEST(IncludeDirections, theHostKnowsNothingOfPaths) {
+    expectOnly(includesIn("host"), {"host/"});
+}
+
+TEST(IncludeDirections, theLayersOfTheHostKnowThoseBelow) {
+    Folders below{"host/Export.hpp"};
+    for (const char* layer : {"foundation", "arrays", "kobj", "matrix", "runtime"}) {
+        const std::string folder = std::string("host/") + layer;
+        below.push_back(folder + "/");
+        for (const Include& include : includesIn(folder)) {
+            Folders allowed = below;
+            // The texts of all layers' errors stand in one table.
+            if (include.source == "host/foundation/HostTexts.cpp")
+                allowed.insert(allowed.end(),
+                               {"host/arrays/ArrayErrors.hpp", "host/kobj/ObjectErrors.hpp",
+                                "host/matrix/MatrixErrors.hpp", "host/runtime/Error.hpp"});
+            expectOnly({include}, allowed);
+        }
+    }
+}
+
+TEST(IncludeDirections, theBindingKnowsCoreAndHost) {
+    expectOnly(includesIn("binding"), {"binding/", "compressedpaths/", "host/"});
+}
+
+TEST(IncludeDirections, toolsKnowTheHostAlone) {
+    expectOnly(includesIn("tools"), {"tools/", "host/"});
+}
+
+TEST(IncludeDirections, theExampleOfAHostProgramKnowsTheHostAlone) {
+    expectOnly(includesOf("examples/host_session.cpp"), {"host/"});
+}
+
+TEST(IncludeDirections, whatIsShippedIncludesNoTests) {
+    for (const char* folder : {"compressedpaths", "binding", "host", "tools", "examples"})
+        for (const Include& include : includesIn(folder))
+            EXPECT_FALSE(isOfOneOf(include, {"tests/", "bench/", "fuzz/"})) << include.source;
+}
+
+TEST(IncludeDirections, oneSourceIncludesZlibAndOneIncludesOneTbb) {
+    const Folders shipped{"compressedpaths", "binding", "host", "tools"};
+    EXPECT_THAT(whoIncludes(shipped, {"zlib.h"}),
+                ElementsAre("compressedpaths/sixpacks/CompressedBlocks.cpp"));
+    EXPECT_THAT(whoIncludes(shipped, {"oneapi/", "tbb/"}),
+                ElementsAre("compressedpaths/ParallelCoding.cpp"));
+}
+
+TEST(IncludeDirections, areReadFromAnyFormOfTheDirective) {
+    EXPECT_EQ(includedBy("#include \"host/Export.hpp\""), "host/Export.hpp");
+    EXPECT_EQ(includedBy("  #  include <zlib.h>  // once"), "zlib.h");
+    EXPECT_EQ(includedBy("#define include <zlib.h>"), "");
+    EXPECT_EQ(includedBy("// #include <zlib.h>"), "");
+    EXPECT_EQ(includedBy(""), "");
+}
+
+}  // namespace
+}  // namespace walls
