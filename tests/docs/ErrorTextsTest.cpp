@@ -1,6 +1,5 @@
 // docs/errors.md has a row for each exception of the core, with exactly its text.
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <exception>
@@ -11,7 +10,7 @@
 #include "compressedpaths/HuffmanPathTreeExceptions.hpp"
 #include "compressedpaths/sixpacks/ByteReader.hpp"
 #include "compressedpaths/sixpacks/PackedIntegers.hpp"
-#include "tests/docs/Page.hpp"
+#include "tests/docs/ErrorRows.hpp"
 
 namespace compressedpaths {
 namespace {
@@ -47,39 +46,10 @@ const Texts kTexts =
                 NoUsableCodingTreeException, UnequalBatchListsException, UnknownNodeTypeException,
                 sixpacks::InvalidUintConversionException, sixpacks::PrematureEndException);
 
-std::string trimmed(const std::string& text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    return first == std::string::npos ? ""
-                                      : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-/// A row of the tables, "| `Class` † | "text" | met when | afterwards | what to do |".
-struct Row {
-    std::string name;
-    std::string text;
-    bool isOfSixpacks;  // it has the mark
-};
-
-std::vector<std::string> cellsOf(const std::string& line) {
-    std::vector<std::string> cells;
-    std::istringstream in(line.substr(1));
-    for (std::string cell; std::getline(in, cell, '|');) cells.push_back(trimmed(cell));
-    return cells;
-}
-
-std::vector<Row> rowsOf(const docs::Page& page) {
-    std::vector<Row> rows;
-    for (const std::string& line : page.lines()) {
-        if (!line.starts_with("| `")) continue;
-        const std::vector<std::string> cells = cellsOf(line);
-        EXPECT_EQ(cells.size(), 5U) << line;
-        EXPECT_THAT(cells, ::testing::Each(::testing::Not(::testing::IsEmpty()))) << line;
-        const std::string& text = cells.at(1);
-        EXPECT_TRUE(text.starts_with('"') && text.ends_with('"')) << line;
-        const std::size_t end = cells[0].find('`', 1);
-        rows.push_back({cells[0].substr(1, end - 1), text.substr(1, text.size() - 2),
-                        cells[0].substr(end + 1) == " †"});
-    }
+/// The page's rows of the core, whose errors have names of classes.
+std::vector<docs::ErrorRow> rowsOfTheCore() {
+    std::vector<docs::ErrorRow> rows = docs::errorRowsOf(docs::Page("docs/errors.md"));
+    std::erase_if(rows, [](const docs::ErrorRow& row) { return row.isOfTheHost(); });
     return rows;
 }
 
@@ -101,18 +71,16 @@ std::set<std::string> exceptionsDeclaredIn(const std::string& folder) {
 }
 
 TEST(ErrorsPage, hasTheTextOfEachException) {
-    const docs::Page page("docs/errors.md");
     Texts described;
-    for (const Row& row : rowsOf(page))
+    for (const docs::ErrorRow& row : rowsOfTheCore())
         EXPECT_TRUE(described.emplace(row.name, row.text).second) << "two rows for " << row.name;
     EXPECT_EQ(described, kTexts);
 }
 
 TEST(ErrorsPage, hasARowForEachExceptionThatAHeaderDeclares) {
-    const docs::Page page("docs/errors.md");
     std::set<std::string> ofTheCore;
     std::set<std::string> ofSixpacks;
-    for (const Row& row : rowsOf(page))
+    for (const docs::ErrorRow& row : rowsOfTheCore())
         (row.isOfSixpacks ? ofSixpacks : ofTheCore).insert(row.name);
     EXPECT_EQ(exceptionsDeclaredIn("compressedpaths"), ofTheCore);
     EXPECT_EQ(exceptionsDeclaredIn("compressedpaths/sixpacks"), ofSixpacks);
