@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
-#include <unordered_map>
 
 #include "tools/zqpaths/DirectoryWalk.hpp"
 #include "tools/zqpaths/PathComponents.hpp"
@@ -111,9 +110,13 @@ const std::vector<Batch>& batches() {
     return all;
 }
 
-void fill(compressedpaths::HuffmanPathTree& set) {
+const std::unordered_map<char16_t, double>& frequencies() {
     static const std::unordered_map<char16_t, double> frequencyOf = countCharacters();
-    set.deflateHuffman(frequencyOf);
+    return frequencyOf;
+}
+
+void fill(compressedpaths::HuffmanPathTree& set) {
+    set.deflateHuffman(frequencies());
     for (const Batch& batch : batches()) {
         Batch copy = batch;
         set.generateCodeAsyncAndAddPaths(copy.folders, copy.files);

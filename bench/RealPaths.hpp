@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "compressedpaths/HuffmanPathTree.hpp"
@@ -21,6 +22,9 @@ const std::string& text();  // all paths as the bytes they have on disk, a line 
 
 /// The paths as folder entries, in batches of 65,536 paths.
 const std::vector<Batch>& batches();
+
+/// How often each character occurs in the names of all batches.
+const std::unordered_map<char16_t, double>& frequencies();
 
 /// Builds the code of all characters and adds all batches.
 void fill(compressedpaths::HuffmanPathTree& set);
