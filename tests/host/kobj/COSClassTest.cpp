@@ -60,13 +60,13 @@ TEST_F(COSClassTest, keepsAllThatIsSaidOfAProperty) {
 TEST_F(COSClassTest, tellsWhichMethodItDoesNotHave) {
     COSClass& shape = *addClass({});
     shape.addMethod(new ScriptedMethod("draw"));
-    EXPECT_EQ(argumentsOf<KORVEX::kobj::noSuchMethod>([&] { shape.getMethod("Draw"); }),
+    EXPECT_EQ(refusal<KORVEX::kobj::noSuchMethod>([&] { shape.getMethod("Draw"); }),
               (Arguments{"korvex.Shape", "Draw"}));
 }
 
 TEST_F(COSClassTest, tellsWhichPropertyItDoesNotHave) {
     COSClass& shape = *addClass({});
-    EXPECT_EQ(argumentsOf<KORVEX::kobj::noSuchProperty>([&] { shape.getProperty("Width"); }),
+    EXPECT_EQ(refusal<KORVEX::kobj::noSuchProperty>([&] { shape.getProperty("Width"); }),
               (Arguments{"korvex.Shape", "Width"}));
 }
 
@@ -74,9 +74,9 @@ TEST_F(COSClassTest, refusesAndFreesASecondMethodOfAName) {
     COSClass& shape = *addClass({});
     auto* draw = new ScriptedMethod("draw");
     shape.addMethod(draw);
-    EXPECT_EQ(argumentsOf<KORVEX::kobj::nameIsTaken>(
-                  [&] { shape.addMethod(new ScriptedMethod("draw")); }),
-              (Arguments{"korvex.Shape", "draw"}));
+    EXPECT_EQ(
+        refusal<KORVEX::kobj::nameIsTaken>([&] { shape.addMethod(new ScriptedMethod("draw")); }),
+        (Arguments{"korvex.Shape", "draw"}));
     EXPECT_EQ(foundation::core::liveObjects().methodInfos, 1U);
     EXPECT_EQ(&shape.getMethod("draw"), draw);
 }
@@ -84,7 +84,7 @@ TEST_F(COSClassTest, refusesAndFreesASecondMethodOfAName) {
 TEST_F(COSClassTest, refusesASecondPropertyOfAName) {
     COSClass& shape = *addClass({});
     addProperty(shape, "Width");
-    EXPECT_EQ(argumentsOf<KORVEX::kobj::nameIsTaken>([&] { addProperty(shape, "Width"); }),
+    EXPECT_EQ(refusal<KORVEX::kobj::nameIsTaken>([&] { addProperty(shape, "Width"); }),
               (Arguments{"korvex.Shape", "Width"}));
     EXPECT_EQ(shape.getProperties().size(), 1U);
 }
@@ -102,7 +102,7 @@ TEST_F(COSClassTest, refusesAPropertyWhoseNameItKeepsForItself) {
     ClassScript script;
     script.reservedProperty = "Handle";
     COSClass& shape = *addClass(script);
-    EXPECT_EQ(argumentsOf<KORVEX::kobj::nameIsTaken>([&] { addProperty(shape, "Handle"); }),
+    EXPECT_EQ(refusal<KORVEX::kobj::nameIsTaken>([&] { addProperty(shape, "Handle"); }),
               (Arguments{"korvex.Shape", "Handle"}));
     addProperty(shape, "Width");
     EXPECT_EQ(shape.getProperties().size(), 1U);

@@ -97,9 +97,9 @@ TEST_F(COSInterfaceTest, countsAnInstanceThatComesLater) {
 
 TEST_F(COSInterfaceTest, showsItsInstanceToItsClassAlone) {
     const COSInterfacePtr shape = makeShape();
-    EXPECT_EQ(argumentsOf<KORVEX::kobj::wrongObjectClass>(
-                  [&] { shape->getInstanceData("korvex.Colour"); }),
-              (Arguments{"korvex.Colour", "korvex.Shape"}));
+    EXPECT_EQ(
+        refusal<KORVEX::kobj::wrongObjectClass>([&] { shape->getInstanceData("korvex.Colour"); }),
+        (Arguments{"korvex.Colour", "korvex.Shape"}));
     EXPECT_THROW(shape->setInstanceData("Shape", nullptr),
                  Exception<KORVEX::kobj::wrongObjectClass>);
     EXPECT_NE(shape->getInstanceData("korvex.Shape"), nullptr);
@@ -125,11 +125,11 @@ TEST_F(COSInterfaceTest, isNotFoundInArraysOfOtherThings) {
     const kxArrayPtr fields(kxCreateObjectWithFields("korvex.Shape", {1, 1}, {"Width"}));
     const kxArrayPtr strange(kxCreateObject(std::make_shared<StrangeObject>()));
     using KORVEX::kobj::notAnObject;
-    EXPECT_EQ(argumentsOf<notAnObject>([&] { omGetArrayElement(number.get(), 0); }),
+    EXPECT_EQ(refusal<notAnObject>([&] { omGetArrayElement(number.get(), 0); }),
               Arguments{"double"});
-    EXPECT_EQ(argumentsOf<notAnObject>([&] { omGetArrayElement(fields.get(), 0); }),
+    EXPECT_EQ(refusal<notAnObject>([&] { omGetArrayElement(fields.get(), 0); }),
               Arguments{"korvex.Shape"});
-    EXPECT_EQ(argumentsOf<notAnObject>([&] { omGetArrayElement(strange.get(), 0); }),
+    EXPECT_EQ(refusal<notAnObject>([&] { omGetArrayElement(strange.get(), 0); }),
               Arguments{"strange.Object"});
 }
 

@@ -111,7 +111,7 @@ TEST_F(COSNamespaceTest, hasNoClassThatCouldNotDescribeItself) {
 TEST_F(COSNamespaceTest, refusesAClassThatIsPassedByValueOnly) {
     ClassScript script;
     script.passingMode = 1;
-    EXPECT_EQ(argumentsOf<KORVEX::kobj::notPassedByReference>([&] { addClass(script); }),
+    EXPECT_EQ(refusal<KORVEX::kobj::notPassedByReference>([&] { addClass(script); }),
               Arguments{"korvex.Shape"});
     EXPECT_EQ(COSClass::getClass("korvex.Shape"), nullptr);
     EXPECT_EQ(ScriptedClassInfo::aliveInOwnMemory, 0);

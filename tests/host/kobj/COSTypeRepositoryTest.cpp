@@ -70,7 +70,7 @@ TEST_F(COSTypeRepositoryTest, convertsEachClassToItselfAndNumbersToDouble) {
                 ASSERT_NE(converted, nullptr);
                 EXPECT_EQ(kxGetClass(converted.get()), kxClass::kDouble);
             } else {
-                EXPECT_EQ(argumentsOf<cannotConvert>(
+                EXPECT_EQ(refusal<cannotConvert>(
                               [&] { COSTypeRepository::convertBorrowed(sample.get(), target); }),
                           (Arguments{target, source}));
             }
@@ -114,9 +114,8 @@ TEST_F(COSTypeRepositoryTest, leavesNothingAsItIs) {
 }
 
 TEST_F(COSTypeRepositoryTest, refusesAnArrayThatIsNotThere) {
-    EXPECT_EQ(
-        argumentsOf<cannotConvert>([] { COSTypeRepository::convertBorrowed(nullptr, "any"); }),
-        (Arguments{"any", "nothing"}));
+    EXPECT_EQ(refusal<cannotConvert>([] { COSTypeRepository::convertBorrowed(nullptr, "any"); }),
+              (Arguments{"any", "nothing"}));
 }
 
 TEST_F(COSTypeRepositoryTest, takesAnyShapeIfNoneIsDeclared) {
@@ -149,9 +148,9 @@ TEST_F(COSTypeRepositoryTest, takesOneElementForAScalar) {
 
 TEST_F(COSTypeRepositoryTest, tellsTheDimensionsThatDoNotFit) {
     const COSValue sample(kxArrayPtr(kxCreateNumeric(kxClass::kUint8, {2, 1, 3})));
-    EXPECT_EQ(argumentsOf<cannotConvert>([&] { convert(sample, "double vector"); }),
+    EXPECT_EQ(refusal<cannotConvert>([&] { convert(sample, "double vector"); }),
               (Arguments{"double vector", "uint8 of 2 by 1 by 3"}));
-    EXPECT_EQ(argumentsOf<cannotConvert>([&] { convert(sample, "uint8 scalar"); }),
+    EXPECT_EQ(refusal<cannotConvert>([&] { convert(sample, "uint8 scalar"); }),
               (Arguments{"uint8 scalar", "uint8 of 2 by 1 by 3"}));
 }
 

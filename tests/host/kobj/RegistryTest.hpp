@@ -7,26 +7,13 @@
 #include "host/kobj/ObjectErrors.hpp"
 #include "host/kobj/ObjectSystem.hpp"
 #include "tests/host/BalancedTest.hpp"
+#include "tests/host/Refusals.hpp"
 #include "tests/host/kobj/ScriptedClass.hpp"
 
 namespace kobj {
 
 template <class MessageId>
 using Exception = foundation::core::except::Exception<MessageId>;
-
-using Arguments = std::vector<std::string>;
-
-/// The arguments of the error that `step` throws; none if it throws nothing.
-template <class MessageId, class Step>
-Arguments argumentsOf(Step step) {
-    try {
-        step();
-    } catch (const Exception<MessageId>& error) {
-        return error.arguments();
-    }
-    ADD_FAILURE() << "nothing was thrown";
-    return {};
-}
 
 class RegistryTest : public BalancedTest {
 protected:

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "host/foundation/Exceptions.hpp"
+#include "host/kobj/ObjectErrors.hpp"
 #include "host/runtime/Session.hpp"
 #include "tests/host/BalancedTest.hpp"
 
@@ -22,6 +24,13 @@ struct Failure {
 
 inline void PrintTo(const Failure& failure, std::ostream* out) {
     *out << failure.identifier << ": " << failure.text;
+}
+
+/// What a program gets of the host's own error `MessageId` with these arguments.
+template <class MessageId, class... Arguments>
+Failure refusalOf(const Arguments&... arguments) {
+    const foundation::core::except::Exception<MessageId> error(arguments...);
+    return {error.identifier(), error.text()};
 }
 
 /// The Error that `step` throws.

@@ -69,9 +69,7 @@ TEST_F(ObjectTest, convertsOnlyTheInputsThatNeedIt) {
 TEST_F(ObjectTest, tellsWhichInputIsOfAWrongType) {
     Object counter = makeCounter(number(3));
     EXPECT_EQ(failureOf([&] { counter.call("add", 1, cellOf()); }),
-              (Failure{"KORVEX:runtime:wrongInput",
-                       "method add: input \"amounts\" is declared as \"double vector\", but "
-                       "\"cell\" was given"}));
+              refusalOf<KORVEX::runtime::wrongInput>("add", "amounts", "double vector", "cell"));
     EXPECT_EQ(numberIn(counter.get("Total")), 3.0);
 }
 
@@ -79,17 +77,14 @@ TEST_F(ObjectTest, tellsWhichInputIsOfAWrongShape) {
     Object counter = makeCounter();
     const Array square(kxCreateNumeric(kxClass::kDouble, {2, 2}));
     EXPECT_EQ(failureOf([&] { counter.call("add", 1, square); }),
-              (Failure{"KORVEX:runtime:wrongInput",
-                       "method add: input \"amounts\" is declared as \"double vector\", but "
-                       "\"double of 2 by 2\" was given"}));
+              refusalOf<KORVEX::runtime::wrongInput>("add", "amounts", "double vector",
+                                                     "double of 2 by 2"));
 }
 
 TEST_F(ObjectTest, tellsWhichInputIsNotThere) {
     Object counter = makeCounter();
     EXPECT_EQ(failureOf([&] { counter.call("addressesOf", 3, cellOf(), number(1), Array()); }),
-              (Failure{"KORVEX:runtime:wrongInput",
-                       "method addressesOf: input \"4\" is declared as \"any\", but \"nothing\" "
-                       "was given"}));
+              refusalOf<KORVEX::runtime::wrongInput>("addressesOf", "4", "any", "nothing"));
 }
 
 TEST_F(ObjectTest, leavesTheCheckOfCountsToTheMethod) {
@@ -112,8 +107,7 @@ TEST_F(ObjectTest, leavesTheCheckOfCountsToTheMethod) {
 TEST_F(ObjectTest, hasNoMethodsButThoseOfItsClass) {
     Object counter = makeCounter();
     EXPECT_EQ(failureOf([&] { counter.call("subtract", 0); }),
-              (Failure{"KORVEX:kobj:noSuchMethod",
-                       "class korvex.tests.Counter has no method \"subtract\""}));
+              refusalOf<KORVEX::kobj::noSuchMethod>("korvex.tests.Counter", "subtract"));
 }
 
 TEST_F(ObjectTest, cannotBeConstructedOnceMore) {
@@ -126,9 +120,8 @@ TEST_F(ObjectTest, isRefusedWhereAnotherClassIsDeclared) {
     Object letter = session_.construct("korvex.tests.Letter");
     const Object counter = makeCounter();
     EXPECT_EQ(failureOf([&] { letter.call("isSameAs", 1, counter.toArray()); }),
-              (Failure{"KORVEX:runtime:wrongInput",
-                       "method isSameAs: input \"other\" is declared as \"korvex.tests.Letter\", "
-                       "but \"korvex.tests.Counter\" was given"}));
+              refusalOf<KORVEX::runtime::wrongInput>("isSameAs", "other", "korvex.tests.Letter",
+                                                     "korvex.tests.Counter"));
 }
 
 TEST_F(ObjectTest, isPassedOnAsItself) {
@@ -181,7 +174,7 @@ TEST_F(ObjectTest, givesAnEmptyArrayForAnOptionalOutputThatIsLeftOut) {
 
 TEST_F(ObjectTest, missesAnOutputThatWasAskedFor) {
     Object counter = makeCounter();
-    const Failure missing{"KORVEX:runtime:missingOutput", "method give: output 2 was not set"};
+    const Failure missing = refusalOf<KORVEX::runtime::missingOutput>("give", "2");
     for (const double announced : {0, 1, 2, 3}) {
         EXPECT_EQ(failureOf([&] { counter.call("give", 2, number(announced), cellOf(number(1))); }),
                   missing);
@@ -195,7 +188,7 @@ TEST_F(ObjectTest, missesAnOutputThatTheMethodAnnounces) {
     EXPECT_EQ(failureOf([&] {
                   counter.call("give", 3, number(5), cellOf(number(1), text(u"two"), number(3)));
               }),
-              (Failure{"KORVEX:runtime:missingOutput", "method give: output 4 was not set"}));
+              refusalOf<KORVEX::runtime::missingOutput>("give", "4"));
 }
 
 TEST_F(ObjectTest, takesANegativeNumberOfOutputsForNone) {
@@ -214,13 +207,9 @@ TEST_F(ObjectTest, convertsOutputsToTheirDeclaredTypes) {
 TEST_F(ObjectTest, tellsWhichOutputIsOfAWrongType) {
     Object counter = makeCounter();
     EXPECT_EQ(failureOf([&] { counter.call("give", 1, number(1), cellOf(cellOf())); }),
-              (Failure{"KORVEX:runtime:wrongOutput",
-                       "method give: output \"first\" is declared as \"double\", but the method "
-                       "made \"cell\""}));
+              refusalOf<KORVEX::runtime::wrongOutput>("give", "first", "double", "cell"));
     EXPECT_EQ(failureOf([&] { counter.call("give", 1, number(1), cellOf(number(1), number(2))); }),
-              (Failure{"KORVEX:runtime:wrongOutput",
-                       "method give: output \"2\" is declared as \"char vector\", but the method "
-                       "made \"double\""}));
+              refusalOf<KORVEX::runtime::wrongOutput>("give", "2", "char vector", "double"));
 }
 
 TEST_F(ObjectTest, freesTheOutputsOfAMethodThatFails) {
@@ -250,13 +239,10 @@ TEST_F(ObjectTest, convertsPropertiesToTheirDeclaredTypes) {
 TEST_F(ObjectTest, refusesAPropertyValueOfAWrongType) {
     Object counter = makeCounter(number(1));
     EXPECT_EQ(failureOf([&] { counter.set("Total", cellOf()); }),
-              (Failure{"KORVEX:runtime:wrongProperty",
-                       "property Total: it is declared as \"double scalar\", but \"cell\" was "
-                       "given"}));
-    EXPECT_EQ(failureOf([&] { counter.set("Total", numbers({})); }),
-              (Failure{"KORVEX:runtime:wrongProperty",
-                       "property Total: it is declared as \"double scalar\", but \"double of 0 by "
-                       "1\" was given"}));
+              refusalOf<KORVEX::runtime::wrongProperty>("Total", "double scalar", "cell"));
+    EXPECT_EQ(
+        failureOf([&] { counter.set("Total", numbers({})); }),
+        refusalOf<KORVEX::runtime::wrongProperty>("Total", "double scalar", "double of 0 by 1"));
     EXPECT_EQ(failureOf([&] { counter.set("Total", Array()); }).identifier,
               "KORVEX:runtime:wrongProperty");
     EXPECT_EQ(numberIn(counter.get("Total")), 1.0);
@@ -265,9 +251,7 @@ TEST_F(ObjectTest, refusesAPropertyValueOfAWrongType) {
 TEST_F(ObjectTest, refusesWhatAnAccessorGivesOfAWrongType) {
     const Object counter = makeCounter();
     EXPECT_EQ(failureOf([&] { counter.get("TotalAsCell"); }),
-              (Failure{"KORVEX:runtime:wrongProperty",
-                       "property TotalAsCell: it is declared as \"cell\", but \"double\" was "
-                       "given"}));
+              refusalOf<KORVEX::runtime::wrongProperty>("TotalAsCell", "cell", "double"));
     EXPECT_EQ(failureOf([&] { counter.get("Nothing"); }).identifier,
               "KORVEX:runtime:wrongProperty");
 }
@@ -280,8 +264,8 @@ TEST_F(ObjectTest, passesErrorsOfAccessorsOn) {
 
 TEST_F(ObjectTest, hasNoPropertiesButThoseOfItsClass) {
     Object counter = makeCounter();
-    const Failure missing{"KORVEX:kobj:noSuchProperty",
-                          "class korvex.tests.Counter has no property \"Colour\""};
+    const Failure missing =
+        refusalOf<KORVEX::kobj::noSuchProperty>("korvex.tests.Counter", "Colour");
     EXPECT_EQ(failureOf([&] { counter.get("Colour"); }), missing);
     EXPECT_EQ(failureOf([&] { counter.set("Colour", number(1)); }), missing);
 }

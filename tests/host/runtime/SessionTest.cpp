@@ -23,8 +23,7 @@ Failure failureOfLoading(const std::string& path) {
 }
 
 Failure cannotLoad(const std::string& path, const std::string& reason) {
-    return {"KORVEX:runtime:cannotLoadLibrary",
-            "cannot load the library \"" + path + "\": " + reason};
+    return refusalOf<KORVEX::runtime::cannotLoadLibrary>(path, reason);
 }
 
 using SessionTest = CountersTest;
@@ -141,9 +140,7 @@ TEST_F(SessionTest, convertsTheInputsOfAConstructor) {
 
 TEST_F(SessionTest, tellsWhichInputOfAConstructorIsWrong) {
     EXPECT_EQ(failureOf([&] { makeCounter(number(1), number(2)); }),
-              (Failure{"KORVEX:runtime:wrongInput",
-                       "method Counter: input \"unit\" is declared as \"char\", but \"double\" was "
-                       "given"}));
+              refusalOf<KORVEX::runtime::wrongInput>("Counter", "unit", "char", "double"));
     EXPECT_EQ(failureOf([&] { makeCounter(number(1), text(u""), number(2)); }).identifier,
               "KORVEX:matrix:tooManyInputs");
 }
@@ -156,15 +153,14 @@ TEST_F(SessionTest, freesAnObjectWhoseConstructionFails) {
 }
 
 TEST_F(SessionTest, constructsNoObjectOfAnUnknownClass) {
-    const Failure unknown{"KORVEX:kobj:noSuchClass", "there is no class \"korvex.tests.Clock\""};
+    const Failure unknown = refusalOf<KORVEX::kobj::noSuchClass>("korvex.tests.Clock");
     EXPECT_EQ(failureOf([&] { session_.construct("korvex.tests.Clock"); }), unknown);
     EXPECT_EQ(failureOf([&] { session_.load("korvex.tests.Clock", Array()); }), unknown);
 }
 
 TEST_F(SessionTest, constructsNoObjectOfAClassWithoutConstructor) {
-    EXPECT_EQ(
-        failureOf([&] { session_.construct("korvex.tests.Bare"); }),
-        (Failure{"KORVEX:kobj:noSuchMethod", "class korvex.tests.Bare has no method \"Bare\""}));
+    EXPECT_EQ(failureOf([&] { session_.construct("korvex.tests.Bare"); }),
+              refusalOf<KORVEX::kobj::noSuchMethod>("korvex.tests.Bare", "Bare"));
 }
 
 // --- Loading.
