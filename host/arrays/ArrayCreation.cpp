@@ -104,7 +104,7 @@ kxArray* makeElements(kxClass elementClass, Dimensions dimensions, Fill fill) {
 }
 
 kxArray* makeCell(Dimensions dimensions) {
-    return allocate(kxClass::kCell, Contents::kPlaces, dimensions, sizeof(arrays::Place),
+    return allocate(kxClass::kCell, Contents::kPlaces, dimensions, arrays::kPlaceSize,
                     Fill::kZeros);
 }
 
@@ -118,7 +118,7 @@ void refuseRepeatedNames(const std::vector<std::string>& names) {
 kxArray* makeFields(kxClass elementClass, std::string className, Dimensions dimensions,
                     std::vector<std::string> names) {
     kxArray* const array = allocate(elementClass, Contents::kFields, dimensions,
-                                    names.size() * sizeof(arrays::Place), Fill::kZeros);
+                                    names.size() * arrays::kPlaceSize, Fill::kZeros);
     const std::size_t placeCount = array->elementCount * names.size();
     new (array->start()) Fields{std::move(className), std::move(names), placeCount};
     return array;

@@ -22,6 +22,7 @@
 namespace arrays {
 
 using Place = kxArray*;
+inline constexpr std::size_t kPlaceSize = sizeof(void*);
 
 enum class Contents : std::uint8_t {
     kElements,  // of numbers, logical values or characters

@@ -174,6 +174,7 @@ TEST_F(ArrayAccess, isSafeForManyThreadsWhileNobodyChangesAnything) {
     std::array<std::size_t, 4> lengths{};
     {
         std::vector<std::jthread> threads;
+        threads.reserve(lengths.size());
         for (std::size_t& length : lengths)
             threads.emplace_back([&names, &length] {
                 for (std::size_t i = 0; i < 1000; ++i)

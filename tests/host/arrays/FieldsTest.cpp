@@ -13,21 +13,27 @@ using foundation::core::liveObjects;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-kxArray* makeStructure() {
-    return kxCreateStructure({2, 1}, {"name", "age", "size"});
+/// How arrays with fields are made.
+struct Kind {
+    const char* name;
+    kxArray* (*make)(const kxDimensions& dimensions, const std::vector<std::string>& fieldNames);
+};
+void PrintTo(const Kind& kind, std::ostream* out) {
+    *out << kind.name;
 }
-kxArray* makeObject() {
-    return kxCreateObjectWithFields("korvex.Person", {2, 1}, {"name", "age", "size"});
+
+kxArray* makeObject(const kxDimensions& dimensions, const std::vector<std::string>& fieldNames) {
+    return kxCreateObjectWithFields("korvex.Person", dimensions, fieldNames);
 }
 
 /// What structures and objects with fields have in common.
-class Fields : public BalancedTest, public testing::WithParamInterface<kxArray* (*)()> {
+class Fields : public BalancedTest, public testing::WithParamInterface<Kind> {
 protected:
     kxArrayPtr people_;
 
     void SetUp() override {
         BalancedTest::SetUp();
-        people_.reset(GetParam()());
+        people_.reset(GetParam().make({2, 1}, {"name", "age", "size"}));
     }
     void TearDown() override {
         people_.reset();
@@ -110,10 +116,10 @@ TEST_P(Fields, refuseTheArrayThatTheyBelongTo) {
     EXPECT_EQ(kxGetCharacters(kxGetField(people_.get(), 0, "name")), u"kept");
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Fields, testing::Values(&makeStructure, &makeObject),
-                         [](const auto& test) {
-                             return test.param == &makeStructure ? "structures" : "objects";
-                         });
+INSTANTIATE_TEST_SUITE_P(Of, Fields,
+                         testing::Values(Kind{"structures", &kxCreateStructure},
+                                         Kind{"objects", &makeObject}),
+                         [](const auto& test) { return std::string(test.param.name); });
 
 class FieldsOfOthers : public BalancedTest {};
 

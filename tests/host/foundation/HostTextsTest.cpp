@@ -3,8 +3,11 @@
 
 #include <filesystem>
 #include <fstream>
-#include <regex>
+#include <ostream>
 #include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "host/arrays/ArrayErrors.hpp"
 #include "host/foundation/Messages.hpp"
@@ -21,6 +24,10 @@ struct HostError {
     std::string key;
     std::size_t argumentCount;
 };
+
+void PrintTo(const HostError& host, std::ostream* out) {
+    *out << host.component << ":" << host.key;
+}
 
 template <class MessageId>
 HostError error(std::size_t argumentCount) {
@@ -76,31 +83,39 @@ std::string nameOf(const testing::TestParamInfo<HostError>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Host, HostTexts, testing::ValuesIn(hostErrors()), nameOf);
 
+/// The text that a line of a header gives to a constant, empty if it gives none. A comment begins
+/// where the line does.
+std::string textOf(const std::string& constant, const std::string& line) {
+    const std::string beginning = constant + " = \"";
+    const std::size_t found = line.find(beginning);
+    if (found == std::string::npos || line.starts_with("//")) return {};
+    const std::size_t start = found + beginning.size();
+    return line.substr(start, line.find('"', start) - start);
+}
+
+using Identifiers = std::set<std::pair<std::string, std::string>>;
+
 /// Component and key of each error that a header of the host declares.
-std::set<std::string> declaredIdentifiers() {
-    const std::regex constant("^ .*k(Component|Key) = \"(.*)\";");
-    std::set<std::string> identifiers;
+Identifiers declaredIdentifiers() {
+    Identifiers identifiers;
     const std::filesystem::path host = std::filesystem::path(ZQ_SOURCE_DIR) / "host";
     for (const auto& entry : std::filesystem::recursive_directory_iterator(host)) {
         if (entry.path().extension() != ".hpp") continue;
         std::ifstream header(entry.path());
         std::string component;
         for (std::string line; std::getline(header, line);) {
-            std::smatch found;
-            if (!std::regex_search(line, found, constant)) continue;
-            if (found[1] == "Component") {
-                component = found[2];
-            } else {
-                identifiers.insert(component + ":" + found[2].str());
-            }
+            if (const std::string text = textOf("kComponent", line); !text.empty())
+                component = text;
+            if (const std::string text = textOf("kKey", line); !text.empty())
+                identifiers.emplace(component, text);
         }
     }
     return identifiers;
 }
 
 TEST(HostTextsTable, isTestedForEachErrorThatAHeaderDeclares) {
-    std::set<std::string> tested;
-    for (const HostError& host : hostErrors()) tested.insert(host.component + ":" + host.key);
+    Identifiers tested;
+    for (const HostError& host : hostErrors()) tested.emplace(host.component, host.key);
     EXPECT_EQ(declaredIdentifiers(), tested);
 }
 

@@ -36,15 +36,16 @@ TEST(LiveObjects, doNotCountWhatIsReadWhereNothingWasPut) {
 }
 
 TEST(LiveObjects, loseNoCountToThreads) {
-    constexpr int kThreads = 4;
-    constexpr int kKept = 10'000;
+    constexpr std::size_t kThreads = 4;
+    constexpr std::size_t kKept = 10'000;
     const std::size_t before = liveObjects().arrays;
     std::vector<std::vector<kxArrayPtr>> kept(kThreads);
     {
         std::vector<std::jthread> threads;
+        threads.reserve(kThreads);
         for (std::vector<kxArrayPtr>& mine : kept) {
             threads.emplace_back([&mine] {
-                for (int i = 0; i < kKept; ++i) {
+                for (std::size_t i = 0; i < kKept; ++i) {
                     mine.emplace_back(kxCreateCharacters(u"kept"));
                     kxDestroyArray(kxCreateCharacters(u"freed"));
                 }
