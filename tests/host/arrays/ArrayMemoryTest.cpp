@@ -44,6 +44,15 @@ TEST_F(ArrayMemory, isOneBlockBesideTheSharedObject) {
     EXPECT_EQ(blocksOf([&] { return kxCreateObject(object); }), 1U);
 }
 
+TEST_F(ArrayMemory, isGivenBackWithTheNamesOfFields) {
+    const kxDimensions dimensions = {2, 1};
+    const std::vector<std::string> names = {"a field whose name is not short"};
+    const std::string className = "korvex.classes.whose.name.is.not.short";
+    EXPECT_GE(blocksOf([&] { return kxCreateStructure(dimensions, names); }), 2U);
+    const auto object = [&] { return kxCreateObjectWithFields(className, dimensions, names); };
+    EXPECT_GE(blocksOf(object), 3U);
+}
+
 TEST_F(ArrayMemory, isOneBlockForADuplicate) {
     const kxArrayPtr row(kxCreateCharacters(u"a name that is not short"));
     EXPECT_EQ(blocksOf([&] { return kxDuplicateArray(row.get()); }), 1U);

@@ -4,6 +4,7 @@
 #include "host/arrays/kxArray.hpp"
 #include "tests/host/BalancedTest.hpp"
 #include "tests/host/arrays/NamedObject.hpp"
+#include "tests/support/SmallStack.hpp"
 
 namespace {
 
@@ -60,7 +61,7 @@ TEST_F(NestedArrays, areFreedToAnyDepth) {
     const std::size_t before = liveObjects().arrays;
     kxArrayPtr deep = deepCells();
     EXPECT_EQ(liveObjects().arrays, before + 3 * kDepth + 1);
-    deep.reset();
+    onSmallStack([&] { deep.reset(); });
     EXPECT_EQ(liveObjects().arrays, before);
 }
 
@@ -68,14 +69,15 @@ TEST_F(NestedArrays, areFreedToAnyDepthThroughFields) {
     const std::size_t before = liveObjects().arrays;
     kxArrayPtr deep = deepMixture();
     EXPECT_GT(liveObjects().arrays, before + kDepth);
-    deep.reset();
+    onSmallStack([&] { deep.reset(); });
     EXPECT_EQ(liveObjects().arrays, before);
 }
 
 TEST_F(NestedArrays, areDuplicatedToAnyDepth) {
     kxArrayPtr deep = deepCells();
     const std::size_t before = liveObjects().arrays;
-    const kxArrayPtr copy(kxDuplicateArray(deep.get()));
+    kxArrayPtr copy;
+    onSmallStack([&] { copy.reset(kxDuplicateArray(deep.get())); });
     EXPECT_EQ(liveObjects().arrays, before + 3 * kDepth + 1);
     deep.reset();
     const kxArray* cell = copy.get();
@@ -90,7 +92,8 @@ TEST_F(NestedArrays, areDuplicatedToAnyDepth) {
 
 TEST_F(NestedArrays, areDuplicatedToAnyDepthThroughFields) {
     kxArrayPtr deep = deepMixture();
-    const kxArrayPtr copy(kxDuplicateArray(deep.get()));
+    kxArrayPtr copy;
+    onSmallStack([&] { copy.reset(kxDuplicateArray(deep.get())); });
     deep.reset();
     const kxArray* inner = copy.get();
     for (std::size_t depth = kDepth; depth-- > 0; inner = within(inner, depth)) {
