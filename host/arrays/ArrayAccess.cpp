@@ -105,7 +105,8 @@ auto& placeOfField(Array* structure, std::size_t index, std::string_view fieldNa
     return structure->places()[index * names.size() + field];
 }
 
-/// An array put into itself would be freed with the container that its owner still has.
+/// Owns what is put into `container`. The container itself is refused before it is owned here, so
+/// that the refusal does not free it.
 kxArrayPtr takeOver(kxArray* value, const kxArray* container) {
     if (value == container) throw Exception<KORVEX::arrays::arrayWithinItself>();
     return kxArrayPtr(value);
