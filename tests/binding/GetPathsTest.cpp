@@ -161,6 +161,24 @@ TEST_F(GetPaths, leavesThePlacesOfFilesWithoutFolderComponentsEmpty) {
     EXPECT_EQ(dimensionsOf(kxGetCell(paths[0].get(), 1)), (kxDimensions{0, 0}));
 }
 
+TEST_F(GetPaths, givesNoRowsForFoldersThatComeWithoutFiles) {
+    // The path "/" "a" as it is saved, but without the totals that say which files are whose: the
+    // folder of the entry is known, its files are not.
+    const std::vector<std::uint8_t> bytes{
+        0x33, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x78, 0xDA, 0x63, 0x62, 0x80,
+        0x00, 0x36, 0x66, 0x26, 0x28, 0x8B, 0x91, 0x01, 0xC6, 0x02, 0x32, 0x18, 0x99,
+        0x18, 0x19, 0x19, 0xC1, 0x82, 0x0C, 0x70, 0x69, 0x00, 0x03, 0x71, 0x00, 0x1B};
+    korvex::Object loaded =
+        construct(text(u"tree"), text(u"/a"), korvex::bytes(bytes), numbers({}));
+    const auto parts = loaded.call("getPaths", 2, numbers({1}));
+    EXPECT_EQ(listsIn(parts.at(0).get()), (Lists{{u"/"}}));
+    EXPECT_EQ(listsIn(parts.at(1).get()), Lists{});
+
+    const auto paths = loaded.call("getPaths", 1, numbers({1}), text(u"/"));
+    ASSERT_EQ(dimensionsOf(paths.at(0).get()), (kxDimensions{1, 1}));
+    EXPECT_EQ(dimensionsOf(kxGetCell(paths[0].get(), 0)), (kxDimensions{0, 0}));
+}
+
 TEST_F(GetPaths, refusesNumbersThatNoPathHas) {
     for (const double number : {0.0, 4.0, -1.0, 1.5, 1e300, std::numeric_limits<double>::infinity(),
                                 std::numeric_limits<double>::quiet_NaN()}) {
