@@ -50,6 +50,36 @@ TEST_F(GetPaths, givesThePathsInTheOrderOfTheNumbers) {
               (Names{u"/logs/x", u"/data/b.txt", u"/data/a.txt", u"/data/b.txt"}));
 }
 
+TEST_F(GetPaths, givesThousandsOfPathsInOneRequest) {
+    Listing many;
+    Names paths;
+    for (std::size_t folder = 0; folder < 300; ++folder) {
+        const std::u16string name(1 + folder, u'd');
+        many.folders.push_back({name});
+        many.files.emplace_back();
+        for (std::size_t file = 0; file < 9; ++file) {
+            many.files.back().push_back(std::u16string(1 + file, u'x'));
+            paths.push_back(name + many.files.back().back());
+        }
+    }
+    korvex::Object set = holding(many);
+    expectHolds(set, paths);
+
+    // All numbers once, in an order that changes the folder with each; 1,009 shares no factor with
+    // 2,700.
+    std::vector<double> pathNumbers;
+    Names expected;
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        const std::size_t index = i * 1009 % paths.size();
+        pathNumbers.push_back(static_cast<double>(index + 1));
+        expected.push_back(paths[index]);
+    }
+    EXPECT_EQ(joined(set, pathNumbers), expected);
+
+    pathNumbers.push_back(static_cast<double>(paths.size() + 1));
+    expectError(kNativeException, kInvalidPathNumber, [&] { joined(set, pathNumbers); });
+}
+
 TEST_F(GetPaths, readsTheNumbersInTheirOrderWhateverTheShape) {
     korvex::Array square(kxCreateNumeric(kxClass::kDouble, {2, 2}));
     const std::vector<double> values{3, 1, 2, 3};
