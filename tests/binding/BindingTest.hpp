@@ -28,7 +28,6 @@ using host_lists::namesOf;
 
 inline constexpr const char* kClassName = "korvex.io.datastore.internal.fileset.HuffmanPaths";
 
-/// The text of an array of characters, as an input.
 using korvex::text;
 
 inline korvex::Array numbers(const std::vector<double>& values) {

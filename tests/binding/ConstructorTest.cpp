@@ -239,6 +239,16 @@ TEST_F(Constructor, readsAllFoldersByTheShapeOfTheFirst) {
     expectError("KORVEX:arrays:wrongClass", [&] { construct(text(u"files"), textLast); });
 }
 
+TEST_F(Constructor, readsAnEmptyTextAsAnEmptyFolderIfTheFirstFolderIsAList) {
+    std::vector<korvex::Array> elements;
+    elements.push_back(namesOf({u"ab"}));
+    elements.push_back(text(u""));
+    elements.push_back(namesOf({u"b"}));
+    elements.push_back(namesOf({u"a", u"a"}));
+    EXPECT_EQ(countsOf(construct(text(u"files"), korvex::cell(std::move(elements)))),
+              (std::map<char16_t, double>{{u'a', 3}, {u'b', 2}}));
+}
+
 TEST_F(Constructor, refusesAnOddNumberOfFoldersAndFileLists) {
     for (const Lists& odd : {Lists{{u"a"}, {u"b"}, {u"c"}}, Lists{{u"ab"}}}) {
         expectError("KORVEX:datastoreio:huffmanpaths:fileListNotEven",
