@@ -171,9 +171,10 @@ public:
     void serialize(std::vector<std::uint8_t>& bytes, bool compress);
 
     /// Reads the saved form that `bytes` begins with into this newly constructed set. Throws
-    /// PrematureEndException, ImplausibleLengthException, InvalidUintConversionException,
-    /// UnknownNodeTypeException, IncompleteTrieException, DescendingPathTotalsException and
-    /// InvalidTrackException; what was read up to there then stays. O(size of the set).
+    /// PrematureEndException, ImplausibleLengthException, DamagedBlockException,
+    /// InvalidUintConversionException, UnknownNodeTypeException, IncompleteTrieException,
+    /// DescendingPathTotalsException and InvalidTrackException; what was read up to there then
+    /// stays. O(size of the set).
     void deserialize(std::vector<std::uint8_t>& bytes, bool compressed);
 
     std::size_t serializePathTree(Bytes& structure, std::vector<Bytes>& keys);

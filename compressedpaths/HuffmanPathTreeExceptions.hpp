@@ -58,7 +58,7 @@ public:
     }
 };
 
-/// Not a whole number from 1 to the number of paths, or of a path that no folder entry holds.
+/// Not a whole number from 1 to the number of paths, or beyond the entries of a set without totals.
 class InvalidPathNumberException : public std::exception {
 public:
     const char* what() const noexcept override {
@@ -86,6 +86,12 @@ public:
     const char* what() const noexcept override {
         return "The stated length is larger than the compressed bytes can hold.";
     }
+};
+
+/// The compressed body is cut off, or zlib's checksum of it does not hold.
+class DamagedBlockException : public std::exception {
+public:
+    const char* what() const noexcept override { return "The compressed bytes are damaged."; }
 };
 
 /// The running totals of paths in a saved set descend.

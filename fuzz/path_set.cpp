@@ -24,8 +24,9 @@ constexpr std::size_t kMaxPaths = 100;
 
 bool load(HuffmanPathTree& set, Bytes& bytes, bool compressed) {
     return succeeds<sixpacks::PrematureEndException, ImplausibleLengthException,
-                    sixpacks::InvalidUintConversionException, UnknownNodeTypeException,
-                    IncompleteTrieException, DescendingPathTotalsException, InvalidTrackException>(
+                    DamagedBlockException, sixpacks::InvalidUintConversionException,
+                    UnknownNodeTypeException, IncompleteTrieException,
+                    DescendingPathTotalsException, InvalidTrackException>(
         [&] { set.deserialize(bytes, compressed); });
 }
 

@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <memory>
+#include <utility>
 
 namespace compressedpaths::sixpacks {
 
@@ -20,11 +21,16 @@ std::vector<std::uint8_t> compressUint8(std::vector<std::uint8_t>& bytes) {
 std::vector<std::uint8_t> decompressUint8(std::vector<std::uint8_t>::iterator begin,
                                           std::uint64_t compressedLength,
                                           std::uint64_t uncompressedLength) {
+    return inflateBlock(begin, compressedLength, uncompressedLength).bytes;
+}
+
+InflatedBlock inflateBlock(std::vector<std::uint8_t>::iterator begin,
+                           std::uint64_t compressedLength, std::uint64_t uncompressedLength) {
     std::vector<std::uint8_t> bytes(uncompressedLength);
     uLongf length = bytes.size();
-    static_cast<void>(uncompress(bytes.data(), &length, std::to_address(begin), compressedLength));
+    const int status = uncompress(bytes.data(), &length, std::to_address(begin), compressedLength);
     bytes.resize(length);
-    return bytes;
+    return {std::move(bytes), status == Z_OK};
 }
 
 }  // namespace compressedpaths::sixpacks

@@ -26,4 +26,14 @@ std::vector<std::uint8_t> decompressUint8(std::vector<std::uint8_t>::iterator be
                                           std::uint64_t compressedLength,
                                           std::uint64_t uncompressedLength);
 
+/// What a block inflates to, and zlib's word on it.
+struct InflatedBlock {
+    std::vector<std::uint8_t> bytes;
+    bool isWhole;  // the stream has its end, its checksum holds, and `bytes` is all of it
+};
+
+/// The same for a caller who wants to know of damage.
+InflatedBlock inflateBlock(std::vector<std::uint8_t>::iterator begin,
+                           std::uint64_t compressedLength, std::uint64_t uncompressedLength);
+
 }  // namespace compressedpaths::sixpacks

@@ -133,9 +133,10 @@ void HuffmanPathTree::deserialize(std::vector<std::uint8_t>& bytes, bool compres
 
     const std::uint64_t streamSize = bytes.size() - kCount8Size;
     if (bodySize / sixpacks::kMaxExpansion > streamSize) throw ImplausibleLengthException();
-    const Bytes inflated = sixpacks::decompressUint8(
+    const sixpacks::InflatedBlock block = sixpacks::inflateBlock(
         bytes.begin() + static_cast<std::ptrdiff_t>(kCount8Size), streamSize, bodySize);
-    ByteReader body(inflated);
+    if (!block.isWhole) throw DamagedBlockException();
+    ByteReader body(block.bytes);
     unpackBody(body);
 }
 

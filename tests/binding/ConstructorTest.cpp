@@ -321,7 +321,7 @@ TEST_F(Constructor, refusesADamagedTree) {
     const auto saved = original.call("serialize", 2);
     std::vector<std::uint8_t> cut = bytesIn(saved[1].get());
     cut.resize(cut.size() / 2);
-    expectError(kNativeException, "The serialized bytes end too early.",
+    expectError(kNativeException, "The compressed bytes are damaged.",
                 [&] { construct(text(u"tree"), saved[0], korvex::bytes(cut), twoFrequencies); });
     expectError(kNativeException,
                 "The shape or the characters of the coding tree end before the tree is complete.",

@@ -159,9 +159,9 @@ TEST_F(CustomLoad, saysOnceThatItFailedAndSucceeds) {
     expectError(kNativeException, kInvalidPathNumber, [&] { joined(loaded, {1}); });
 }
 
-TEST_F(CustomLoad, saysSoForBytesThatEndAnywhereInTheirFirstHalf) {
+TEST_F(CustomLoad, saysSoForBytesThatEndAnywhere) {
     const std::vector<std::uint8_t> whole = bytesIn(saved[1].get());
-    for (std::size_t length = 0; length < whole.size() / 2; ++length) {
+    for (std::size_t length = 0; length < whole.size(); ++length) {
         SCOPED_TRACE(length);
         load(structureOf(duplicate(saved[0]), korvex::bytes(std::span(whole.data(), length))),
              kMessage);

@@ -38,7 +38,7 @@ std::vector<std::string> splitNames(const std::string& list) {
 
 const Texts kTexts =
     ZQ_TEXTS_OF(AlphabetTooSmallException, CodeNotFoundException, CodeWordsTooLongException,
-                CodingTreeExistsException, DescendingPathTotalsException,
+                CodingTreeExistsException, DescendingPathTotalsException, DamagedBlockException,
                 EmptyPathForTraverseException, ImplausibleLengthException, IncompleteBatchException,
                 IncompleteCodingTreeException, IncompleteTrieException, InvalidCodeException,
                 InvalidFileNumberException, InvalidPathNumberException, InvalidTrackException,

@@ -328,6 +328,38 @@ TEST(SerializedPathSet, refusesALengthThatItsStreamCannotReach) {
     }
 }
 
+TEST(SerializedPathSet, losesNoPathInSilenceWhenItsEndIsCutOff) {
+    HuffmanPathTree set;
+    buildSet(set, kEntries);
+    const Bytes form = savedForm(set, true);
+    for (std::size_t length = 8; length < form.size(); ++length) {
+        SCOPED_TRACE(length);
+        Bytes cut(form.begin(), form.begin() + static_cast<std::ptrdiff_t>(length));
+        HuffmanPathTree loaded;
+        EXPECT_THROW(loaded.deserialize(cut, true), std::exception);
+    }
+}
+
+TEST(SerializedPathSet, refusesEveryDamageToTheStreamThatChangesWhatItHolds) {
+    HuffmanPathTree set;
+    buildSet(set, kEntries);
+    const Bytes form = savedForm(set, true);
+    for (std::size_t position = 8; position < form.size(); ++position) {
+        for (unsigned bit = 0; bit < 8; ++bit) {
+            SCOPED_TRACE(testing::Message() << "bit " << bit << " of byte " << position);
+            Bytes flipped = form;
+            flipped[position] ^= static_cast<std::uint8_t>(1U << bit);
+            HuffmanPathTree loaded;
+            try {
+                loaded.deserialize(flipped, true);
+            } catch (const std::exception&) {
+                continue;
+            }
+            EXPECT_EQ(savedForm(loaded), savedForm(set));  // bits of the header say nothing
+        }
+    }
+}
+
 TEST(SerializedPathSet, refusesUnknownNodesAndTriesThatEndEarly) {
     SavedBody unknown;
     expectRefused(unknown.shape(kShape).trie({4}, {x()}),
