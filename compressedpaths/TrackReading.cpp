@@ -12,6 +12,8 @@
 // - A path that is listed once has one file. A child with a later twin of the same key was there
 //   before its path was listed, as a folder on the way to something else. But a folder that no
 //   earlier entry mentions cannot have been found, whatever twins there are.
+// - What is first in a folder that was a file was made by later entries, before any of them found
+//   places behind it.
 //
 // Where all of this leaves both readings open, the bytes of two different sets are the same, and a
 // node with children is taken for the folder.
@@ -41,17 +43,25 @@ bool hasFiles(std::size_t entry, const std::vector<std::size_t>& fileCounts) {
     return entry < fileCounts.size() && fileCounts[entry] > 0;
 }
 
+/// The children of a folder that tracks lead to.
+struct Targets {
+    std::size_t firstChild;
+    std::size_t firstEntry;  // whose track leads to any of them
+};
+
 class TrackReader {
 public:
     TrackReader(const Node& root, const std::vector<std::vector<std::size_t>>& folderTracks,
                 const std::vector<std::size_t>& fileCounts)
         : root_(root), folderTracks_(folderTracks), fileCounts_(fileCounts) {}
 
-    /// Takes in one track, which leads to child `childIndex` of `parent`.
-    void addTrack(const Node& parent, std::size_t childIndex) {
+    /// Takes in the track of an entry, which leads to child `childIndex` of `parent`. Entries come
+    /// in their order.
+    void addTrack(std::size_t entry, const Node& parent, std::size_t childIndex) {
         targets_.insert(parent.children[childIndex].get());
-        const auto [first, isNew] = firstTargetOf_.try_emplace(&parent, childIndex);
-        if (!isNew) first->second = std::min(first->second, childIndex);
+        Targets& targets =
+            targetsOf_.try_emplace(&parent, Targets{childIndex, entry}).first->second;
+        targets.firstChild = std::min(targets.firstChild, childIndex);
     }
 
     /// Reads the track of an entry, which leads to child `childIndex` of `parent` and has
@@ -73,9 +83,9 @@ private:
 
         const Files inTarget{&target, 0, fileCount};
         const Files inParent{&parent, childIndex, fileCount};
-        const auto firstTarget = firstTargetOf_.find(&target);
-        const bool canBeFolder = exist(inTarget) && (firstTarget == firstTargetOf_.end() ||
-                                                     firstTarget->second >= fileCount);
+        const auto targets = targetsOf_.find(&target);
+        const bool canBeFolder = exist(inTarget) && (targets == targetsOf_.end() ||
+                                                     targets->second.firstChild >= fileCount);
         const bool canBeFile = exist(inParent) && !hasTargetInside(inParent);
         return canBeFile && (!canBeFolder || isRatherIn(entry, inParent, inTarget));
     }
@@ -94,26 +104,42 @@ private:
     /// True if there is more that speaks for the one place of the files than for the other. Neither
     /// has a target inside.
     bool isRatherIn(std::size_t entry, const Files& one, const Files& other) {
-        if (hasCertainFile(other)) return false;
+        if (hasCertainFile(other) || !canBeMadeAfter(entry, other)) return false;
         if (hasCertainFile(one)) return true;
         return hasTwin(other) && !hasTwin(one) && wasThereBefore(entry, one);
+    }
+
+    /// True if `files` can be the first folders in a folder that was a file when an entry was
+    /// added: later entries made them, before one found places behind them.
+    bool canBeMadeAfter(std::size_t entry, const Files& files) {
+        const auto targets = targetsOf_.find(files.folder);
+        const std::size_t end =
+            targets == targetsOf_.end() ? folderTracks_.size() : targets->second.firstEntry;
+        for (std::size_t i = files.first; i < files.first + files.count; ++i) {
+            const std::size_t made = firstMentionOf(files.folder->children[i].get());
+            if (made <= entry || made >= end) return false;
+        }
+        return true;
     }
 
     /// True if the folder of `files` can have been there before an entry that has them by its
     /// track: an earlier entry mentions it, or it was a file, in a folder that an earlier entry
     /// mentions.
     bool wasThereBefore(std::size_t entry, const Files& files) {
-        if (firstEntryAt_.empty()) mentionAll();
-        const auto isMentionedBefore = [this, entry](const Node* node) {
-            const auto found = firstEntryAt_.find(node);
-            return found != firstEntryAt_.end() && found->second < entry;
-        };
-        if (isMentionedBefore(files.folder)) return true;
+        if (firstMentionOf(files.folder) < entry) return true;
         const std::vector<std::size_t>& track = folderTracks_[entry];
         const Node* above = &root_;
         for (std::size_t level = 0; level + 2 < track.size(); ++level)
             above = above->children[track[level]].get();
-        return files.first == 0 && isMentionedBefore(above);
+        return files.first == 0 && firstMentionOf(above) < entry;
+    }
+
+    /// The first entry whose track leads through or to a node; SIZE_MAX if there is none.
+    std::size_t firstMentionOf(const Node* node) {
+        if (firstEntryAt_.empty()) mentionAll();
+        const auto found = firstEntryAt_.find(node);
+        return found == firstEntryAt_.end() ? std::numeric_limits<std::size_t>::max()
+                                            : found->second;
     }
 
     void mentionAll() {
@@ -160,7 +186,7 @@ private:
     std::unordered_map<const Node*, std::size_t> firstEntryAt_;  // whose track mentions a node
     std::unordered_set<const Node*> targets_;                    // nodes that tracks lead to
     std::unordered_set<const Node*> foundEmpty_;  // nodes that entries found without children
-    std::unordered_map<const Node*, std::size_t> firstTargetOf_;  // by folder: the least child
+    std::unordered_map<const Node*, Targets> targetsOf_;  // by the folder they are in
     std::unordered_map<const Node*, std::unordered_set<std::string_view>> repeatedKeysOf_;
 };
 
@@ -170,9 +196,11 @@ std::vector<TrackEnd> BPathTree::readTrackEnds(
     const std::vector<std::vector<std::size_t>>& folderTracks,
     const std::vector<std::size_t>& fileCounts) const {
     TrackReader reader(*root, folderTracks, fileCounts);
-    for (const std::vector<std::size_t>& track : folderTracks)
+    for (std::size_t entry = 0; entry < folderTracks.size(); ++entry) {
+        const std::vector<std::size_t>& track = folderTracks[entry];
         if (!track.empty() && leadsToNode(track))
-            reader.addTrack(*nodeAt(track, track.size() - 1), track.back());
+            reader.addTrack(entry, *nodeAt(track, track.size() - 1), track.back());
+    }
 
     std::vector<TrackEnd> ends(folderTracks.size());
     std::vector<std::size_t> open;  // entries whose tracks have to be read

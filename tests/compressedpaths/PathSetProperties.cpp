@@ -6,6 +6,7 @@
 #include <rapidcheck/gtest.h>
 
 #include <functional>
+#include <set>
 
 #include "tests/support/FolderHistories.hpp"
 #include "tests/support/PathSets.hpp"
@@ -29,21 +30,28 @@ rc::Gen<FolderEntries> entries(std::size_t leastFiles) {
     return rc::gen::container<FolderEntries>(entry);
 }
 
-/// Entries whose folders lead only through folders and files of entries before, as a listing of a
-/// file system does.
-FolderEntries listedEntries(std::size_t leastFiles) {
+TextPath pathOf(const FolderEntry& entry, const std::u16string& file) {
+    TextPath path = entry.folder;
+    path.push_back(file);
+    return path;
+}
+
+/// Entries whose folders lead only through folders and files of entries before, and that name each
+/// file once, as a listing of a file system does.
+FolderEntries listedEntries() {
     std::vector<Names> known{{}};
+    std::set<TextPath> listed;
     FolderEntries history;
-    const auto count = *rc::gen::inRange<std::size_t>(1, 12);
-    while (history.size() < count) {
-        FolderEntry entry{*rc::gen::elementOf(known), *namesUpTo(leastFiles, 3)};
+    for (auto left = *rc::gen::inRange(1, 12); left > 0; --left) {
+        FolderEntry entry{*rc::gen::elementOf(known), {}};
         if (entry.folder.empty() || *rc::gen::arbitrary<bool>())
             entry.folder.push_back(*rc::gen::element<std::u16string>(u"a", u"b", u"c"));
+        for (const std::u16string& file : *namesUpTo(1, 3))
+            if (listed.insert(pathOf(entry, file)).second) entry.files.push_back(file);
+        if (entry.files.empty()) continue;
+
         known.push_back(entry.folder);
-        for (const std::u16string& file : entry.files) {
-            known.push_back(entry.folder);
-            known.back().push_back(file);
-        }
+        for (const std::u16string& file : entry.files) known.push_back(pathOf(entry, file));
         history.push_back(entry);
     }
     RC_ASSERT(everyFolderWasListed(history));
@@ -100,8 +108,8 @@ RC_GTEST_PROP(PathSetProperties, everyNumberGivesTheSamePathInACopy, ()) {
     requirePaths(copy, all);
 }
 
-RC_GTEST_PROP(PathSetProperties, everyNumberGivesItsPathAfterLoadingAListingWithFiles, ()) {
-    const FolderEntries history = listedEntries(1);
+RC_GTEST_PROP(PathSetProperties, everyNumberGivesItsPathAfterLoadingAListingOfEachFileOnce, ()) {
+    const FolderEntries history = listedEntries();
     HuffmanPathTree set;
     addCoded(set, history);
     HuffmanPathTree loaded;

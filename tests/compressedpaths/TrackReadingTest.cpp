@@ -114,6 +114,13 @@ TEST(TrackReading, findsAListingInDepthFirstOrder) {
                                       {{u"a", u"e"}, {u"3"}}});
 }
 
+TEST(TrackReading, findsAPathThatWasListedTwiceBeforeItBecameAFolder) {
+    expectPathsBeforeAndAfterLoading({{{u"a"}, {u"a"}},
+                                      {{u"a", u"c"}, {u"b"}},
+                                      {{u"a", u"c"}, {u"b"}},
+                                      {{u"a", u"c", u"b", u"a"}, {u"dd"}}});
+}
+
 TEST(TrackReading, findsFoldersMetAgainWithoutFiles) {
     expectPathsBeforeAndAfterLoading(
         {{{u"a"}, {u"b"}}, {{u"a"}, {}}, {{u"a"}, {u"c"}}, {{u"a"}, {}}, {{u"a", u"c"}, {u"d"}}});
