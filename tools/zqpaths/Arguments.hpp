@@ -1,0 +1,18 @@
+#pragma once
+// Arguments are what the shell hands over: a verb with its options.
+
+#include <functional>
+
+#include "tools/zqpaths/ExitStatus.hpp"
+#include "tools/zqpaths/ProgramTable.hpp"
+
+namespace zqpaths {
+
+/// The work that the arguments ask for; help and version are such work. Throws Failure kFailed,
+/// with the usage of the verb, if they are wrong.
+std::function<ExitStatus()> parseArguments(int argumentCount, const char* const* arguments);
+
+/// The table that the program's own arguments are parsed by.
+ProgramTable programTable();
+
+}  // namespace zqpaths

@@ -1,0 +1,48 @@
+#pragma once
+// SetFile is a saved set on disk: a database that holds, for each saved object, its class name and
+// its fields, each field as an array in parts with a checksum a part.
+//
+//     SetFile::save("paths.zqp", kPathSetClass, set.fields(), SetFile::Existing::kRefuse);
+//     SetFile::Content content = SetFile::load("paths.zqp");
+//
+// Saving replaces what is there in one transaction: after a crash at any moment the file holds the
+// old object or the new one. Readers read on meanwhile.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/runtime/Arrays.hpp"
+
+namespace zqpaths {
+
+class SetFile {
+public:
+    enum class Existing { kRefuse, kReplace };
+
+    struct Content {
+        std::string className;
+        korvex::Array fields;  // a structure of 1 by 1
+    };
+
+    /// What is wrong with a part of a file.
+    struct Damage {
+        std::string field;
+        std::uint64_t offset;  // of the part in the field's bytes
+        std::string reason;
+    };
+
+    /// Throws Failure: kFailed if the file is there and must not be replaced, is no set, cannot be
+    /// written or is held by another program, which is then named; the old content stays.
+    static void save(const std::string& path, const std::string& className,
+                     const korvex::Array& fields, Existing existing);
+
+    /// Throws Failure: kFailed if the file cannot be read or is no set, kDamaged with field and
+    /// offset of the first damage.
+    static Content load(const std::string& path);
+
+    /// All damages of a file that can be opened. Throws Failure as load does, save for damages.
+    static std::vector<Damage> check(const std::string& path);
+};
+
+}  // namespace zqpaths

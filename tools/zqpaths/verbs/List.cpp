@@ -1,0 +1,10 @@
+#include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/verbs/Verbs.hpp"
+
+namespace zqpaths {
+
+ExitStatus runList(const ListOptions& /*options*/, const MessageOptions& /*messages*/) {
+    throw Failure(ExitStatus::kFailed, "not there yet");
+}
+
+}  // namespace zqpaths
