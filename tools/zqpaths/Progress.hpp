@@ -5,7 +5,10 @@
 //     Progress progress("indexing", messages, total);
 //     progress.advance();
 //
-// Its line is gone when it is destroyed.
+// It is one line, drawn anew at most ten times a second, without colours, and gone when the object
+// is destroyed.
+//
+// Threads: an object belongs to one thread; at most one lives at a time.
 
 #include <chrono>
 #include <cstdint>
@@ -18,8 +21,12 @@ namespace zqpaths {
 
 class Progress {
 public:
+    /// What the work does meanwhile on standard output. Paths that are printed on a terminal show
+    /// by themselves how far it is, and a line among them would be in their way.
+    enum class Prints { kNothing, kPaths };
+
     Progress(std::string work, const MessageOptions& messages,
-             std::optional<std::uint64_t> total = std::nullopt);
+             std::optional<std::uint64_t> total = std::nullopt, Prints prints = Prints::kNothing);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();
@@ -30,18 +37,26 @@ public:
         if (done_ >= nextLook_) look();
     }
 
+    /// Takes the line away, until it is drawn again, if there is one. To be called before something
+    /// else is written on standard error.
+    static void makeRoom();
+
 private:
+    using Clock = std::chrono::steady_clock;
+
     void look();
     void draw(double seconds);
+    void erase();
 
     std::string work_;
     std::optional<std::uint64_t> total_;
-    bool isShown_;
-    bool isDrawn_ = false;
+    std::size_t drawnWidth_ = 0;  // of the line on the terminal
     std::uint64_t done_ = 0;
-    std::uint64_t nextLook_ = 1;
-    std::chrono::steady_clock::time_point start_;
-    std::chrono::steady_clock::time_point lastDrawn_;
+    std::uint64_t nextLook_ = 1;  // items until the clock is read again; beyond all if not shown
+    std::uint64_t stride_ = 1;    // items between two looks
+    Clock::time_point start_;
+    Clock::time_point lastLook_;
+    Clock::time_point lastDrawn_;
 };
 
 }  // namespace zqpaths
