@@ -1,13 +1,14 @@
 #include "tools/zqpaths/Arguments.hpp"
 
 #include <CLI/CLI.hpp>
-#include <iostream>
 #include <memory>
+#include <sstream>
 #include <utility>
 #include <vector>
 
 #include "tools/zqpaths/Documents.hpp"
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/Output.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
 namespace zqpaths {
@@ -54,8 +55,9 @@ void addSet(CLI::App& verb, std::string& set) {
 }
 
 void addOutput(CLI::App& verb, OutputOptions& output) {
-    verb.add_flag("-0,--null", output.nulTerminated, "end each path with NUL, not with a newline");
-    verb.add_flag("--json", output.json, "print one JSON object a line");
+    auto* null = verb.add_flag("-0,--null", output.nulTerminated,
+                               "end each path with NUL, not with a newline");
+    verb.add_flag("--json", output.json, "print one JSON object a line")->excludes(null);
 }
 
 void addProgress(CLI::App& verb, MessageOptions& messages) {
@@ -315,8 +317,14 @@ std::function<ExitStatus()> Parser::parse(int argumentCount, const char* const* 
         if (error.get_exit_code() != 0)
             throw Failure(ExitStatus::kFailed,
                           std::string(error.what()) + "\nRun with --help for more.");
-        app_.exit(error);
-        return [] { return ExitStatus::kDone; };
+        std::ostringstream text;
+        app_.exit(error, text, text);
+        return [shown = text.str()] {
+            Output output({});
+            output.text(shown);
+            output.finish();
+            return ExitStatus::kDone;
+        };
     }
     for (const Verb& verb : verbs_)
         if (verb.app->parsed()) return verb.run;

@@ -13,6 +13,9 @@ namespace zqpaths {
 namespace {
 
 constexpr char16_t kByteEscape = 0xDC00;  // plus the byte, which is 0x80 at least
+constexpr std::uint64_t kNotAsciiBytes = 0x8080808080808080;
+constexpr std::uint64_t kNotAsciiUnits = 0xFF80FF80FF80FF80;
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
 constexpr bool isAscii(char byte) {
     return static_cast<unsigned char>(byte) < 0x80;
@@ -60,7 +63,7 @@ void moveAscii(std::basic_string_view<From>& from, std::basic_string<To>& to) {
 
 void appendUtf16(std::string_view bytes, std::u16string& text) {
     while (true) {
-        moveAscii<0x8080808080808080>(bytes, text);
+        moveAscii<kNotAsciiBytes>(bytes, text);
         if (bytes.empty()) return;
 
         const char* const begin = bytes.data();
@@ -77,7 +80,7 @@ void appendUtf16(std::string_view bytes, std::u16string& text) {
 
 void appendBytes(std::u16string_view text, std::string& bytes) {
     while (true) {
-        moveAscii<0xFF80FF80FF80FF80>(text, bytes);
+        moveAscii<kNotAsciiUnits>(text, bytes);
         if (text.empty()) return;
 
         const char16_t unit = text.front();
@@ -92,6 +95,22 @@ void appendBytes(std::u16string_view text, std::string& bytes) {
         } else {
             utf8::unchecked::append(unit, std::back_inserter(bytes));
         }
+    }
+}
+
+std::size_t utf8Prefix(std::string_view bytes) {
+    const std::size_t ascii = asciiPrefix<kNotAsciiBytes>(bytes);
+    const char* const end = bytes.data() + bytes.size();
+    return static_cast<std::size_t>(utf8::find_invalid(bytes.data() + ascii, end) - bytes.data());
+}
+
+void appendReadable(std::string_view bytes, std::string& text) {
+    while (true) {
+        const std::size_t valid = utf8Prefix(bytes);
+        text += bytes.substr(0, valid);
+        if (valid == bytes.size()) return;
+        text += kReplacement;
+        bytes.remove_prefix(valid + 1);
     }
 }
 

@@ -8,10 +8,11 @@
 //     appendBytes(text, bytes);          // bytes == "caf\xC3\xA9\xFF"
 //
 // Valid UTF-8 never gives a unit of 0xDC80 to 0xDCFF alone, so every byte string comes back as it
-// was. Both functions append, so that one string can be filled piece by piece and used again.
+// was. These functions append, so that one string can be filled piece by piece and used again.
 //
 // Threads: free functions without state.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -25,5 +26,13 @@ void appendUtf16(std::string_view bytes, std::u16string& text);
 /// give, take the three bytes that UTF-8 would have for their number, so that they can be told
 /// apart. Throws only std::bad_alloc; part may have been appended then. O(units).
 void appendBytes(std::u16string_view text, std::string& bytes);
+
+/// How many bytes at the front are whole UTF-8 characters; all of them if `bytes` is UTF-8.
+/// O(bytes).
+std::size_t utf8Prefix(std::string_view bytes);
+
+/// Appends `bytes` as UTF-8 for people to read: U+FFFD for each byte that appendUtf16 would not
+/// convert. Throws only std::bad_alloc; part may have been appended then. O(bytes).
+void appendReadable(std::string_view bytes, std::string& text);
 
 }  // namespace zqpaths

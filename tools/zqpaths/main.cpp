@@ -9,6 +9,7 @@
 #include "tools/zqpaths/Arguments.hpp"
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/Output.hpp"
+#include "tools/zqpaths/StandardStreams.hpp"
 
 namespace {
 
@@ -21,6 +22,7 @@ ExitStatus fail(ExitStatus status, const char* message) {
 
 ExitStatus run(int argumentCount, char** arguments) {
     try {
+        zqpaths::reserveStandardStreams();
         return zqpaths::parseArguments(argumentCount, arguments)();
     } catch (const zqpaths::ClosedPipe&) {
         return ExitStatus::kDone;  // whoever reads has what it wants
