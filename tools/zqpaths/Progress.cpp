@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <iostream>
 #include <limits>
 #include <utility>
 
@@ -86,13 +86,13 @@ void Progress::draw(double seconds) {
     const std::size_t width = std::min(line.size(), terminalWidth() - 1);
     line.resize(std::max(width, drawnWidth_), ' ');
     std::fill(line.begin() + static_cast<std::ptrdiff_t>(width), line.end(), ' ');
-    std::fprintf(stderr, "\r%s", line.c_str());
+    std::cerr << '\r' + line;
     drawnWidth_ = width;
 }
 
 void Progress::erase() {
     if (drawnWidth_ == 0) return;
-    std::fprintf(stderr, "\r%s\r", std::string(drawnWidth_, ' ').c_str());
+    std::cerr << '\r' + std::string(drawnWidth_, ' ') + '\r';
     drawnWidth_ = 0;
 }
 
