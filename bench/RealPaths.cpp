@@ -22,7 +22,7 @@ std::vector<std::string> readPaths() {
         for (std::string line; std::getline(in, line);) lines.push_back(line);
     } else {
         zqpaths::walkDirectory(
-            "/usr", [&](std::string_view path) { lines.emplace_back(path); },
+            "/usr", {}, [&](std::string_view path) { lines.emplace_back(path); },
             [](std::string_view path, std::string_view reason) {
                 std::cerr << path << ": " << reason << '\n';
             });

@@ -7,23 +7,23 @@
 #include <string_view>
 #include <system_error>
 
-#include "examples/PrintableText.hpp"
 #include "tools/zqpaths/DirectoryWalk.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
 
 namespace examples {
 namespace {
 
 [[noreturn]] void refuse(const std::string& place, std::string_view reason) {
-    throw InputError(printable(place).append(": ").append(reason));
+    throw InputError(zqpaths::printablePath(place).append(": ").append(reason));
 }
 
 PathInput readDirectory(const std::string& directory) {
     PathInput input;
     zqpaths::walkDirectory(
-        directory, [&input](std::string_view path) { input.paths.append(path); },
+        directory, {}, [&input](std::string_view path) { input.paths.append(path); },
         [&input](std::string_view path, std::string_view reason) {
             ++input.unreadableCount;
-            std::cerr << printable(path) << ": " << reason << '\n';
+            std::cerr << zqpaths::printablePath(path) << ": " << reason << '\n';
         });
     if (input.paths.size() == 0) refuse(directory, "no paths in this directory");
     return input;

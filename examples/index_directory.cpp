@@ -26,7 +26,8 @@
 #include "examples/FetchedPaths.hpp"
 #include "examples/FolderEntries.hpp"
 #include "examples/PathInput.hpp"
-#include "examples/PrintableText.hpp"
+#include "examples/PrintableNumbers.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
 
 namespace {
 
@@ -162,8 +163,8 @@ void printSamples(HuffmanPathTree& set, std::size_t pathCount) {
     FetchedPaths fetched(set);
     for (const std::size_t number :
          std::set<std::size_t>{1, pathCount / 4 + 1, pathCount / 2 + 1, pathCount}) {
-        std::cout << std::setw(13) << grouped(number) << "  " << printable(fetched.at(number))
-                  << '\n';
+        std::cout << std::setw(13) << grouped(number) << "  "
+                  << zqpaths::printablePath(fetched.at(number)) << '\n';
     }
 }
 
@@ -172,8 +173,8 @@ bool givesAllByNumber(HuffmanPathTree& set, const PathList& paths) {
     const std::optional<std::size_t> number = examples::firstDifference(set, paths);
     if (!number) return true;
     std::cerr << "path " << grouped(*number) << " is different:\n  added    "
-              << printable(paths[*number - 1]) << "\n  fetched  "
-              << printable(FetchedPaths(set).at(*number)) << '\n';
+              << zqpaths::printablePath(paths[*number - 1]) << "\n  fetched  "
+              << zqpaths::printablePath(FetchedPaths(set).at(*number)) << '\n';
     return false;
 }
 
@@ -207,7 +208,7 @@ int run(const std::string& source) {
     const Clock::time_point start = Clock::now();
     const examples::PathInput input = examples::readPaths(source);
     const PathList& paths = input.paths;
-    std::cout << printable(source) << "\n\nseconds\n";
+    std::cout << zqpaths::printablePath(source) << "\n\nseconds\n";
     printSeconds("list", secondsSince(start));
     const auto census = timed("count folders", [&] { return examples::countFolders(paths); });
     const auto found = timed("count characters", [&] { return examples::countCharacters(paths); });

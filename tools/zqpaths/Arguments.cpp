@@ -81,7 +81,9 @@ void addSeed(CLI::App& verb, std::uint64_t& seed) {
 
 void addSource(CLI::App& verb, SourceOptions& source) {
     auto* directories =
-        verb.add_option("DIR", source.directories, "directories to walk")->option_text(kNoTypeText);
+        verb.add_option("DIR", source.directories,
+                        "directories to walk: all in them that is no directory is taken")
+            ->option_text(kNoTypeText);
     auto* list = verb.add_option("--list", source.list, "the paths in FILE, - for standard input")
                      ->option_text("FILE")
                      ->excludes(directories);

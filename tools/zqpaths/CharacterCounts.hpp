@@ -24,6 +24,9 @@ public:
     std::u16string characters() const;
     std::vector<double> frequencies() const;
 
+    /// How often a character occurs.
+    std::uint64_t countOf(char16_t character) const { return counts_[character]; }
+
     std::uint64_t pathCount() const noexcept { return pathCount_; }
     std::uint64_t byteCount() const noexcept { return byteCount_; }  // of the paths
 

@@ -1,183 +1,167 @@
 #include "tools/zqpaths/DirectoryWalk.hpp"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <condition_variable>
 #include <cstddef>
-#include <memory>
+#include <list>
+#include <mutex>
 #include <system_error>
-#include <utility>
+#include <thread>
 #include <vector>
 
+#include "tools/zqpaths/DirectoryReader.hpp"
 #include "tools/zqpaths/PathComponents.hpp"
+#include "tools/zqpaths/WalkedDirectory.hpp"
 
 namespace zqpaths {
 namespace {
 
-/// Directories that are open at a time, besides the root. A process may often open no more than
-/// 1,024 files, and the program around the walk wants some of them.
-constexpr std::size_t kMaxOpen = 64;
+using State = WalkedDirectory::State;
 
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int number = kClosed) noexcept : number_(number) {}
-    FileDescriptor(FileDescriptor&& other) noexcept
-        : number_(std::exchange(other.number_, kClosed)) {}
-    FileDescriptor& operator=(FileDescriptor&& other) noexcept {
-        std::swap(number_, other.number_);
-        return *this;
-    }
-    ~FileDescriptor() {
-        if (isOpen()) ::close(number_);
-    }
+constexpr unsigned kMaxJobs = 64;  // each holds a few open files
+constexpr std::size_t kMaxAheadOfAJob = 32;
+constexpr std::size_t kMaxNamesAhead = 1'000'000;
 
-    bool isOpen() const noexcept { return number_ != kClosed; }
-    int number() const noexcept { return number_; }
-    void release() noexcept { number_ = kClosed; }  // to an owner who closes it
-
-private:
-    static constexpr int kClosed = -1;
-    int number_;
-};
-
-FileDescriptor openDirectory(int parent, const std::string& name, int flags) {
-    return FileDescriptor(
-        ::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags));
+unsigned threadCount(unsigned jobs) {
+    return std::clamp(jobs > 0 ? jobs : std::thread::hardware_concurrency(), 1U, kMaxJobs);
 }
 
-struct CloseDirectory {
-    void operator()(DIR* directory) const noexcept { ::closedir(directory); }
-};
-using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
-
+/// The directories that are known and not yet reported stand in a list in the order in which they
+/// will be; one that has been read gets its sub-directories right behind it. The thread that walks
+/// takes them from the front and reads the front one itself if nobody has; helpers read the first
+/// that are unread. So the order is that of the names, whoever reads.
 class Walk {
 public:
-    Walk(const PathVisitor& onPath, const ErrorVisitor& onError)
-        : onPath_(onPath), onError_(onError) {}
+    Walk(const WalkOptions& options, const PathVisitor& onPath, const ErrorVisitor& onError)
+        : reader_(options),
+          onPath_(onPath),
+          onError_(onError),
+          threadCount_(threadCount(options.jobs)) {}
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
+    ~Walk() {
+        {
+            const std::lock_guard lock(mutex_);
+            isOver_ = true;
+        }
+        workThere_.notify_all();
+    }
 
     void run(const std::string& root) {
-        path_ = root;
-        enter(openDirectory(AT_FDCWD, root, 0));
-        while (!levels_.empty()) {
-            Level& level = levels_.back();
-            path_.resize(level.pathLength);
-            if (level.next == level.subdirectories.size()) {
-                levels_.pop_back();
-            } else if (level.directory.isOpen() || reopen()) {
-                const std::string& name = level.subdirectories[level.next++];
-                path_.append(name);
-                enter(openDirectory(level.directory.number(), name, O_NOFOLLOW));
-            }
-        }
+        ahead_.emplace_back(nullptr, root);
+        report(takeFirst());
+        if (ahead_.empty()) return;
+        for (unsigned i = 1; i < threadCount_; ++i) helpers_.emplace_back([this] { help(); });
+        while (hasMore()) report(takeFirst());
     }
 
 private:
-    /// A directory some of whose sub-directories are still to be entered. The root and the last
-    /// kMaxOpen levels may be open, others are not.
-    struct Level {
-        FileDescriptor directory;
-        std::vector<std::string> subdirectories;  // in byte order
-        std::size_t next;                         // of the sub-directories; the one before is below
-        std::size_t pathLength;                   // of its path with a separator at the end
-    };
+    using Place = std::list<WalkedDirectory>::iterator;
+    using Lock = std::unique_lock<std::mutex>;
 
-    /// Reports the files of a directory, whose path is `path_`, and makes it a level if there is
-    /// more in it.
-    void enter(FileDescriptor directory) {
-        if (!directory.isOpen()) return reportError();
-        std::vector<std::string> subdirectories;
-        readNames(directory.number(), subdirectories);
+    bool hasMore() {
+        const Lock lock(mutex_);
+        return !ahead_.empty();
+    }
+
+    /// The first directory, read; it is now the last of `entered_`.
+    WalkedDirectory& takeFirst() {
+        Lock lock(mutex_);
+        const Place first = ahead_.begin();
+        if (first->state == State::kUnread) read(first, lock);
+        firstIsRead_.wait(lock, [first] { return first->state == State::kRead; });
+
+        for (; !entered_.empty() && &entered_.back() != first->parent; entered_.pop_back())
+            reader_.drop(entered_.back());
+        entered_.splice(entered_.end(), ahead_, first);
+        --directoriesAhead_;
+        namesAhead_ -= first->files.size();
+        workThere_.notify_one();
+        return *first;
+    }
+
+    void help() {
+        Lock lock(mutex_);
+        while (true) {
+            Place unread;
+            workThere_.wait(lock, [&] {
+                unread = firstUnread();
+                return isOver_ || unread != ahead_.end();
+            });
+            if (isOver_) return;
+            read(unread, lock);
+        }
+    }
+
+    /// The end if there is none, or too much is ahead. O(directories ahead).
+    Place firstUnread() {
+        if (directoriesAhead_ >= kMaxAheadOfAJob * threadCount_ || namesAhead_ >= kMaxNamesAhead)
+            return ahead_.end();
+        return std::ranges::find(ahead_, State::kUnread, &WalkedDirectory::state);
+    }
+
+    /// Reads a directory, with the lock released meanwhile.
+    void read(Place place, Lock& lock) {
+        place->state = State::kBeingRead;
+        ++directoriesAhead_;
+        lock.unlock();
+        std::list<WalkedDirectory> subdirectories = reader_.read(*place);
+        lock.lock();
+        namesAhead_ += place->files.size();
+        if (!subdirectories.empty()) workThere_.notify_all();
+        ahead_.splice(std::next(place), subdirectories);
+        place->state = State::kRead;
+        firstIsRead_.notify_one();
+    }
+
+    void report(WalkedDirectory& directory) {
+        if (directory.failure) std::rethrow_exception(directory.failure);
+        path_.resize(directory.parent == nullptr ? 0 : directory.parent->pathLength);
+        path_.append(directory.name);
+        if (directory.sameAbove != nullptr)
+            onError_(path_, "is " + pathOf(*directory.sameAbove) + ", in which it is: a loop");
+        else if (directory.error != 0)
+            onError_(path_, std::generic_category().message(directory.error));
         if (path_.empty() || path_.back() != kSeparator) path_.push_back(kSeparator);
-        const std::size_t pathLength = path_.size();
-        for (const std::string& name : files_) {
+
+        directory.pathLength = path_.size();
+        for (const std::string& name : directory.files) {
             path_.append(name);
             onPath_(path_);
-            path_.resize(pathLength);
+            path_.resize(directory.pathLength);
         }
-        if (subdirectories.empty()) return;
-
-        if (levels_.size() > kMaxOpen)
-            levels_[levels_.size() - kMaxOpen].directory = FileDescriptor();
-        levels_.push_back({std::move(directory), std::move(subdirectories), 0, pathLength});
+        directory.files = {};
     }
 
-    /// Sorts the names in a directory into `files_` and `subdirectories`.
-    void readNames(int directory, std::vector<std::string>& subdirectories) {
-        files_.clear();
-        const DirectoryStream stream = streamOf(directory);
-        if (!stream) return reportError();
-        while (true) {
-            errno = 0;
-            // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream belongs to this walk alone
-            const dirent* const entry = ::readdir(stream.get());
-            if (entry == nullptr) break;
-            std::string name = entry->d_name;
-            if (name == "." || name == "..") continue;
-            auto& names = isDirectory(directory, *entry) ? subdirectories : files_;
-            names.push_back(std::move(name));
-        }
-        if (errno != 0) reportError();
-        std::sort(files_.begin(), files_.end());
-        std::sort(subdirectories.begin(), subdirectories.end());
+    /// The path of a directory that leads to the one at hand.
+    std::string pathOf(const WalkedDirectory& above) const {
+        const std::string path = path_.substr(0, above.pathLength);
+        return path.size() > 1 ? path.substr(0, path.size() - 1) : path;
     }
 
-    /// A stream with a descriptor of its own, so that it can be closed while the directory is open.
-    static DirectoryStream streamOf(int directory) {
-        FileDescriptor own(::fcntl(directory, F_DUPFD_CLOEXEC, 0));
-        if (!own.isOpen()) return nullptr;
-        DirectoryStream stream(::fdopendir(own.number()));
-        if (!stream) return nullptr;
-        own.release();
-        return stream;
-    }
-
-    static bool isDirectory(int directory, const dirent& entry) {
-        if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
-        struct stat status {};  // some file systems do not say
-        return ::fstatat(directory, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-               S_ISDIR(status.st_mode);
-    }
-
-    /// Opens the last level again, and with it those above that may be open. If one of them is not
-    /// there any more, reports so and gives up what is left of the last level.
-    bool reopen() {
-        const std::size_t last = levels_.size() - 1;
-        FileDescriptor passing;  // a level that is not to stay open
-        int parent = levels_.front().directory.number();
-        for (std::size_t i = 1; i <= last; ++i) {
-            const Level& above = levels_[i - 1];
-            FileDescriptor child =
-                openDirectory(parent, above.subdirectories[above.next - 1], O_NOFOLLOW);
-            if (!child.isOpen()) {
-                reportError();
-                levels_[last].next = levels_[last].subdirectories.size();
-                return false;
-            }
-            FileDescriptor& place = i + kMaxOpen > last ? levels_[i].directory : passing;
-            place = std::move(child);
-            parent = place.number();
-        }
-        return true;
-    }
-
-    void reportError() { onError_(path_, std::generic_category().message(errno)); }
-
+    DirectoryReader reader_;
     const PathVisitor& onPath_;
     const ErrorVisitor& onError_;
-    std::string path_;                // of the directory or file at hand
-    std::vector<Level> levels_;       // from the root down
-    std::vector<std::string> files_;  // of the directory that was read last
+    const unsigned threadCount_;
+    std::string path_;                    // of the directory or file at hand
+    std::list<WalkedDirectory> entered_;  // from the root to the directory at hand
+
+    std::mutex mutex_;  // guards what follows, and the states of all directories
+    std::condition_variable workThere_;
+    std::condition_variable firstIsRead_;
+    std::list<WalkedDirectory> ahead_;
+    std::size_t directoriesAhead_ = 0;  // of `ahead_`, those not unread
+    std::size_t namesAhead_ = 0;        // of files in them
+    bool isOver_ = false;
+
+    std::vector<std::jthread> helpers_;  // last, so that they end first
 };
 
 }  // namespace
 
-void walkDirectory(const std::string& root, const PathVisitor& onPath,
+void walkDirectory(const std::string& root, const WalkOptions& options, const PathVisitor& onPath,
                    const ErrorVisitor& onError) {
-    Walk(onPath, onError).run(root);
+    Walk(options, onPath, onError).run(root);
 }
 
 }  // namespace zqpaths

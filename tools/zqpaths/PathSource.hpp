@@ -2,7 +2,7 @@
 // PathSource gives the paths of directories or of a list, in the same order each time it is asked:
 // the first time to count their characters, the second to add them.
 //
-//     const std::unique_ptr<PathSource> source = openSource(options.source, messages);
+//     const std::unique_ptr<PathSource> source = openSource(options.source);
 //     source->visit([](std::string_view path) { ... });
 //     source->visit([](std::string_view path) { ... });
 //
@@ -25,15 +25,17 @@ public:
     PathSource& operator=(const PathSource&) = delete;
     virtual ~PathSource() = default;
 
-    /// Throws Failure kFailed: a list that cannot be read, or, with its line, that holds an empty
-    /// path or a NUL; a directory that is none.
+    /// Gives the paths as they are by now; directories and lists may have changed since the last
+    /// visit. Throws Failure kFailed for a list that cannot be read, or, with its line, that holds
+    /// an empty path or a NUL.
     virtual void visit(const std::function<void(std::string_view path)>& visitor) = 0;
 
-    /// What could not be read in the last visit; each was reported on standard error.
+    /// The directories that could not be read in the last visit; each was reported once on standard
+    /// error.
     virtual std::uint64_t unreadableCount() const noexcept = 0;
 };
 
-std::unique_ptr<PathSource> openSource(const SourceOptions& options,
-                                       const MessageOptions& messages);
+/// Throws Failure kFailed if the list cannot be read or one of the directories is none.
+std::unique_ptr<PathSource> openSource(const SourceOptions& options);
 
 }  // namespace zqpaths

@@ -25,10 +25,10 @@ struct Walked {
     std::vector<std::string> errors;  // "PATH: REASON"
 };
 
-Walked walk(const std::string& root) {
+Walked walk(const std::string& root, const WalkOptions& options = {}) {
     Walked walked;
     walkDirectory(
-        root, [&](std::string_view path) { walked.paths.emplace_back(path); },
+        root, options, [&](std::string_view path) { walked.paths.emplace_back(path); },
         [&](std::string_view path, std::string_view reason) {
             walked.errors.push_back(std::string(path).append(": ").append(reason));
         });
@@ -183,7 +183,7 @@ TEST(DirectoryWalk, reportsDirectoriesThatVanishDuringTheWalkAndGoesOn) {
     std::vector<std::string> paths;
     std::size_t errorCount = 0;
     walkDirectory(
-        tree.path(),
+        tree.path(), {},
         [&](std::string_view path) {
             // At the lowest file the way back up is taken away, from the second level down.
             if (paths.empty())

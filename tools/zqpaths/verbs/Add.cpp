@@ -1,10 +1,56 @@
-#include "tools/zqpaths/Failure.hpp"
+#include <algorithm>
+#include <vector>
+
+#include "tools/zqpaths/PathSetClass.hpp"
+#include "tools/zqpaths/SavedSet.hpp"
+#include "tools/zqpaths/SetBuilding.hpp"
+#include "tools/zqpaths/SetFile.hpp"
+#include "tools/zqpaths/SetSources.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
 namespace zqpaths {
+namespace {
 
-ExitStatus runAdd(const AddOptions& /*options*/, const MessageOptions& /*messages*/) {
-    throw Failure(ExitStatus::kFailed, "not there yet");
+bool canHold(const PathSet& set, const CharacterCounts& counted) {
+    const std::u16string characters = set.characters();
+    return std::ranges::all_of(counted.characters(), [&](char16_t character) {
+        return characters.find(character) != std::u16string::npos;
+    });
+}
+
+/// A set whose frequencies are not known keeps it so.
+void updateFrequencies(PathSet& set, const CharacterCounts& added) {
+    const std::u16string characters = set.characters();
+    std::vector<double> frequencies = set.frequencies();
+    if (frequencies.empty()) return;
+    for (std::size_t i = 0; i < characters.size(); ++i)
+        frequencies[i] += static_cast<double>(added.countOf(characters[i]));
+    set.setFrequencies(frequencies);
+}
+
+/// The saved set with the paths of the source behind its own.
+PathSet extend(const std::string& file, PathSource& source, const MessageOptions& messages) {
+    PathSet set = openSet(file);
+    const CharacterCounts counted = countCharacters(source, messages);
+    if (counted.pathCount() == 0) return set;
+    if (canHold(set, counted)) {
+        addPaths(set, source, counted, messages);
+        updateFrequencies(set, counted);
+        return set;
+    }
+    // The characters of a set are fixed when it is built.
+    ExtendedSetSource all(set, source);
+    return buildSet(all, messages).value();
+}
+
+}  // namespace
+
+ExitStatus runAdd(const AddOptions& options, const MessageOptions& messages) {
+    const std::unique_ptr<PathSource> source = openSource(options.source);
+    PathSet set = againWhilePathsChange([&] { return extend(options.set, *source, messages); });
+    SetFile::save(options.set, kPathSetClass, set.fields(), SetFile::Existing::kReplace);
+    tellSize(options.set, set, messages);
+    return statusAfter(*source, options.source.ignoreUnreadable);
 }
 
 }  // namespace zqpaths

@@ -1,13 +1,13 @@
-#include "examples/PrintableText.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
 
 #include <array>
-#include <cstdint>
+#include <cstddef>
 #include <cstdio>
 #include <vector>
 
 #include "tools/zqpaths/PathText.hpp"
 
-namespace examples {
+namespace zqpaths {
 namespace {
 
 constexpr std::size_t kMaxCharacters = 160;  // of a path that is written out in full
@@ -30,7 +30,7 @@ std::string takeCharacter(std::u16string_view& text) {
     if (isControl || isByte) return escapedByte(unit);
     if (unit == u'\\') return "\\\\";
     std::string bytes;
-    zqpaths::appendBytes(character, bytes);
+    appendBytes(character, bytes);
     // The control characters from U+0080 on, of which some terminals take the first one for ESC [.
     if (unit >= 0x80 && unit < 0xA0) return escapedByte(0xC2) + escapedByte(unit);
     return bytes;
@@ -38,9 +38,9 @@ std::string takeCharacter(std::u16string_view& text) {
 
 }  // namespace
 
-std::string printable(std::string_view path) {
+std::string printablePath(std::string_view path) {
     std::u16string text;
-    zqpaths::appendUtf16(path, text);
+    appendUtf16(path, text);
     std::vector<std::string> characters;
     for (std::u16string_view rest = text; !rest.empty();) characters.push_back(takeCharacter(rest));
 
@@ -49,7 +49,7 @@ std::string printable(std::string_view path) {
     for (std::size_t i = 0; i < characters.size(); ++i) {
         if (isLong && i == kMaxCharacters / 2) {
             const std::size_t leftOut = characters.size() - kMaxCharacters;
-            out.append(" ... ").append(grouped(leftOut)).append(" characters ... ");
+            out.append(" ... ").append(std::to_string(leftOut)).append(" characters ... ");
             i += leftOut;
         }
         out += characters[i];
@@ -57,16 +57,4 @@ std::string printable(std::string_view path) {
     return out;
 }
 
-std::string grouped(std::size_t number) {
-    std::string digits = std::to_string(number);
-    for (std::size_t i = digits.size(); i > 3;) digits.insert(i -= 3, 1, ',');
-    return digits;
-}
-
-std::string withDecimals(double number, int decimals) {
-    std::array<char, 64> text{};
-    static_cast<void>(std::snprintf(text.data(), text.size(), "%.*f", decimals, number));
-    return text.data();
-}
-
-}  // namespace examples
+}  // namespace zqpaths

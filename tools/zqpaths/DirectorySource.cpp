@@ -1,0 +1,48 @@
+#include "tools/zqpaths/DirectorySource.hpp"
+
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
+#include "tools/zqpaths/Progress.hpp"
+
+namespace zqpaths {
+namespace {
+
+void requireDirectory(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (!error && !std::filesystem::is_directory(status))
+        error = std::make_error_code(std::errc::not_a_directory);
+    if (error) throw Failure(ExitStatus::kFailed, printablePath(path) + ": " + error.message());
+}
+
+}  // namespace
+
+DirectorySource::DirectorySource(std::vector<std::string> directories, const WalkOptions& options)
+    : directories_(std::move(directories)), options_(options) {
+    for (const std::string& directory : directories_) requireDirectory(directory);
+}
+
+void DirectorySource::visit(const std::function<void(std::string_view path)>& visitor) {
+    unreadableCount_ = 0;
+    for (const std::string& directory : directories_)
+        walkDirectory(directory, options_, visitor,
+                      [this](std::string_view path, std::string_view reason) {
+                          ++unreadableCount_;
+                          tell(path, reason);
+                      });
+}
+
+void DirectorySource::tell(std::string_view path, std::string_view reason) {
+    std::string message = printablePath(path).append(": ").append(reason);
+    const auto [place, isNew] = told_.insert(std::move(message));
+    if (!isNew) return;
+    Progress::makeRoom();
+    static_cast<void>(std::fprintf(stderr, "zqpaths: %s\n", place->c_str()));
+}
+
+}  // namespace zqpaths

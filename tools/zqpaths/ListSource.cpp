@@ -1,0 +1,91 @@
+#include "tools/zqpaths/ListSource.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/TemporaryCopy.hpp"
+
+namespace zqpaths {
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{1} << 20;
+
+[[noreturn]] void failAt(const std::string& place) {
+    throw Failure(ExitStatus::kFailed, place + ": " + std::generic_category().message(errno));
+}
+
+bool isStandardInput(const std::string& fileName) {
+    return fileName == "-";
+}
+
+FileDescriptor openList(const std::string& fileName, const std::string& name) {
+    FileDescriptor file(isStandardInput(fileName) ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                                  : ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC));
+    struct stat status {};
+    if (!file.isOpen() || ::fstat(file.number(), &status) != 0) failAt(name);
+    const bool canBeReadAgain = S_ISREG(status.st_mode) && !isStandardInput(fileName);
+    return canBeReadAgain ? std::move(file) : temporaryCopy(file.number(), name);
+}
+
+}  // namespace
+
+ListSource::ListSource(const std::string& fileName, bool nulDelimited)
+    : name_(isStandardInput(fileName) ? "standard input" : fileName),
+      delimiter_(nulDelimited ? '\0' : '\n'),
+      file_(openList(fileName, name_)) {}
+
+void ListSource::visit(const std::function<void(std::string_view path)>& visitor) {
+    std::vector<char> buffer(kBufferSize);
+    std::size_t heldCount = 0;  // bytes at the front of the buffer: a path without its end
+    std::uint64_t offset = 0;
+    std::uint64_t number = 0;
+    const auto give = [&](std::string_view path) {
+        requirePath(path, ++number);
+        visitor(path);
+    };
+    while (true) {
+        if (heldCount == buffer.size()) buffer.resize(2 * buffer.size());
+        const std::size_t readCount = readAt(offset, std::span(buffer).subspan(heldCount));
+        if (readCount == 0) break;
+        offset += readCount;
+
+        std::string_view rest(buffer.data(), heldCount + readCount);
+        for (std::size_t end = rest.find(delimiter_, heldCount); end != std::string_view::npos;
+             end = rest.find(delimiter_)) {
+            give(rest.substr(0, end));
+            rest.remove_prefix(end + 1);
+        }
+        heldCount = rest.size();
+        std::memmove(buffer.data(), rest.data(), heldCount);
+    }
+    if (heldCount > 0) give({buffer.data(), heldCount});
+}
+
+std::size_t ListSource::readAt(std::uint64_t offset, std::span<char> bytes) const {
+    while (true) {
+        const ssize_t count =
+            ::pread(file_.number(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        if (count >= 0) return static_cast<std::size_t>(count);
+        if (errno != EINTR) failAt(name_);
+    }
+}
+
+void ListSource::requirePath(std::string_view path, std::uint64_t number) const {
+    const char* const unit = delimiter_ == '\n' ? ": line " : ": path ";
+    if (path.empty())
+        throw Failure(ExitStatus::kFailed, name_ + unit + std::to_string(number) + " is empty");
+    if (path.find('\0') != std::string_view::npos)
+        throw Failure(ExitStatus::kFailed, name_ + unit + std::to_string(number) +
+                                               " holds a NUL, which no path can; -0 is for paths "
+                                               "that end with one");
+}
+
+}  // namespace zqpaths
