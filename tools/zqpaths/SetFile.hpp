@@ -1,12 +1,13 @@
 #pragma once
 // SetFile is a saved set on disk: a database that holds, for each saved object, its class name and
-// its fields, each field as an array in parts with a checksum a part.
+// its fields, each field as an array in parts with a checksum a part. docs/zqp.md describes it.
 //
 //     SetFile::save("paths.zqp", kPathSetClass, set.fields(), SetFile::Existing::kRefuse);
 //     SetFile::Content content = SetFile::load("paths.zqp");
 //
 // Saving replaces what is there in one transaction: after a crash at any moment the file holds the
-// old object or the new one. Readers read on meanwhile.
+// old object or the new one. Readers read on meanwhile. A file that is new appears when it is
+// whole.
 
 #include <cstdint>
 #include <string>
@@ -27,15 +28,23 @@ public:
 
     /// What is wrong with a part of a file.
     struct Damage {
-        std::string field;
+        std::string field;     // empty for what is beside the fields
         std::uint64_t offset;  // of the part in the field's bytes
         std::string reason;
     };
 
-    /// Throws Failure: kFailed if the file is there and must not be replaced, is no set, cannot be
-    /// written or is held by another program, which is then named; the old content stays.
+    /// Saves a structure of character rows, uint8 columns and double columns. Throws Failure:
+    /// kFailed if the file is there and must not be replaced, is no set, cannot be written or is
+    /// held by another program, which is then named, or if a field is another array; kDamaged if
+    /// the file's own pages are damaged. The old content stays then.
+    ///
+    /// SIGINT, SIGTERM and SIGHUP wait until the new content is whole or the old one back.
     static void save(const std::string& path, const std::string& className,
                      const korvex::Array& fields, Existing existing);
+
+    /// Throws Failure kFailed if there is a file, as save does with kRefuse: for who would find out
+    /// before long work.
+    static void requireAbsent(const std::string& path);
 
     /// Throws Failure: kFailed if the file cannot be read or is no set, kDamaged with field and
     /// offset of the first damage.
@@ -43,6 +52,9 @@ public:
 
     /// All damages of a file that can be opened. Throws Failure as load does, save for damages.
     static std::vector<Damage> check(const std::string& path);
+
+    /// "field PathTree, byte 1048576: the checksum differs".
+    static std::string describe(const Damage& damage);
 };
 
 }  // namespace zqpaths

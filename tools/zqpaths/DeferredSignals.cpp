@@ -1,0 +1,53 @@
+#include "tools/zqpaths/DeferredSignals.hpp"
+
+#include <atomic>
+#include <string>
+
+#include "tools/zqpaths/Failure.hpp"
+
+namespace zqpaths {
+namespace {
+
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+std::atomic<int> noted{0};  // the first signal that came, 0 for none
+static_assert(std::atomic<int>::is_always_lock_free, "a handler must not wait");
+
+extern "C" void note(int signal) {
+    int none = 0;
+    noted.compare_exchange_strong(none, signal);
+}
+
+}  // namespace
+
+DeferredSignals::DeferredSignals() {
+    noted = 0;
+    struct sigaction noting {};
+    noting.sa_handler = note;
+    noting.sa_flags = SA_RESTART;
+    sigemptyset(&noting.sa_mask);
+    for (const int signal : kSignals) {
+        struct sigaction current {};
+        sigaction(signal, nullptr, &current);
+        if (current.sa_handler == SIG_IGN) continue;  // as under nohup
+        replaced_.push_back({signal, current});
+        sigaction(signal, &noting, nullptr);
+    }
+}
+
+DeferredSignals::~DeferredSignals() {
+    for (const Replaced& replaced : replaced_)
+        sigaction(replaced.signal, &replaced.action, nullptr);
+    if (noted != 0) raise(noted);
+}
+
+bool DeferredSignals::hasOneCome() const noexcept {
+    return noted != 0;
+}
+
+void DeferredSignals::throwIfOneCame() const {
+    if (hasOneCome())
+        throw Failure(ExitStatus::kFailed, "ended by signal " + std::to_string(noted));
+}
+
+}  // namespace zqpaths
