@@ -34,12 +34,14 @@ korvex::Array PathBatch::takeFiles() {
         lists.push_back(korvex::cell(std::move(names)));
     files_.clear();
     pathCount_ = 0;
+    characterCount_ = 0;
     return korvex::cell(std::move(lists));
 }
 
 korvex::Array PathBatch::toArray(std::string_view name) {
     text_.clear();
     appendUtf16(name, text_);
+    characterCount_ += text_.size();
     return korvex::text(text_);
 }
 

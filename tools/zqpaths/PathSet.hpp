@@ -6,7 +6,7 @@
 //     characters.count(path);  // all that will be added
 //     PathSet set(characters);
 //     PathBatch batch;
-//     batch.append(path);      // up to PathBatch::kMaxPaths
+//     batch.append(path);      // until it is full
 //     set.add(batch);
 //     set.get(1, set.size(), [](std::uint64_t number, std::string_view path) { ... });
 //

@@ -4,9 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <random>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -109,8 +112,10 @@ TEST(DirectoryWalk, goesThreeThousandLevelsDownAndBackWithFewOpenFiles) {
     rlimit few = before;
     few.rlim_cur = 100;
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
-    const Walked walked = walk(tree.path());
+    const Walked walked = walk(tree.path(), {.jobs = 4});
+    const Walked alone = walk(tree.path());
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(walked.paths, alone.paths);
 
     EXPECT_THAT(walked.errors, IsEmpty());
     const std::vector<std::string> names = below(tree, walked);
@@ -174,6 +179,109 @@ TEST(DirectoryWalk, listsADirectoryThatCannotBeEntered) {
     const Walked walked = walk(tree.path());
     EXPECT_THAT(below(tree, walked), ElementsAre("z", "listed/x"));
     EXPECT_THAT(walked.errors, ElementsAre(tree.pathOf("listed/sub") + ": Permission denied"));
+}
+
+TEST(DirectoryWalk, givesTheSameForAnyNumberOfThreads) {
+    const TemporaryTree tree;
+    std::mt19937 random(7);
+    const auto name = [&random] { return std::string(1, static_cast<char>('a' + random() % 6)); };
+    for (int i = 0; i < 2000; ++i) {
+        std::string folder = name();
+        for (auto depth = random() % 5; depth > 0; --depth) folder += "/" + name();
+        tree.addFile(folder + "/" + std::to_string(random() % 100));
+    }
+    tree.allow("b", 0);
+    const OrdinaryUser user;
+    const Walked alone = walk(tree.path());
+    ASSERT_GT(alone.paths.size(), 1000U);
+    for (const unsigned jobs : {0U, 2U, 3U, 8U, 1000U}) {
+        const Walked together = walk(tree.path(), {.jobs = jobs});
+        EXPECT_EQ(together.paths, alone.paths) << jobs;
+        EXPECT_EQ(together.errors, alone.errors) << jobs;
+    }
+}
+
+TEST(DirectoryWalk, endsWithItsThreadsWhenACallbackThrows) {
+    const TemporaryTree tree;
+    for (int i = 0; i < 200; ++i) tree.addFile(std::to_string(i) + "/a/x");
+    std::size_t count = 0;
+    const auto throwAtTheTenth = [&count](std::string_view) {
+        if (++count == 10) throw std::runtime_error("enough");
+    };
+    EXPECT_THROW(walkDirectory(tree.path(), {.jobs = 4}, throwAtTheTenth,
+                               [](std::string_view, std::string_view) { FAIL(); }),
+                 std::runtime_error);
+    EXPECT_EQ(count, 10U);
+}
+
+TEST(DirectoryWalk, leavesOutHiddenNamesBelowTheRoot) {
+    const TemporaryTree tree;
+    for (const char* name : {".root/.x", ".root/.a/y", ".root/b/z", ".root/b/.z", ".root/..."})
+        tree.addFile(name);
+    const std::string root = tree.pathOf(".root");
+    EXPECT_THAT(walk(root, {.skipHidden = true}).paths, ElementsAre(root + "/b/z"));
+    EXPECT_EQ(walk(root).paths.size(), 5U);
+}
+
+TEST(DirectoryWalk, followsLinksToDirectoriesInTheOrderOfTheirNames) {
+    const TemporaryTree tree;
+    for (const char* name : {"root/a/x", "root/c/x", "other/y"}) tree.addFile(name);
+    tree.addSymbolicLink("root/b", "../other");
+    tree.addSymbolicLink("root/file", "a/x");
+    tree.addSymbolicLink("root/nowhere", "none");
+    const Walked walked = walk(tree.pathOf("root"), {.follow = true, .jobs = 2});
+    EXPECT_THAT(below(tree, walked),
+                ElementsAre("root/file", "root/nowhere", "root/a/x", "root/b/y", "root/c/x"));
+    EXPECT_THAT(walked.errors, IsEmpty());
+}
+
+TEST(DirectoryWalk, reportsALoopOfLinksAndGoesOn) {
+    const TemporaryTree tree;
+    for (const char* name : {"a/root/x", "a/root/z/x"}) tree.addFile(name);
+    tree.addSymbolicLink("a/root/self", ".");
+    tree.addSymbolicLink("a/root/up", "..");
+    const std::string root = tree.pathOf("a/root");
+    const Walked walked = walk(root, {.follow = true});
+    EXPECT_THAT(below(tree, walked), ElementsAre("a/root/x", "a/root/z/x"));
+    EXPECT_THAT(walked.errors,
+                ElementsAre(root + "/self: is " + root + ", in which it is: a loop",
+                            root + "/up/root: is " + root + ", in which it is: a loop"));
+}
+
+TEST(DirectoryWalk, reportsALinkThatLeadsBackBelowTheRoot) {
+    const TemporaryTree tree;
+    tree.addFile("a/b/x");
+    tree.addSymbolicLink("a/b/up", "..");
+    const std::string a = tree.pathOf("a");
+    const Walked walked = walk(tree.path(), {.follow = true});
+    EXPECT_THAT(below(tree, walked), ElementsAre("a/b/x"));
+    EXPECT_THAT(walked.errors, ElementsAre(a + "/b/up: is " + a + ", in which it is: a loop"));
+}
+
+TEST(DirectoryWalk, givesWhatTwoLinksLeadToTwice) {
+    const TemporaryTree tree;
+    tree.addFile("data/x");
+    tree.addSymbolicLink("one", "data");
+    tree.addSymbolicLink("two", "data");
+    const Walked walked = walk(tree.path(), {.follow = true});
+    EXPECT_THAT(below(tree, walked), ElementsAre("data/x", "one/x", "two/x"));
+    EXPECT_THAT(walked.errors, IsEmpty());
+}
+
+TEST(DirectoryWalk, staysOnTheFileSystemOfTheRoot) {
+    struct stat treeStatus {};
+    struct stat otherStatus {};
+    const TemporaryTree tree;
+    ASSERT_EQ(::stat(tree.path().c_str(), &treeStatus), 0);
+    if (::stat("/proc/self/fd", &otherStatus) != 0 || otherStatus.st_dev == treeStatus.st_dev)
+        GTEST_SKIP() << "there is no second file system here";
+    tree.addFile("a/x");
+    tree.addSymbolicLink("other", "/proc/self/fd");
+    const WalkOptions options{.follow = true, .oneFileSystem = true};
+    const Walked walked = walk(tree.path(), options);
+    EXPECT_THAT(below(tree, walked), ElementsAre("a/x"));
+    EXPECT_THAT(walked.errors, IsEmpty());
+    EXPECT_GT(walk(tree.path(), {.follow = true}).paths.size(), 1U);
 }
 
 TEST(DirectoryWalk, reportsDirectoriesThatVanishDuringTheWalkAndGoesOn) {
