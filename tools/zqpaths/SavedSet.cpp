@@ -4,19 +4,28 @@
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/PathSetClass.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/SetFile.hpp"
 
 namespace zqpaths {
 
 PathSet openSet(const std::string& file) {
+    return restoreSet(file, loadFields(file));
+}
+
+korvex::Array loadFields(const std::string& file) {
     SetFile::Content content = SetFile::load(file);
     if (content.className != kPathSetClass)
-        throw Failure(ExitStatus::kFailed,
-                      file + ": holds an object of " + content.className + ", no set of paths");
+        throw Failure(ExitStatus::kFailed, printablePath(file) + ": holds an object of " +
+                                               content.className + ", no set of paths");
+    return std::move(content.fields);
+}
+
+PathSet restoreSet(const std::string& file, korvex::Array fields) {
     try {
-        return PathSet::restored(std::move(content.fields));
+        return PathSet::restored(std::move(fields));
     } catch (const Failure& failure) {
-        throw Failure(failure.status(), file + ": " + failure.what());
+        throw Failure(failure.status(), printablePath(file) + ": " + failure.what());
     }
 }
 

@@ -7,8 +7,14 @@
 
 namespace zqpaths {
 
-/// Throws Failure as SetFile::load and PathSet::restored do, and kFailed if the file holds an
-/// object of another class.
+/// The set in a file. Throws Failure as loadFields and restoreSet do.
 PathSet openSet(const std::string& file);
+
+/// What is saved of the set in a file: PathSet::fields(). Throws Failure as SetFile::load does, and
+/// kFailed if the file holds an object of another class.
+korvex::Array loadFields(const std::string& file);
+
+/// The set of these fields. Throws Failure as PathSet::restored does, the file in front.
+PathSet restoreSet(const std::string& file, korvex::Array fields);
 
 }  // namespace zqpaths

@@ -1,0 +1,111 @@
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <string_view>
+
+#include "tools/zqpaths/Base64.hpp"
+#include "tools/zqpaths/FolderText.hpp"
+#include "tools/zqpaths/PathText.hpp"
+#include "tools/zqpaths/SetReport.hpp"
+
+namespace zqpaths {
+namespace {
+
+using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
+
+void putText(Writer& writer, std::string_view text) {
+    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+}
+
+void put(Writer& writer, std::string_view key, std::uint64_t value) {
+    putText(writer, key);
+    writer.Uint64(value);
+}
+
+void put(Writer& writer, std::string_view key, const std::optional<double>& value) {
+    putText(writer, key);
+    if (value) {
+        writer.Double(*value);
+    } else {
+        writer.Null();
+    }
+}
+
+/// A name, and under `bytesKey` its bytes if they are not UTF-8.
+void putName(Writer& writer, std::string_view key, std::string_view bytesKey,
+             std::string_view name) {
+    std::string readable;
+    appendReadable(name, readable);
+    putText(writer, key);
+    putText(writer, readable);
+    if (utf8Prefix(name) == name.size()) return;
+    putText(writer, bytesKey);
+    putText(writer, toBase64(name));
+}
+
+void putSection(Writer& writer, std::string_view key, const SavedForm::Section& section) {
+    putText(writer, key);
+    writer.StartObject();
+    put(writer, "bytes", section.byteSize);
+    put(writer, "saved", section.savedSize);
+    writer.EndObject();
+}
+
+void putSaved(Writer& writer, const SetReport& report) {
+    putText(writer, "saved");
+    writer.StartObject();
+    put(writer, "file", report.fileSize);
+    put(writer, "form", report.form.savedSize);
+    put(writer, "characters", report.characterBytes);
+    putSection(writer, "shape", report.form.shape);
+    putSection(writer, "structure", report.form.structure);
+    putSection(writer, "names", report.form.keys);
+    putSection(writer, "index", report.form.index);
+    writer.EndObject();
+}
+
+void putTrie(Writer& writer, const SetReport& report) {
+    const TrieOutline& trie = report.form.trie;
+    putText(writer, "tree");
+    writer.StartObject();
+    put(writer, "nodes", trie.nodeCount);
+    put(writer, "folders", trie.folderCount);
+    put(writer, "files", trie.fileCount);
+    put(writer, "depth", trie.depth);
+    put(writer, "widest", trie.widest);
+    writer.EndObject();
+}
+
+void putFolders(Writer& writer, const SetReport& report) {
+    putText(writer, "largestFolders");
+    writer.StartArray();
+    for (const SavedForm::Folder& folder : report.form.largestFolders) {
+        writer.StartObject();
+        putName(writer, "folder", "bytes", folderText(folder.components));
+        put(writer, "files", folder.fileCount);
+        writer.EndObject();
+    }
+    writer.EndArray();
+}
+
+}  // namespace
+
+std::string reportJson(const SetReport& report) {
+    rapidjson::StringBuffer text;
+    Writer writer(text);
+    writer.StartObject();
+    putName(writer, "set", "setBytes", report.file);
+    put(writer, "paths", report.pathCount);
+    put(writer, "textBytes", report.textSize);
+    put(writer, "characters", report.characterCount);
+    put(writer, "charactersOfNames", report.codedCount);
+    put(writer, "bitsACharacter", report.bitsACharacter);
+    put(writer, "entries", report.form.entryCount);
+    putTrie(writer, report);
+    putSaved(writer, report);
+    putFolders(writer, report);
+    writer.EndObject();
+    return {text.GetString(), text.GetSize()};
+}
+
+}  // namespace zqpaths
