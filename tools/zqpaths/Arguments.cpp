@@ -22,6 +22,7 @@ struct Verb {
     CLI::App* app;
     std::string synopsis;
     std::string example;
+    std::vector<std::string> words;
     std::function<ExitStatus()> run;
 };
 
@@ -85,7 +86,7 @@ void addSource(CLI::App& verb, SourceOptions& source) {
                         "directories to walk: all in them that is no directory is taken")
             ->option_text(kNoTypeText);
     auto* list = verb.add_option("--list", source.list, "the paths in FILE, - for standard input")
-                     ->option_text("FILE")
+                     ->option_text(kFileValue)
                      ->excludes(directories);
     verb.add_flag("-0,--null", source.nulDelimited, "the paths of the list end with NUL")
         ->needs(list);
@@ -104,13 +105,14 @@ void addSource(CLI::App& verb, SourceOptions& source) {
 void addRawPieces(CLI::App& verb, std::string& treeString, std::string& pathTree) {
     verb.add_option("--tree-string", treeString, "the characters, UTF-16 in little-endian order")
         ->required()
-        ->option_text("FILE");
+        ->option_text(kFileValue);
     verb.add_option("--path-tree", pathTree, "the saved form of the paths")
         ->required()
-        ->option_text("FILE");
+        ->option_text(kFileValue);
 }
 
 Parser::Parser() : app_(kSummary, kName) {
+    app_.set_help_flag("-h,--help", "print this help");
     app_.set_version_flag("--version", std::string(kName) + " " ZQ_VERSION, "print the version");
     app_.require_subcommand(1);
     addIndexing();
@@ -130,8 +132,9 @@ void Parser::addVerb(const char* name, const char* synopsis, const char* summary
     CLI::App* const verb = app_.add_subcommand(name, summary);
     verb->footer(std::string("Example:\n  ") + example);
     declare(*verb, *options, *messages);
-    verbs_.push_back(
-        {verb, synopsis, example, [options, messages, run] { return run(*options, *messages); }});
+    verbs_.push_back({verb, synopsis, example, {}, [options, messages, run] {
+                          return run(*options, *messages);
+                      }});
 }
 
 void Parser::addIndexing() {
@@ -214,7 +217,8 @@ void Parser::addSelecting() {
             "zqpaths sample usr.zqp -n 10 --seed 7", runSample,
             [](CLI::App& verb, SampleOptions& options, MessageOptions& messages) {
                 addSet(verb, options.set);
-                verb.add_option("-n,--count", options.count, "how many, each at most once")
+                verb.add_option("-n,--count", options.count,
+                                "how many, each at most once; all if there are fewer")
                     ->required()
                     ->option_text("K");
                 addSeed(verb, options.seed);
@@ -234,7 +238,8 @@ void Parser::addSelecting() {
         "zqpaths split usr.zqp --rank 0 --of 4", runSplit,
         [](CLI::App& verb, SplitOptions& options, MessageOptions& messages) {
             addSet(verb, options.set);
-            verb.add_option("--rank", options.rank, "which reader, from 0")
+            verb.add_option("--rank", options.rank,
+                            "which reader, from 0: number k is for k - 1 modulo N")
                 ->required()
                 ->option_text("R");
             verb.add_option("--of", options.of, "how many readers")->required()->option_text("N");
@@ -309,6 +314,7 @@ void Parser::addDocuments() {
                     ->option_text(kNoTypeText)
                     ->check(CLI::IsMember(documentKinds()));
             });
+    verbs_.back().words = documentKinds();
 }
 
 std::function<ExitStatus()> Parser::parse(int argumentCount, const char* const* arguments) {
@@ -336,8 +342,12 @@ std::function<ExitStatus()> Parser::parse(int argumentCount, const char* const* 
 ProgramTable Parser::table() const {
     ProgramTable table{kName, ZQ_VERSION, kSummary, {}};
     for (const Verb& verb : verbs_) {
-        VerbText text{
-            verb.app->get_name(), verb.synopsis, verb.app->get_description(), verb.example, {}};
+        VerbText text{verb.app->get_name(),
+                      verb.synopsis,
+                      verb.app->get_description(),
+                      verb.example,
+                      {},
+                      verb.words};
         for (const CLI::Option* option : verb.app->get_options()) {
             if (option->nonpositional()) {
                 OptionText shown{{}, "", option->get_description()};

@@ -6,6 +6,9 @@
 
 namespace zqpaths {
 
+/// The value of an option that takes a file; shells complete its name.
+inline constexpr const char* kFileValue = "FILE";
+
 struct OptionText {
     std::vector<std::string> names;  // "-j", "--jobs"
     std::string value;               // what follows the name, empty for a switch
@@ -14,10 +17,11 @@ struct OptionText {
 
 struct VerbText {
     std::string name;
-    std::string synopsis;  // what follows the verb: "SET DIR…"
+    std::string synopsis;  // what follows the verb: "SET DIR..."
     std::string summary;
     std::string example;
     std::vector<OptionText> options;
+    std::vector<std::string> words;  // what its argument can be, if these are few
 };
 
 struct ProgramTable {
