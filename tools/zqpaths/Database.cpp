@@ -6,7 +6,6 @@
 #include <new>
 #include <system_error>
 #include <thread>
-#include <utility>
 
 namespace zqpaths {
 namespace {
@@ -56,8 +55,7 @@ void Database::Closer::operator()(sqlite3* connection) const noexcept {
     sqlite3_close_v2(connection);
 }
 
-Database::Database(const std::string& path, Access access, std::function<bool()> mayWait)
-    : mayWait_(std::move(mayWait)) {
+Database::Database(const std::string& path, Access access, MayWait mayWait) : mayWait_(mayWait) {
     // Readers ask for writing, too: they have to take back a save that was cut off. Where the file
     // must not be written, it is opened for reading all the same.
     sqlite3* connection = nullptr;

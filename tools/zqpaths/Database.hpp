@@ -12,7 +12,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <stdexcept>
@@ -50,11 +49,12 @@ public:
     /// holds readers up for a second or two.
     static constexpr std::chrono::milliseconds kPatience{5'000};
 
-    /// Opens a file that is there. `mayWait` is asked while a call waits for another program; the
-    /// call fails as kBusy when it says no.
+    /// Asked while a call waits for another program; the call fails as kBusy when it says no.
+    using MayWait = bool (*)() noexcept;
+
+    /// Opens a file that is there.
     Database(
-        const std::string& path, Access access,
-        std::function<bool()> mayWait = [] { return true; });
+        const std::string& path, Access access, MayWait mayWait = []() noexcept { return true; });
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
     ~Database();
@@ -79,7 +79,7 @@ private:
         void operator()(sqlite3* connection) const noexcept;
     };
 
-    std::function<bool()> mayWait_;
+    MayWait mayWait_;
     std::chrono::steady_clock::time_point waitingSince_;
     std::unique_ptr<sqlite3, Closer> connection_;
 };

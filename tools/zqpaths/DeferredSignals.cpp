@@ -38,14 +38,14 @@ DeferredSignals::DeferredSignals() {
 DeferredSignals::~DeferredSignals() {
     for (const Replaced& replaced : replaced_)
         sigaction(replaced.signal, &replaced.action, nullptr);
-    if (noted != 0) raise(noted);
+    if (const int signal = noted.exchange(0); signal != 0) raise(signal);
 }
 
-bool DeferredSignals::hasOneCome() const noexcept {
+bool DeferredSignals::hasOneCome() noexcept {
     return noted != 0;
 }
 
-void DeferredSignals::throwIfOneCame() const {
+void DeferredSignals::throwIfOneCame() {
     if (hasOneCome())
         throw Failure(ExitStatus::kFailed, "ended by signal " + std::to_string(noted));
 }

@@ -2,9 +2,9 @@
 // DeferredSignals lets work that must not be cut off clean up first: while it lives, SIGINT,
 // SIGTERM and SIGHUP are only noted; when it is destroyed, one that came does what it does.
 //
-//     DeferredSignals signals;
+//     const DeferredSignals signals;
 //     while (...) {
-//         signals.throwIfOneCame();  // between two steps
+//         DeferredSignals::throwIfOneCame();  // between two steps
 //         step();
 //     }
 //
@@ -25,10 +25,11 @@ public:
     DeferredSignals& operator=(const DeferredSignals&) = delete;
     ~DeferredSignals();
 
-    bool hasOneCome() const noexcept;
+    /// Whether one came that waits for the end of an object; false if there is none.
+    static bool hasOneCome() noexcept;
 
     /// Throws Failure kFailed if one came; nobody reads it if the signal then ends the process.
-    void throwIfOneCame() const;
+    static void throwIfOneCame();
 
 private:
     struct Replaced {

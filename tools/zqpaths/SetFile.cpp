@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <memory>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -73,12 +74,15 @@ StoredObject describeObject(const std::string& className, const kxArray* structu
     return object;
 }
 
-/// What is to be saved, and the signals that may cut it off.
+/// What is to be saved.
 struct Saving {
-    const StoredObject& object;
+    StoredObject object;
     const kxArray* structure;
-    const DeferredSignals& signals;
 };
+
+Saving describeSaving(const std::string& className, const korvex::Array& fields) {
+    return {describeObject(className, fields.get()), fields.get()};
+}
 
 /// Within a transaction. Throws Failure if a signal came.
 void write(Database& database, const Saving& saving) {
@@ -89,7 +93,7 @@ void write(Database& database, const Saving& saving) {
         for (std::uint64_t number = 0; number < partCount(field); ++number) {
             parts.add(field, number,
                       storedBytes(array, number * kPartSize, partSize(field, number)));
-            saving.signals.throwIfOneCame();
+            DeferredSignals::throwIfOneCame();
         }
     }
 }
@@ -106,24 +110,45 @@ bool makeFile(const std::string& path, const Saving& saving) {
         write(database, saving);
         database.run("COMMIT");
     }
-    saving.signals.throwIfOneCame();
+    DeferredSignals::throwIfOneCame();
     return file.publish();
 }
 
-void replaceContent(const std::string& path, const Saving& saving) {
-    Database database(path, Database::Access::kWrite,
-                      [&saving] { return !saving.signals.hasOneCome(); });
-    requireSet(database, path);
+bool mayWait() noexcept {
+    return !DeferredSignals::hasOneCome();
+}
+
+/// A set in which a transaction has begun that writes; other writers wait.
+std::unique_ptr<Database> openForWriting(const std::string& path) {
+    auto database = std::make_unique<Database>(path, Database::Access::kWrite, mayWait);
+    requireSet(*database, path);
     // A rollback journal, not a write-ahead log: a set is one file, which can be copied whenever
     // nobody writes it and read from media that cannot be written; a log stands in files beside it,
     // which even readers have to make. Readers have the file only while they load it. They read on
     // while the new pages gather in memory (no spilling, which would shut them out early), and wait
     // while the pages are written.
-    database.run("PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
-    database.run("PRAGMA cache_spill = OFF; BEGIN IMMEDIATE");
+    database->run("PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL");
+    database->run("PRAGMA cache_spill = OFF; BEGIN IMMEDIATE");
+    return database;
+}
+
+/// Without its end, closing the database takes all back.
+void replaceContent(Database& database, const Saving& saving) {
     clearTables(database);
     write(database, saving);
-    database.run("COMMIT");  // without it, closing the database takes all back
+    database.run("COMMIT");
+}
+
+/// Runs `work`, which writes, and then lets signals do what they do.
+template <class Work>
+void saveInTermsOfProgram(const std::string& path, const Work& work) {
+    const DeferredSignals signals;
+    try {
+        inTermsOfProgram(path, work);
+    } catch (const Failure&) {
+        DeferredSignals::throwIfOneCame();  // a wait that a signal ended fails, too
+        throw;
+    }
 }
 
 // --- Reading.
@@ -181,31 +206,20 @@ void findDamages(Database& database, std::vector<SetFile::Damage>& damages) {
 
 void SetFile::save(const std::string& path, const std::string& className,
                    const korvex::Array& fields, Existing existing) {
-    const StoredObject object = describeObject(className, fields.get());
-    const DeferredSignals signals;
-    const Saving saving{object, fields.get(), signals};
-    try {
-        inTermsOfProgram(path, [&] {
-            if (!isThere(path) && makeFile(path, saving)) return;
-            if (existing == Existing::kRefuse) requireAbsent(path);
-            replaceContent(path, saving);
-        });
-    } catch (const Failure&) {
-        signals.throwIfOneCame();  // a call that a signal ended fails as well
-        throw;
-    }
-}
-
-void SetFile::requireAbsent(const std::string& path) {
-    if (isThere(path)) fail(path, "is there already; --force replaces it");
+    const Saving saving = describeSaving(className, fields);
+    saveInTermsOfProgram(path, [&] {
+        if (!isThere(path) && makeFile(path, saving)) return;
+        if (existing == Existing::kRefuse) fail(path, "is there already; --force replaces it");
+        replaceContent(*openForWriting(path), saving);
+    });
 }
 
 SetFile::Content SetFile::load(const std::string& path) {
     requireThere(path);
     return inTermsOfProgram(path, [&path] {
-        Database database(path, Database::Access::kRead);
+        Database database(path, Database::Access::kRead, mayWait);
         requireSet(database, path);
-        database.run("BEGIN");
+        database.run("BEGIN");  // all is read as it was at one moment
         return readContent(database, path);
     });
 }
@@ -214,7 +228,7 @@ std::vector<SetFile::Damage> SetFile::check(const std::string& path) {
     requireThere(path);
     return inTermsOfProgram(path, [&path] {
         std::vector<Damage> damages;
-        Database database(path, Database::Access::kRead);
+        Database database(path, Database::Access::kRead, mayWait);
         try {
             requireSet(database, path);
             database.run("BEGIN");
@@ -231,6 +245,25 @@ std::string SetFile::describe(const Damage& damage) {
     if (damage.field.empty()) return damage.reason;
     return "field " + damage.field + ", byte " + std::to_string(damage.offset) + ": " +
            damage.reason;
+}
+
+SetFile::Update::Update(std::string path) : path_(std::move(path)) {
+    requireThere(path_);
+    database_ = inTermsOfProgram(path_, [this] { return openForWriting(path_); });
+}
+
+SetFile::Update::~Update() = default;
+
+SetFile::Content SetFile::Update::load() {
+    return inTermsOfProgram(path_, [this] { return readContent(*database_, path_); });
+}
+
+void SetFile::Update::save(const std::string& className, const korvex::Array& fields) {
+    const Saving saving = describeSaving(className, fields);
+    saveInTermsOfProgram(path_, [&] {
+        const std::unique_ptr<Database> database = std::move(database_);
+        replaceContent(*database, saving);
+    });
 }
 
 }  // namespace zqpaths

@@ -5,17 +5,27 @@
 //     SetFile::save("paths.zqp", kPathSetClass, set.fields(), SetFile::Existing::kRefuse);
 //     SetFile::Content content = SetFile::load("paths.zqp");
 //
+// Who saves what it makes of the old content holds the file meanwhile, so that no other save gets
+// lost:
+//
+//     SetFile::Update update("paths.zqp");  // other writers wait from here on
+//     SetFile::Content content = update.load();
+//     update.save(kPathSetClass, set.fields());
+//
 // Saving replaces what is there in one transaction: after a crash at any moment the file holds the
 // old object or the new one. Readers read on meanwhile. A file that is new appears when it is
 // whole.
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "host/runtime/Arrays.hpp"
 
 namespace zqpaths {
+
+class Database;
 
 class SetFile {
 public:
@@ -42,10 +52,6 @@ public:
     static void save(const std::string& path, const std::string& className,
                      const korvex::Array& fields, Existing existing);
 
-    /// Throws Failure kFailed if there is a file, as save does with kRefuse: for who would find out
-    /// before long work.
-    static void requireAbsent(const std::string& path);
-
     /// Throws Failure: kFailed if the file cannot be read or is no set, kDamaged with field and
     /// offset of the first damage.
     static Content load(const std::string& path);
@@ -55,6 +61,27 @@ public:
 
     /// "field PathTree, byte 1048576: the checksum differs".
     static std::string describe(const Damage& damage);
+
+    class Update;
+};
+
+/// Throws Failure as the calls of SetFile do. The file is let go when it is saved or the update is
+/// destroyed.
+class SetFile::Update {
+public:
+    explicit Update(std::string path);
+    Update(const Update&) = delete;
+    Update& operator=(const Update&) = delete;
+    ~Update();
+
+    Content load();
+
+    /// Once; the update is over then, also if it fails.
+    void save(const std::string& className, const korvex::Array& fields);
+
+private:
+    std::string path_;
+    std::unique_ptr<Database> database_;
 };
 
 }  // namespace zqpaths

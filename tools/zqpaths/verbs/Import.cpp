@@ -1,10 +1,42 @@
+#include <utility>
+
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/PathCheck.hpp"
+#include "tools/zqpaths/PathSet.hpp"
+#include "tools/zqpaths/PathSetClass.hpp"
+#include "tools/zqpaths/RawPiece.hpp"
+#include "tools/zqpaths/SetBuilding.hpp"
+#include "tools/zqpaths/SetFile.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
 namespace zqpaths {
+namespace {
 
-ExitStatus runImport(const ImportOptions& /*options*/, const MessageOptions& /*messages*/) {
-    throw Failure(ExitStatus::kFailed, "not there yet");
+/// The set of two pieces. How often each character occurs is in neither.
+PathSet restore(const ImportOptions& options) {
+    korvex::Array characters = readRawCharacters(options.treeString);
+    if (kxGetNumberOfElements(characters.get()) == 0)
+        throw Failure(ExitStatus::kDamaged, options.treeString + ": is empty");
+    korvex::Array structure(kxCreateStructure({1, 1}, {kTreeStringField, kPathTreeField}));
+    kxReplaceField(structure.get(), 0, kTreeStringField, characters.release());
+    kxReplaceField(structure.get(), 0, kPathTreeField, readRawBytes(options.pathTree).release());
+    try {
+        return PathSet::restored(std::move(structure));
+    } catch (const Failure& failure) {
+        throw Failure(failure.status(), options.pathTree + ": " + failure.what());
+    }
+}
+
+}  // namespace
+
+ExitStatus runImport(const ImportOptions& options, const MessageOptions& messages) {
+    requireRoomFor(options.set, options.force);
+    PathSet set = restore(options);
+    requireWholePaths(set, options.pathTree, messages);
+    SetFile::save(options.set, kPathSetClass, set.fields(),
+                  options.force ? SetFile::Existing::kReplace : SetFile::Existing::kRefuse);
+    tellSize(options.set, set, messages);
+    return ExitStatus::kDone;
 }
 
 }  // namespace zqpaths

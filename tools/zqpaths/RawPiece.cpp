@@ -1,0 +1,108 @@
+#include "tools/zqpaths/RawPiece.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <span>
+#include <system_error>
+#include <vector>
+
+#include "tools/zqpaths/DeferredSignals.hpp"
+#include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/FileDescriptor.hpp"
+#include "tools/zqpaths/NewFile.hpp"
+#include "tools/zqpaths/StoredArray.hpp"
+
+namespace zqpaths {
+namespace {
+
+constexpr std::uint64_t kBytesACall = std::uint64_t{1} << 20;
+
+[[noreturn]] void failOfSystem(const std::string& path) {
+    throw Failure(ExitStatus::kFailed, path + ": " + std::generic_category().message(errno));
+}
+
+FileDescriptor openFile(const std::string& path, const std::string& shownPath, int flags) {
+    const int opened = open(path.c_str(), flags | O_CLOEXEC);
+    if (opened < 0) failOfSystem(shownPath);
+    return FileDescriptor(opened);
+}
+
+void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> bytes,
+              const std::string& path) {
+    while (!bytes.empty()) {
+        const ssize_t count = write(file.number(), bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR) failOfSystem(path);
+        if (count > 0) bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+}
+
+void writeElements(const FileDescriptor& file, const kxArray* array, const std::string& path) {
+    const std::uint64_t size = formOf(array).value().byteCount();
+    for (std::uint64_t offset = 0; offset < size; offset += kBytesACall) {
+        writeAll(file, storedBytes(array, offset, std::min(kBytesACall, size - offset)), path);
+        DeferredSignals::throwIfOneCame();
+    }
+}
+
+/// A pipe or a device, which stays what it is.
+bool isNoRegularFile(const std::string& path) {
+    struct stat file {};
+    return stat(path.c_str(), &file) == 0 && !S_ISREG(file.st_mode);
+}
+
+std::vector<std::uint8_t> readAll(const std::string& path) {
+    const FileDescriptor file = openFile(path, path, O_RDONLY);
+    std::vector<std::uint8_t> bytes;
+    std::size_t size = 0;
+    while (true) {
+        bytes.resize(size + kBytesACall);
+        const ssize_t count = read(file.number(), bytes.data() + size, kBytesACall);
+        if (count < 0 && errno != EINTR) failOfSystem(path);
+        if (count == 0) break;
+        if (count > 0) size += static_cast<std::size_t>(count);
+    }
+    bytes.resize(size);
+    return bytes;
+}
+
+korvex::Array arrayOf(const std::vector<std::uint8_t>& bytes, const ArrayForm& form) {
+    korvex::Array array = makeArray(form);
+    restoreBytes(bytes, 0, array.get());
+    return array;
+}
+
+}  // namespace
+
+void writeRawPiece(const std::string& path, const kxArray* array) {
+    if (isNoRegularFile(path)) {
+        writeElements(openFile(path, path, O_WRONLY), array, path);
+        return;
+    }
+    const DeferredSignals signals;
+    NewFile file(path);
+    {
+        const FileDescriptor opened = openFile(file.temporaryPath(), path, O_WRONLY);
+        writeElements(opened, array, path);
+        if (fsync(opened.number()) != 0) failOfSystem(path);
+    }
+    file.publishInPlace();
+}
+
+korvex::Array readRawCharacters(const std::string& path) {
+    const std::vector<std::uint8_t> bytes = readAll(path);
+    if (bytes.size() % sizeof(char16_t) != 0)
+        throw Failure(ExitStatus::kDamaged,
+                      path + ": half a character at byte " + std::to_string(bytes.size() - 1));
+    return arrayOf(bytes, {"char", 1, bytes.size() / sizeof(char16_t)});
+}
+
+korvex::Array readRawBytes(const std::string& path) {
+    const std::vector<std::uint8_t> bytes = readAll(path);
+    return arrayOf(bytes, {"uint8", bytes.size(), 1});
+}
+
+}  // namespace zqpaths
