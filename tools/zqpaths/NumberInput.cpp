@@ -1,0 +1,70 @@
+#include "tools/zqpaths/NumberInput.hpp"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include "tools/zqpaths/Failure.hpp"
+
+namespace zqpaths {
+namespace {
+
+constexpr const char* kPlace = "standard input: ";
+constexpr std::string_view kGaps{" \t\n\v\f\r\0", 7};
+constexpr std::size_t kMaxWordBytes = 256;  // no range is so long; what is, is not read to its end
+
+std::size_t readSome(char* buffer, std::size_t size) {
+    while (true) {
+        const ssize_t count = ::read(STDIN_FILENO, buffer, size);
+        if (count >= 0) return static_cast<std::size_t>(count);
+        if (errno != EINTR)
+            throw Failure(ExitStatus::kFailed, kPlace + std::generic_category().message(errno));
+    }
+}
+
+}  // namespace
+
+bool NumberInput::read(const std::function<void(const NumberRange&)>& visit) {
+    const std::size_t count = readSome(buffer_.data(), buffer_.size());
+    if (count == 0) {
+        finishWord(visit);
+        return false;
+    }
+    take({buffer_.data(), count}, visit);
+    return true;
+}
+
+void NumberInput::take(std::string_view text,
+                       const std::function<void(const NumberRange&)>& visit) {
+    while (!text.empty()) {
+        const std::size_t wordLength = std::min(text.find_first_of(kGaps), text.size());
+        word_ += text.substr(0, wordLength);
+        if (wordLength < text.size() || word_.size() > kMaxWordBytes) finishWord(visit);
+        text.remove_prefix(wordLength);
+        if (text.empty()) return;
+        if (text.front() == '\n') ++line_;
+        text.remove_prefix(1);
+    }
+}
+
+void NumberInput::finishWord(const std::function<void(const NumberRange&)>& visit) {
+    if (word_.empty()) return;
+    const NumberRange range = parseWord();
+    word_.clear();
+    visit(range);
+}
+
+NumberRange NumberInput::parseWord() const {
+    try {
+        const NumberRange range = parseNumberRange(word_);
+        range.requireIn(setSize_);
+        return range;
+    } catch (const Failure& failure) {
+        throw Failure(failure.status(),
+                      kPlace + ("line " + std::to_string(line_)) + ": " + failure.what());
+    }
+}
+
+}  // namespace zqpaths
