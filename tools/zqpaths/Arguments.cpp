@@ -1,6 +1,7 @@
 #include "tools/zqpaths/Arguments.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 #include <sstream>
 #include <utility>
@@ -50,6 +51,35 @@ private:
     CLI::App app_;
     std::vector<Verb> verbs_;
 };
+
+/// The parser takes "[a,b]" apart, and refuses "--" once a verb has one of its files; files
+/// have all sorts of names. So an argument that it could take for something else is
+/// marked, and one that begins with a mark as well.
+constexpr char kMark = '\1';
+constexpr std::string_view kEndOfOptions = "--";
+
+/// The arguments behind the program's name, the last one first, as the parser wants them.
+std::vector<std::string> markedArguments(int argumentCount, const char* const* arguments) {
+    std::vector<std::string> marked;
+    bool mayBeOption = true;
+    for (int i = 1; i < argumentCount; ++i) {
+        std::string text = arguments[i];
+        if (mayBeOption && text == kEndOfOptions) {
+            mayBeOption = false;
+            continue;
+        }
+        const bool needsMark = text.starts_with('[') || text.starts_with(kMark) ||
+                               (!mayBeOption && text.starts_with('-'));
+        if (needsMark) text.insert(text.begin(), kMark);
+        marked.push_back(std::move(text));
+    }
+    std::ranges::reverse(marked);
+    return marked;
+}
+
+std::string unmarked(const std::string& argument) {
+    return argument.starts_with(kMark) ? argument.substr(1) : argument;
+}
 
 void addSet(CLI::App& verb, std::string& set) {
     verb.add_option("SET", set, "the saved set")->required()->option_text(kNoTypeText);
@@ -132,6 +162,8 @@ void Parser::addVerb(const char* name, const char* synopsis, const char* summary
     CLI::App* const verb = app_.add_subcommand(name, summary);
     verb->footer(std::string("Example:\n  ") + example);
     declare(*verb, *options, *messages);
+    for (CLI::Option* const option : verb->get_options())
+        if (option->get_expected_max() > 0) option->transform(unmarked);
     verbs_.push_back({verb, synopsis, example, {}, [options, messages, run] {
                           return run(*options, *messages);
                       }});
@@ -318,8 +350,9 @@ void Parser::addDocuments() {
 }
 
 std::function<ExitStatus()> Parser::parse(int argumentCount, const char* const* arguments) {
+    std::vector<std::string> texts = markedArguments(argumentCount, arguments);
     try {
-        app_.parse(argumentCount, arguments);
+        app_.parse(texts);
     } catch (const CLI::ParseError& error) {
         // Help and version come as errors without a failure.
         if (error.get_exit_code() != 0)
