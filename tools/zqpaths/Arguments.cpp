@@ -10,6 +10,7 @@
 #include "tools/zqpaths/Documents.hpp"
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/Output.hpp"
+#include "tools/zqpaths/VerbDetails.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
 namespace zqpaths {
@@ -23,6 +24,7 @@ struct Verb {
     CLI::App* app;
     std::string synopsis;
     std::string example;
+    std::string details;  // may be empty
     std::vector<std::string> words;
     std::function<ExitStatus()> run;
 };
@@ -38,6 +40,7 @@ public:
 private:
     void addIndexing();
     void addReading();
+    void addSearching();
     void addSelecting();
     void addInspecting();
     void addCombining();
@@ -47,6 +50,9 @@ private:
     template <class Options, class Declare>
     void addVerb(const char* name, const char* synopsis, const char* summary, const char* example,
                  ExitStatus (*run)(const Options&, const MessageOptions&), Declare declare);
+
+    /// Tells more about the verb that was added last.
+    void explain(const char* details);
 
     CLI::App app_;
     std::vector<Verb> verbs_;
@@ -79,6 +85,21 @@ std::vector<std::string> markedArguments(int argumentCount, const char* const* a
 
 std::string unmarked(const std::string& argument) {
     return argument.starts_with(kMark) ? argument.substr(1) : argument;
+}
+
+/// Text in lines that fit a terminal.
+std::string inLines(const std::string& text) {
+    constexpr std::size_t kLineLength = 80;
+    std::istringstream words(text);
+    std::string lines;
+    std::size_t length = 0;
+    for (std::string word; words >> word; length += word.size() + 1) {
+        const bool fits = length + word.size() <= kLineLength;
+        if (!fits) length = 0;
+        if (!lines.empty()) lines += fits ? ' ' : '\n';
+        lines += word;
+    }
+    return lines + '\n';
 }
 
 void addSet(CLI::App& verb, std::string& set) {
@@ -147,6 +168,7 @@ Parser::Parser() : app_(kSummary, kName) {
     app_.require_subcommand(1);
     addIndexing();
     addReading();
+    addSearching();
     addSelecting();
     addInspecting();
     addCombining();
@@ -164,7 +186,7 @@ void Parser::addVerb(const char* name, const char* synopsis, const char* summary
     declare(*verb, *options, *messages);
     for (CLI::Option* const option : verb->get_options())
         if (option->get_expected_max() > 0) option->transform(unmarked);
-    verbs_.push_back({verb, synopsis, example, {}, [options, messages, run] {
+    verbs_.push_back({verb, synopsis, example, "", {}, [options, messages, run] {
                           return run(*options, *messages);
                       }});
 }
@@ -199,6 +221,7 @@ void Parser::addReading() {
                 addOutput(verb, options.output);
                 addMessages(verb, messages);
             });
+    explain(kNumberDetails);
     addVerb("list", "SET", "print all paths in the order of their numbers",
             "zqpaths list usr.zqp --under /usr/lib --glob '*.so'", runList,
             [](CLI::App& verb, ListOptions& options, MessageOptions& messages) {
@@ -213,6 +236,10 @@ void Parser::addReading() {
                 addOutput(verb, options.output);
                 addMessages(verb, messages);
             });
+    explain(kListDetails);
+}
+
+void Parser::addSearching() {
     addVerb("find", "SET PATTERN", "print numbers and paths that match a glob",
             "zqpaths find usr.zqp '*.hpp'", runFind,
             [](CLI::App& verb, FindOptions& options, MessageOptions& messages) {
@@ -234,6 +261,7 @@ void Parser::addReading() {
                 addOutput(verb, options.output);
                 addProgress(verb, messages);
             });
+    explain(kPatternDetails);
     addVerb("number", "SET PATH...", "print the numbers of exact paths",
             "zqpaths number usr.zqp /usr/bin/env", runNumber,
             [](CLI::App& verb, NumberOptions& options, MessageOptions& messages) {
@@ -242,6 +270,7 @@ void Parser::addReading() {
                 addOutput(verb, options.output);
                 addMessages(verb, messages);
             });
+    explain(kNumberOfDetails);
 }
 
 void Parser::addSelecting() {
@@ -305,6 +334,7 @@ void Parser::addInspecting() {
             addOutput(verb, options.output);
             addMessages(verb, messages);
         });
+    explain(kDiffDetails);
 }
 
 void Parser::addCombining() {
@@ -349,6 +379,12 @@ void Parser::addDocuments() {
     verbs_.back().words = documentKinds();
 }
 
+void Parser::explain(const char* details) {
+    Verb& verb = verbs_.back();
+    verb.details = details;
+    verb.app->footer(inLines(verb.details) + "\n" + verb.app->get_footer());
+}
+
 std::function<ExitStatus()> Parser::parse(int argumentCount, const char* const* arguments) {
     std::vector<std::string> texts = markedArguments(argumentCount, arguments);
     try {
@@ -379,6 +415,7 @@ ProgramTable Parser::table() const {
                       verb.synopsis,
                       verb.app->get_description(),
                       verb.example,
+                      verb.details,
                       {},
                       verb.words};
         for (const CLI::Option* option : verb.app->get_options()) {

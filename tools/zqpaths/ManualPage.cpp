@@ -88,6 +88,7 @@ std::string optionText(const OptionText& option) {
 std::string verbText(const std::string& program, const VerbText& verb) {
     std::string text = ".SS " + program + " " + verb.name + " " + escaped(verb.synopsis) + '\n' +
                        sentence(verb.summary);
+    if (!verb.details.empty()) text += ".PP\n" + escaped(verb.details) + '\n';
     for (const OptionText& option : verb.options) text += optionText(option);
     return text + ".PP\nExample:\n.PP\n.RS\n.nf\n" + escaped(verb.example) + "\n.fi\n.RE\n";
 }

@@ -20,6 +20,7 @@ struct VerbText {
     std::string synopsis;  // what follows the verb: "SET DIR..."
     std::string summary;
     std::string example;
+    std::string details;  // sentences; empty where the summary says it all
     std::vector<OptionText> options;
     std::vector<std::string> words;  // what its argument can be, if these are few
 };
