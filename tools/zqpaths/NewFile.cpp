@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
 
 namespace zqpaths {
 namespace {
@@ -16,7 +17,8 @@ namespace {
 constexpr mode_t kMode = 0666;  // less what the user's mask takes away
 
 [[noreturn]] void fail(const std::string& path, int error) {
-    throw Failure(ExitStatus::kFailed, path + ": " + std::generic_category().message(error));
+    throw Failure(ExitStatus::kFailed,
+                  printablePath(path) + ": " + std::generic_category().message(error));
 }
 
 /// With the separator at its end; empty for the current directory.

@@ -14,6 +14,7 @@
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/Figures.hpp"
 #include "tools/zqpaths/PathComponents.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/Progress.hpp"
 
 namespace zqpaths {
@@ -97,7 +98,7 @@ bool isWhole(std::string_view path) {
 }
 
 [[noreturn]] void refuse(const std::string& file, const std::string& reason) {
-    throw Failure(ExitStatus::kDamaged, file + ": " + reason);
+    throw Failure(ExitStatus::kDamaged, printablePath(file) + ": " + reason);
 }
 
 /// The error of the first path from `number` on that cannot be read.

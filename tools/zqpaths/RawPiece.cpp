@@ -14,6 +14,7 @@
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/FileDescriptor.hpp"
 #include "tools/zqpaths/NewFile.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/StoredArray.hpp"
 
 namespace zqpaths {
@@ -22,7 +23,8 @@ namespace {
 constexpr std::uint64_t kBytesACall = std::uint64_t{1} << 20;
 
 [[noreturn]] void failOfSystem(const std::string& path) {
-    throw Failure(ExitStatus::kFailed, path + ": " + std::generic_category().message(errno));
+    throw Failure(ExitStatus::kFailed,
+                  printablePath(path) + ": " + std::generic_category().message(errno));
 }
 
 FileDescriptor openFile(const std::string& path, const std::string& shownPath, int flags) {

@@ -5,7 +5,6 @@
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/PathSetClass.hpp"
 #include "tools/zqpaths/PrintablePath.hpp"
-#include "tools/zqpaths/SetFile.hpp"
 
 namespace zqpaths {
 
@@ -14,7 +13,10 @@ PathSet openSet(const std::string& file) {
 }
 
 korvex::Array loadFields(const std::string& file) {
-    SetFile::Content content = SetFile::load(file);
+    return fieldsOf(file, SetFile::load(file));
+}
+
+korvex::Array fieldsOf(const std::string& file, SetFile::Content content) {
     if (content.className != kPathSetClass)
         throw Failure(ExitStatus::kFailed, printablePath(file) + ": holds an object of " +
                                                content.className + ", no set of paths");

@@ -13,6 +13,7 @@
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/FileHolder.hpp"
 #include "tools/zqpaths/NewFile.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/SetTables.hpp"
 
 namespace zqpaths {
@@ -20,7 +21,7 @@ namespace {
 
 [[noreturn]] void fail(const std::string& path, const std::string& reason,
                        ExitStatus status = ExitStatus::kFailed) {
-    throw Failure(status, path + ": " + reason);
+    throw Failure(status, printablePath(path) + ": " + reason);
 }
 
 /// Whether there is a file, which is then one that can hold a set. Throws Failure kFailed.

@@ -29,8 +29,7 @@ void updateFrequencies(PathSet& set, const CharacterCounts& added) {
 }
 
 /// The saved set with the paths of the source behind its own.
-PathSet extend(const std::string& file, PathSource& source, const MessageOptions& messages) {
-    PathSet set = openSet(file);
+PathSet extend(PathSet set, PathSource& source, const MessageOptions& messages) {
     const CharacterCounts counted = countCharacters(source, messages);
     if (counted.pathCount() == 0) return set;
     if (canHold(set, counted)) {
@@ -47,8 +46,12 @@ PathSet extend(const std::string& file, PathSource& source, const MessageOptions
 
 ExitStatus runAdd(const AddOptions& options, const MessageOptions& messages) {
     const std::unique_ptr<PathSource> source = openSource(options.source);
-    PathSet set = againWhilePathsChange([&] { return extend(options.set, *source, messages); });
-    SetFile::save(options.set, kPathSetClass, set.fields(), SetFile::Existing::kReplace);
+    SetFile::Update update(options.set);  // what others add meanwhile would get lost
+    PathSet set = againWhilePathsChange([&] {
+        return extend(restoreSet(options.set, fieldsOf(options.set, update.load())), *source,
+                      messages);
+    });
+    update.save(kPathSetClass, set.fields());
     tellSize(options.set, set, messages);
     return statusAfter(*source, options.source.ignoreUnreadable);
 }

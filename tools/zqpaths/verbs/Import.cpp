@@ -4,7 +4,9 @@
 #include "tools/zqpaths/PathCheck.hpp"
 #include "tools/zqpaths/PathSet.hpp"
 #include "tools/zqpaths/PathSetClass.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/RawPiece.hpp"
+#include "tools/zqpaths/SavedSet.hpp"
 #include "tools/zqpaths/SetBuilding.hpp"
 #include "tools/zqpaths/SetFile.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
@@ -16,15 +18,11 @@ namespace {
 PathSet restore(const ImportOptions& options) {
     korvex::Array characters = readRawCharacters(options.treeString);
     if (kxGetNumberOfElements(characters.get()) == 0)
-        throw Failure(ExitStatus::kDamaged, options.treeString + ": is empty");
+        throw Failure(ExitStatus::kDamaged, printablePath(options.treeString) + ": is empty");
     korvex::Array structure(kxCreateStructure({1, 1}, {kTreeStringField, kPathTreeField}));
     kxReplaceField(structure.get(), 0, kTreeStringField, characters.release());
     kxReplaceField(structure.get(), 0, kPathTreeField, readRawBytes(options.pathTree).release());
-    try {
-        return PathSet::restored(std::move(structure));
-    } catch (const Failure& failure) {
-        throw Failure(failure.status(), options.pathTree + ": " + failure.what());
-    }
+    return restoreSet(options.pathTree, std::move(structure));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "tools/zqpaths/FilesOnDisk.hpp"
 #include "tools/zqpaths/Output.hpp"
 #include "tools/zqpaths/PathCheck.hpp"
+#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/Progress.hpp"
 #include "tools/zqpaths/SavedSet.hpp"
 #include "tools/zqpaths/SetFile.hpp"
@@ -18,7 +19,7 @@ namespace {
 void requireNoDamage(const std::string& file) {
     const std::vector<SetFile::Damage> damages = SetFile::check(file);
     for (std::size_t i = 0; i < damages.size(); ++i) {
-        const std::string message = file + ": " + SetFile::describe(damages[i]);
+        const std::string message = printablePath(file) + ": " + SetFile::describe(damages[i]);
         if (i + 1 == damages.size()) throw Failure(ExitStatus::kDamaged, message);
         std::fprintf(stderr, "zqpaths: %s\n", message.c_str());
     }
@@ -59,7 +60,8 @@ ExitStatus runVerify(const VerifyOptions& options, const MessageOptions& message
     requireNoDamage(options.set);
     PathSet set = openSet(options.set);
     requireWholePaths(set, options.set, messages);
-    std::string summary = options.set + ": " + groupDigits(set.size()) + " paths, all whole";
+    std::string summary =
+        printablePath(options.set) + ": " + groupDigits(set.size()) + " paths, all whole";
     Output output({});
     DiskResult result;
     if (options.disk) {
