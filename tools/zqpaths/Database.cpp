@@ -75,16 +75,24 @@ Database::Database(const std::string& path, Access access, MayWait mayWait) : ma
 
 Database::~Database() = default;
 
-std::string Database::firstBytes(std::size_t count) {
-    // By the connection's own handle: to open and close the file once more would let go of the
-    // locks that this process has on it.
+sqlite3_file* Database::file() {
+    // The connection's own handle: to open and close the file once more would let go of the locks
+    // that this process has on it.
     sqlite3_file* file = nullptr;
     requireDone(sqlite3_file_control(connection_.get(), "main", SQLITE_FCNTL_FILE_POINTER, &file));
-    sqlite3_int64 size = 0;
-    requireDone(file->pMethods->xFileSize(file, &size));
-    std::string bytes(std::min(count, static_cast<std::size_t>(size)), '\0');
-    requireDone(file->pMethods->xRead(file, bytes.data(), static_cast<int>(bytes.size()), 0));
+    return file;
+}
+
+std::string Database::firstBytes(std::size_t count) {
+    std::string bytes(std::min<std::uint64_t>(count, fileSize()), '\0');
+    requireDone(file()->pMethods->xRead(file(), bytes.data(), static_cast<int>(bytes.size()), 0));
     return bytes;
+}
+
+std::uint64_t Database::fileSize() {
+    sqlite3_int64 size = 0;
+    requireDone(file()->pMethods->xFileSize(file(), &size));
+    return static_cast<std::uint64_t>(size);
 }
 
 void Database::run(const std::string& statements) {

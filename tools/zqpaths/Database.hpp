@@ -19,6 +19,7 @@
 #include <string_view>
 
 struct sqlite3;
+struct sqlite3_file;
 struct sqlite3_stmt;
 
 namespace zqpaths {
@@ -62,6 +63,8 @@ public:
     /// The first bytes of the file as they are, fewer if it is shorter.
     std::string firstBytes(std::size_t count);
 
+    std::uint64_t fileSize();  // in bytes
+
     /// Runs statements that return nothing of interest.
     void run(const std::string& statements);
 
@@ -71,6 +74,7 @@ public:
 private:
     friend class Statement;
 
+    sqlite3_file* file();
     static int wait(void* self, int callsBefore) noexcept;
     [[noreturn]] void fail(int code) const;
     void requireDone(int code) const;

@@ -62,8 +62,7 @@ std::int64_t checksumOf(const StoredObject& object) {
 }
 
 std::vector<StoredField> readFields(Database& database) {
-    const auto fileSize = static_cast<std::uint64_t>(database.number("PRAGMA page_count") *
-                                                     database.number("PRAGMA page_size"));
+    const std::uint64_t fileSize = database.fileSize();
     Statement statement(database,
                         "SELECT field, name, class, row_count, column_count FROM fields "
                         "ORDER BY field");
@@ -133,6 +132,12 @@ void addObject(Database& database, const StoredObject& object) {
 }
 
 StoredObject readObject(Database& database) {
+    // SQLite takes what is missing of the last page for zeros.
+    const auto expectedSize = static_cast<std::uint64_t>(database.number("PRAGMA page_count") *
+                                                         database.number("PRAGMA page_size"));
+    if (database.fileSize() < expectedSize)
+        refuseAsDamaged("the file has " + std::to_string(database.fileSize()) +
+                        " bytes instead of " + std::to_string(expectedSize));
     Statement statement(database, "SELECT class, checksum FROM objects");
     if (!statement.step()) refuseAsDamaged("there is no object in it");
     StoredObject object{std::string(statement.text(0)), {}};

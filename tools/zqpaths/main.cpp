@@ -39,5 +39,6 @@ ExitStatus run(int argumentCount, char** arguments) {
 
 int main(int argumentCount, char** arguments) {
     std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is seen by whoever writes into it
+    std::signal(SIGXFSZ, SIG_IGN);  // so is the limit of a file's size
     return static_cast<int>(run(argumentCount, arguments));
 }

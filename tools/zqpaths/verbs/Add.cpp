@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "tools/zqpaths/PathSetClass.hpp"
@@ -47,11 +49,13 @@ PathSet extend(PathSet set, PathSource& source, const MessageOptions& messages) 
 ExitStatus runAdd(const AddOptions& options, const MessageOptions& messages) {
     const std::unique_ptr<PathSource> source = openSource(options.source);
     SetFile::Update update(options.set);  // what others add meanwhile would get lost
+    std::uint64_t sizeBefore = 0;
     PathSet set = againWhilePathsChange([&] {
-        return extend(restoreSet(options.set, fieldsOf(options.set, update.load())), *source,
-                      messages);
+        PathSet saved = restoreSet(options.set, fieldsOf(options.set, update.load()));
+        sizeBefore = saved.size();
+        return extend(std::move(saved), *source, messages);
     });
-    update.save(kPathSetClass, set.fields());
+    if (set.size() > sizeBefore) update.save(kPathSetClass, set.fields());
     tellSize(options.set, set, messages);
     return statusAfter(*source, options.source.ignoreUnreadable);
 }

@@ -1,0 +1,59 @@
+#include "tools/zqpaths/DeferredSignals.hpp"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+
+#include "tools/zqpaths/Failure.hpp"
+
+namespace zqpaths {
+namespace {
+
+TEST(DeferredSignals, haveNothingToTellUntilOneComes) {
+    const DeferredSignals signals;
+    EXPECT_FALSE(DeferredSignals::hasOneCome());
+    EXPECT_NO_THROW(DeferredSignals::throwIfOneCame());
+}
+
+TEST(DeferredSignalsDeathTest, endTheProcessWhenTheWorkIsDone) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        EXPECT_EXIT(
+            {
+                {
+                    const DeferredSignals signals;
+                    std::raise(signal);
+                    if (!DeferredSignals::hasOneCome()) std::exit(1);
+                }
+                std::exit(2);
+            },
+            ::testing::KilledBySignal(signal), "");
+    }
+}
+
+TEST(DeferredSignalsDeathTest, endTheProcessAfterTheWorkHasBeenLeft) {
+    EXPECT_EXIT(
+        {
+            try {
+                const DeferredSignals signals;
+                std::raise(SIGTERM);
+                DeferredSignals::throwIfOneCame();
+            } catch (const Failure&) {
+                std::exit(1);
+            }
+        },
+        ::testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST(DeferredSignals, leaveIgnoredOnesIgnored) {
+    const auto former = std::signal(SIGHUP, SIG_IGN);
+    {
+        const DeferredSignals signals;
+        std::raise(SIGHUP);
+        EXPECT_FALSE(DeferredSignals::hasOneCome());
+    }
+    std::signal(SIGHUP, former);
+}
+
+}  // namespace
+}  // namespace zqpaths
