@@ -122,7 +122,11 @@ bool isAboutPaths(std::string_view glob) {
 
 std::string literalEnd(std::string_view glob) {
     const std::size_t last = glob.find_last_of(kSpecial);
-    return std::string(last == std::string_view::npos ? glob : glob.substr(last + 1));
+    if (last == std::string_view::npos) return std::string(glob);
+    std::string_view end = glob.substr(last + 1);
+    // "**/" may be nothing.
+    if (end.starts_with(kSeparator)) end.remove_prefix(1);
+    return std::string(end);
 }
 
 }  // namespace zqpaths

@@ -133,5 +133,20 @@ TEST(PathText, keepsForeignLoneSurrogatesApart) {
     EXPECT_EQ(toBytes({u"\xDD00", 1}), "\xED\xB4\x80");
 }
 
+TEST(PathText, tellsHowMuchIsUtf8) {
+    EXPECT_EQ(utf8Prefix(""), 0);
+    EXPECT_EQ(utf8Prefix("plain enough for eight bytes"), 28);
+    EXPECT_EQ(utf8Prefix("caf\xC3\xA9"), 5);
+    EXPECT_EQ(utf8Prefix("caf\xC3"), 3);
+    EXPECT_EQ(utf8Prefix("plain enough\xFF and more"), 12);
+    EXPECT_EQ(utf8Prefix("\xED\xA0\x80"), 0);
+}
+
+TEST(PathText, replacesWhatCannotBeRead) {
+    std::string text = "kept ";
+    appendReadable("caf\xC3\xA9 \xFF\xFE", text);
+    EXPECT_EQ(text, "kept caf\xC3\xA9 \xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
 }  // namespace
 }  // namespace zqpaths
