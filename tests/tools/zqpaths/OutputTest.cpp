@@ -24,7 +24,7 @@ constexpr std::size_t kManyBytes = 5'000'000;  // more than is held back, and th
 class Redirection {
 public:
     explicit Redirection(int descriptor) : kept_(dup(STDOUT_FILENO)) {
-        std::fflush(stdout);
+        static_cast<void>(std::fflush(stdout));
         dup2(descriptor, STDOUT_FILENO);
     }
     Redirection(const Redirection&) = delete;
@@ -176,7 +176,7 @@ TEST(Output, failsBeforeTheEndWhereMuchIsPrinted) {
 }
 
 TEST(Output, tellsAClosedPipeFromAFailure) {
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     close(ends[0]);

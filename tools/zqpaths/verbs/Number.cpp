@@ -51,8 +51,9 @@ ExitStatus runNumber(const NumberOptions& options, const MessageOptions& message
         if (numbers[path] != kNoNumber) continue;
         status = ExitStatus::kNegative;
         if (!messages.quiet)
-            std::fprintf(stderr, "zqpaths: %s: is not in %s\n", printablePath(path).c_str(),
-                         printablePath(options.set).c_str());
+            static_cast<void>(std::fprintf(stderr, "zqpaths: %s: is not in %s\n",
+                                           printablePath(path).c_str(),
+                                           printablePath(options.set).c_str()));
     }
     return status;
 }
