@@ -2,8 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <memory>
 #include <sstream>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -125,8 +127,26 @@ void addForce(CLI::App& verb, bool& force) {
     verb.add_flag("--force", force, "replace a set that is there");
 }
 
+/// A whole number, written with decimal digits alone: the parser's own conversion would also take
+/// -1, and 010 for eight.
+template <class Value>
+CLI::Option* addNumber(CLI::App& verb, const char* names, Value& value, const char* description) {
+    using Number = std::conditional_t<std::is_same_v<Value, unsigned>, unsigned, std::uint64_t>;
+    return verb.add_option_function<std::string>(
+        names,
+        [names, &value](const std::string& text) {
+            Number number = 0;
+            const char* const end = text.data() + text.size();
+            const auto [parsed, error] = std::from_chars(text.data(), end, number);
+            if (error != std::errc() || parsed != end)
+                throw CLI::ValidationError(names, text + " is no whole number, or too large");
+            value = number;
+        },
+        description);
+}
+
 void addSeed(CLI::App& verb, std::uint64_t& seed) {
-    verb.add_option("--seed", seed, "the same seed gives the same order everywhere")
+    addNumber(verb, "--seed", seed, "the same seed gives the same order everywhere")
         ->required()
         ->option_text("S");
 }
@@ -146,7 +166,7 @@ void addSource(CLI::App& verb, SourceOptions& source) {
     verb.add_flag("--hidden", source.hidden, "take names that begin with a dot, too");
     verb.add_flag("--ignore-unreadable", source.ignoreUnreadable,
                   "end with status 0 although something could not be read");
-    verb.add_option("-j,--jobs", source.jobs, "threads that read directories (one a core)")
+    addNumber(verb, "-j,--jobs", source.jobs, "threads that read directories (one a core)")
         ->option_text("N");
     verb.callback([&source] {
         if (source.directories.empty() && !source.list) throw CLI::RequiredError("DIR or --list");
@@ -231,7 +251,7 @@ void Parser::addReading() {
                     ->option_text("FOLDER");
                 verb.add_option("--glob", options.glob, "only paths that match")
                     ->option_text("PATTERN");
-                verb.add_option("--depth", options.depth, "at most N names behind the folder")
+                addNumber(verb, "--depth", options.depth, "at most N names behind the folder")
                     ->option_text("N");
                 addOutput(verb, options.output);
                 addMessages(verb, messages);
@@ -278,8 +298,8 @@ void Parser::addSelecting() {
             "zqpaths sample usr.zqp -n 10 --seed 7", runSample,
             [](CLI::App& verb, SampleOptions& options, MessageOptions& messages) {
                 addSet(verb, options.set);
-                verb.add_option("-n,--count", options.count,
-                                "how many, each at most once; all if there are fewer")
+                addNumber(verb, "-n,--count", options.count,
+                          "how many, each at most once; all if there are fewer")
                     ->required()
                     ->option_text("K");
                 addSeed(verb, options.seed);
@@ -299,11 +319,11 @@ void Parser::addSelecting() {
         "zqpaths split usr.zqp --rank 0 --of 4", runSplit,
         [](CLI::App& verb, SplitOptions& options, MessageOptions& messages) {
             addSet(verb, options.set);
-            verb.add_option("--rank", options.rank,
-                            "which reader, from 0: number k is for k - 1 modulo N")
+            addNumber(verb, "--rank", options.rank,
+                      "which reader, from 0: number k is for k - 1 modulo N")
                 ->required()
                 ->option_text("R");
-            verb.add_option("--of", options.of, "how many readers")->required()->option_text("N");
+            addNumber(verb, "--of", options.of, "how many readers")->required()->option_text("N");
             addOutput(verb, options.output);
             addMessages(verb, messages);
         });

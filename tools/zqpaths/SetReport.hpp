@@ -15,9 +15,9 @@ struct SetReport {
     std::string file;
     std::uint64_t fileSize = 0;  // in bytes, as the file system tells
     std::uint64_t pathCount = 0;
-    std::uint64_t textSize = 0;        // of all paths, a byte behind each included
-    std::uint64_t characterCount = 0;  // different ones
-    std::optional<double> codedCount;  // characters of all names that are coded, if known
+    std::uint64_t textSize = 0;               // of all paths, a byte behind each included
+    std::uint64_t characterCount = 0;         // different ones
+    std::optional<std::uint64_t> codedCount;  // characters of all names that are coded, if known
     std::optional<double> bitsACharacter;
     std::uint64_t characterBytes = 0;  // of the characters as they are saved
     SavedForm form;

@@ -17,15 +17,25 @@ void putText(Writer& writer, std::string_view text) {
     writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
-void put(Writer& writer, std::string_view key, std::uint64_t value) {
-    putText(writer, key);
+void put(Writer& writer, std::uint64_t value) {
     writer.Uint64(value);
 }
 
-void put(Writer& writer, std::string_view key, const std::optional<double>& value) {
+void put(Writer& writer, double value) {
+    writer.Double(value);
+}
+
+template <class Number>
+void put(Writer& writer, std::string_view key, Number value) {
+    putText(writer, key);
+    put(writer, value);
+}
+
+template <class Number>
+void put(Writer& writer, std::string_view key, std::optional<Number> value) {
     putText(writer, key);
     if (value) {
-        writer.Double(*value);
+        put(writer, *value);
     } else {
         writer.Null();
     }

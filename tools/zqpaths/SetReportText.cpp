@@ -74,7 +74,7 @@ std::string counts(const SetReport& report) {
     text += figureLine(
         "bits each", report.bitsACharacter ? fixedPoint(*report.bitsACharacter, 2) : "unknown",
         report.codedCount
-            ? "on average, " + fixedPoint(*report.codedCount, 0) + " characters of names"
+            ? "on average, " + groupDigits(*report.codedCount) + " characters of names"
             : "the set came without frequencies");
     text += figureLine("text", groupDigits(report.textSize), "bytes as a list");
     text += figureLine("saved", groupDigits(report.fileSize),

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <clocale>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -52,7 +53,7 @@ void addBits(const std::vector<double>& frequencies, SetReport& report) {
     const std::vector<unsigned>& lengths = report.form.codeLengths;
     const double count = std::accumulate(frequencies.begin(), frequencies.end(), 0.0);
     if (frequencies.size() != lengths.size() || count <= 0) return;
-    report.codedCount = count;
+    report.codedCount = static_cast<std::uint64_t>(std::llround(count));
     report.bitsACharacter =
         std::inner_product(frequencies.begin(), frequencies.end(), lengths.begin(), 0.0) / count;
 }
