@@ -26,9 +26,9 @@ constexpr std::array<Maker, 4> kMakers{{{"man", manualPage},
 
 const std::vector<std::string>& documentKinds() {
     static const std::vector<std::string> kinds = [] {
-        std::vector<std::string> found;
-        for (const Maker& maker : kMakers) found.emplace_back(maker.kind);
-        return found;
+        std::vector<std::string> names(kMakers.size());
+        std::ranges::transform(kMakers, names.begin(), &Maker::kind);
+        return names;
     }();
     return kinds;
 }

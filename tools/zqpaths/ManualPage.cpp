@@ -96,9 +96,9 @@ std::string verbText(const std::string& program, const VerbText& verb) {
 }  // namespace
 
 std::string manualPage(const ProgramTable& table) {
-    std::string text = ".TH " + upperCase(table.name) + " 1 \"\" \"" + table.name + " " +
-                       table.version + "\" \"User Commands\"\n.SH NAME\n" + table.name + " \\- " +
-                       escaped(table.summary) + "\n.SH SYNOPSIS\n";
+    std::string text = ".TH " + upperCase(table.name) + R"( 1 "" ")" + table.name + " " +
+                       table.version + R"(" "User Commands")" + "\n.SH NAME\n" + table.name +
+                       R"( \- )" + escaped(table.summary) + "\n.SH SYNOPSIS\n";
     for (const VerbText& verb : table.verbs)
         text += ".B " + table.name + " " + verb.name + "\n" + escaped(verb.synopsis) + "\n.br\n";
     text.append(".SH DESCRIPTION\n").append(kDescription).append(".SH VERBS\n");

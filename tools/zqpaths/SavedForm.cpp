@@ -127,8 +127,9 @@ void readIndex(Cursor& cursor, SavedForm& form) {
 void measureSections(Bytes stream, SavedForm& form) {
     const std::array<SavedForm::Section*, 4> sections{&form.shape, &form.structure, &form.keys,
                                                       &form.index};
-    std::vector<std::uint64_t> byteSizes;
-    for (const SavedForm::Section* section : sections) byteSizes.push_back(section->byteSize);
+    std::array<std::uint64_t, 4> byteSizes{};
+    std::ranges::transform(sections, byteSizes.begin(),
+                           [](const SavedForm::Section* section) { return section->byteSize; });
     const std::vector<std::uint64_t> savedSizes = deflatedSizes(stream, byteSizes);
     for (std::size_t i = 0; i < sections.size(); ++i) sections[i]->savedSize = savedSizes[i];
 }

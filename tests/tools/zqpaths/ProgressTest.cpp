@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <string>
 #include <thread>
 
@@ -35,7 +34,6 @@ public:
 
     /// What was written since the last call.
     std::string read() const {
-        std::fflush(stderr);
         std::string text;
         std::array<char, 4096> buffer{};
         for (ssize_t length = 0; (length = ::read(seen_, buffer.data(), buffer.size())) > 0;)
@@ -129,7 +127,6 @@ TEST(Progress, isSilentIfStandardErrorIsNoTerminal) {
         Progress progress("reading", {});
         advanceFor(progress, 1'200ms);
     }
-    std::fflush(stderr);
     dup2(kept, STDERR_FILENO);
     close(kept);
     close(ends[1]);

@@ -24,11 +24,15 @@ namespace {
 constexpr std::size_t kLargestFolders = 10;
 
 bool isUtf8Locale() {
-    std::setlocale(LC_CTYPE, "");
-    return std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
+    const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
+    if (locale == nullptr) return false;  // the environment names one that is not installed
+    const bool isUtf8 = std::strcmp(nl_langinfo_l(CODESET, locale), "UTF-8") == 0;
+    freelocale(locale);
+    return isUtf8;
 }
 
 bool isSet(const char* variable) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in the program changes the environment
     const char* const value = std::getenv(variable);
     return value != nullptr && *value != '\0';
 }
