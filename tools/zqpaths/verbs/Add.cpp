@@ -20,11 +20,11 @@ bool canHold(const PathSet& set, const CharacterCounts& counted) {
     });
 }
 
-/// A set whose frequencies are not known keeps it so.
+/// Where the frequencies of all characters are not known, they stay so.
 void updateFrequencies(PathSet& set, const CharacterCounts& added) {
     const std::u16string characters = set.characters();
     std::vector<double> frequencies = set.frequencies();
-    if (frequencies.empty()) return;
+    if (frequencies.size() != characters.size()) return;
     for (std::size_t i = 0; i < characters.size(); ++i)
         frequencies[i] += static_cast<double>(added.countOf(characters[i]));
     set.setFrequencies(frequencies);
