@@ -35,8 +35,8 @@ using compressedpaths::HuffmanPathTree;
 using examples::FetchedPaths;
 using examples::grouped;
 using examples::PathList;
-using examples::printable;
 using examples::withDecimals;
+using zqpaths::printablePath;
 
 constexpr int kDifferent = 1;
 constexpr int kUnreadable = 2;
@@ -163,8 +163,8 @@ void printSamples(HuffmanPathTree& set, std::size_t pathCount) {
     FetchedPaths fetched(set);
     for (const std::size_t number :
          std::set<std::size_t>{1, pathCount / 4 + 1, pathCount / 2 + 1, pathCount}) {
-        std::cout << std::setw(13) << grouped(number) << "  "
-                  << zqpaths::printablePath(fetched.at(number)) << '\n';
+        std::cout << std::setw(13) << grouped(number) << "  " << printablePath(fetched.at(number))
+                  << '\n';
     }
 }
 
@@ -173,8 +173,8 @@ bool givesAllByNumber(HuffmanPathTree& set, const PathList& paths) {
     const std::optional<std::size_t> number = examples::firstDifference(set, paths);
     if (!number) return true;
     std::cerr << "path " << grouped(*number) << " is different:\n  added    "
-              << zqpaths::printablePath(paths[*number - 1]) << "\n  fetched  "
-              << zqpaths::printablePath(FetchedPaths(set).at(*number)) << '\n';
+              << printablePath(paths[*number - 1]) << "\n  fetched  "
+              << printablePath(FetchedPaths(set).at(*number)) << '\n';
     return false;
 }
 
@@ -208,7 +208,7 @@ int run(const std::string& source) {
     const Clock::time_point start = Clock::now();
     const examples::PathInput input = examples::readPaths(source);
     const PathList& paths = input.paths;
-    std::cout << zqpaths::printablePath(source) << "\n\nseconds\n";
+    std::cout << printablePath(source) << "\n\nseconds\n";
     printSeconds("list", secondsSince(start));
     const auto census = timed("count folders", [&] { return examples::countFolders(paths); });
     const auto found = timed("count characters", [&] { return examples::countCharacters(paths); });

@@ -67,7 +67,7 @@ private:
     /// The first directory, read; it is now the last of `entered_`.
     WalkedDirectory& takeFirst() {
         Lock lock(mutex_);
-        const Place first = ahead_.begin();
+        const auto first = ahead_.begin();
         if (first->state == State::kUnread) read(first, lock);
         firstIsRead_.wait(lock, [first] { return first->state == State::kRead; });
 
