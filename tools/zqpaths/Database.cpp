@@ -39,14 +39,21 @@ std::string plainName(const std::string& path) {
     return path.starts_with('/') ? path : "./" + path;
 }
 
+/// The system's error that made the last call fail, 0 if it is not known.
+int systemErrorOf(sqlite3* connection) {
+    int error = sqlite3_system_errno(connection);
+    // When the changes have been taken back since, only the file still knows.
+    if (error == 0) sqlite3_file_control(connection, "main", SQLITE_FCNTL_LAST_ERRNO, &error);
+    return error;
+}
+
 std::string reasonOf(int code, sqlite3* connection) {
     if (code == SQLITE_READONLY_ROLLBACK)
         return "a save was cut off, and only who may write the file can take it back";
     if ((code & 0xFF) == SQLITE_FULL) return "there is no space left on the device";
-    const int systemError = sqlite3_system_errno(connection);
     const bool isOfSystem = (code & 0xFF) == SQLITE_IOERR || (code & 0xFF) == SQLITE_CANTOPEN;
-    if (isOfSystem && systemError != 0) return std::generic_category().message(systemError);
-    return sqlite3_errmsg(connection);
+    const int error = isOfSystem ? systemErrorOf(connection) : 0;
+    return error != 0 ? std::generic_category().message(error) : sqlite3_errmsg(connection);
 }
 
 }  // namespace

@@ -4,13 +4,15 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <exception>
 #include <iterator>
+#include <new>
+#include <optional>
 #include <random>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "host/runtime/Error.hpp"
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/Figures.hpp"
 #include "tools/zqpaths/PathComponents.hpp"
@@ -101,15 +103,29 @@ bool isWhole(std::string_view path) {
     throw Failure(ExitStatus::kDamaged, printablePath(file) + ": " + reason);
 }
 
-/// The error of the first path from `number` on that cannot be read.
+/// What `work` fails with when it reads a set that the class has taken, though it should not have.
+template <class Work>
+std::optional<std::string> errorOf(const Work& work) {
+    try {
+        work();
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return std::nullopt;
+}
+
+/// With the number of the first path from `number` on that cannot be read.
 [[noreturn]] void refuseFrom(const std::string& file, PathSet& set, std::uint64_t number,
-                             const std::string& reason) {
+                             std::string reason) {
     for (; number < set.size(); ++number) {
-        try {
-            set.get(number, number, [](auto...) {});
-        } catch (const korvex::Error& error) {
-            refuse(file, "path " + std::to_string(number) + " cannot be read: " + error.what());
-        }
+        const auto error = errorOf([&] { set.get(number, number, [](auto...) {}); });
+        if (!error) continue;
+        reason = *error;
+        break;
     }
     refuse(file, "path " + std::to_string(number) + " cannot be read: " + reason);
 }
@@ -117,7 +133,7 @@ bool isWhole(std::string_view path) {
 void fetchAll(PathSet& set, const std::string& file, PathComparison& comparison,
               Progress& progress) {
     std::uint64_t fetched = 0;
-    try {
+    const auto error = errorOf([&] {
         set.get(1, set.size(), [&](std::uint64_t number, std::string_view path) {
             if (!isWhole(path))
                 refuse(file, "path " + std::to_string(number) + " is empty or has a NUL");
@@ -125,21 +141,19 @@ void fetchAll(PathSet& set, const std::string& file, PathComparison& comparison,
             fetched = number;
             progress.advance();
         });
-    } catch (const korvex::Error& error) {
-        refuseFrom(file, set, fetched + 1, error.what());
-    }
+    });
+    if (error) refuseFrom(file, set, fetched + 1, *error);
 }
 
 void walkAll(PathSet& set, const std::string& file, PathComparison& comparison,
              Progress& progress) {
-    try {
+    const auto error = errorOf([&] {
         set.walk([&](std::string_view path) {
             comparison.addWalked(path);
             progress.advance();
         });
-    } catch (const korvex::Error& error) {
-        refuse(file, std::string("the paths cannot be walked: ") + error.what());
-    }
+    });
+    if (error) refuse(file, "the paths cannot be walked: " + *error);
 }
 
 }  // namespace

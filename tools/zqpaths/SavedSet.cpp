@@ -1,5 +1,7 @@
 #include "tools/zqpaths/SavedSet.hpp"
 
+#include <exception>
+#include <new>
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
@@ -24,10 +26,15 @@ korvex::Array fieldsOf(const std::string& file, SetFile::Content content) {
 }
 
 PathSet restoreSet(const std::string& file, korvex::Array fields) {
+    pathSetSession();  // a library that cannot be loaded is no damage of the set
     try {
         return PathSet::restored(std::move(fields));
     } catch (const Failure& failure) {
         throw Failure(failure.status(), printablePath(file) + ": " + failure.what());
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        throw Failure(ExitStatus::kDamaged, printablePath(file) + ": " + error.what());
     }
 }
 
