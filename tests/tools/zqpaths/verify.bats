@@ -42,25 +42,6 @@ for _ in range(5000):
     [[ $stderr == *'s.zqp: field Frequencies, byte 0: the checksum differs'* ]]
 }
 
-@test "a saved form that is none is a damage, also where its checksums are right" {
-    make_set s.zqp a/x b
-    zqpaths export s.zqp --tree-string characters --path-tree paths
-    # A set of other characters with the checksums that belong to it.
-    make_set t.zqp 'other names' and 'many more'
-    sqlite3 t.zqp "ATTACH 's.zqp' AS s;
-        DELETE FROM parts WHERE field = 2;
-        INSERT INTO parts SELECT * FROM s.parts WHERE field = 2;
-        UPDATE fields SET row_count = (SELECT row_count FROM s.fields WHERE field = 2)
-            WHERE field = 2"
-    local description='SELECT class FROM objects;
-        SELECT name, class, row_count, column_count FROM fields ORDER BY field'
-    command -v xxhsum >/dev/null || skip "xxhsum is not here"
-    local sum
-    sum=$(sqlite3 t.zqp "$description" | xxhsum -H3 | grep -o '[0-9a-f]\{16\}')
-    sqlite3 t.zqp "UPDATE objects SET checksum = $(printf '%d' "0x$sum")"
-    run -3 zqpaths verify t.zqp
-}
-
 @test "what is no set is refused" {
     fails_with 2 'none.zqp: No such file or directory' zqpaths verify none.zqp
     echo text >text
