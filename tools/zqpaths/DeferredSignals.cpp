@@ -38,7 +38,7 @@ DeferredSignals::DeferredSignals() {
 DeferredSignals::~DeferredSignals() {
     for (const Replaced& replaced : replaced_)
         sigaction(replaced.signal, &replaced.action, nullptr);
-    if (const int signal = noted.exchange(0); signal != 0) raise(signal);
+    if (const int signal = noted.exchange(0); signal != 0) static_cast<void>(raise(signal));
 }
 
 bool DeferredSignals::hasOneCome() noexcept {

@@ -34,7 +34,7 @@ using BitsOf = std::conditional_t<sizeof(T) == 8, std::uint64_t,
 template <class T>
 void store(std::span<const T> elements, std::uint8_t* out) {
     for (const T element : elements) {
-        const std::uint64_t bits = std::bit_cast<BitsOf<T>>(element);
+        const auto bits = std::uint64_t{std::bit_cast<BitsOf<T>>(element)};
         for (std::size_t i = 0; i < sizeof(T); ++i)
             *out++ = static_cast<std::uint8_t>(bits >> (8 * i));
     }

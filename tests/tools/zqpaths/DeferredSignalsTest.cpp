@@ -10,6 +10,10 @@
 namespace zqpaths {
 namespace {
 
+void send(int signal) {
+    if (std::raise(signal) != 0) std::exit(3);
+}
+
 TEST(DeferredSignals, haveNothingToTellUntilOneComes) {
     const DeferredSignals signals;
     EXPECT_FALSE(DeferredSignals::hasOneCome());
@@ -22,7 +26,7 @@ TEST(DeferredSignalsDeathTest, endTheProcessWhenTheWorkIsDone) {
             {
                 {
                     const DeferredSignals signals;
-                    std::raise(signal);
+                    send(signal);
                     if (!DeferredSignals::hasOneCome()) std::exit(1);
                 }
                 std::exit(2);
@@ -36,7 +40,7 @@ TEST(DeferredSignalsDeathTest, endTheProcessAfterTheWorkHasBeenLeft) {
         {
             try {
                 const DeferredSignals signals;
-                std::raise(SIGTERM);
+                send(SIGTERM);
                 DeferredSignals::throwIfOneCame();
             } catch (const Failure&) {
                 std::exit(1);
@@ -49,7 +53,7 @@ TEST(DeferredSignals, leaveIgnoredOnesIgnored) {
     const auto former = std::signal(SIGHUP, SIG_IGN);
     {
         const DeferredSignals signals;
-        std::raise(SIGHUP);
+        send(SIGHUP);
         EXPECT_FALSE(DeferredSignals::hasOneCome());
     }
     std::signal(SIGHUP, former);

@@ -25,7 +25,7 @@ inline std::vector<std::uint8_t> makeBytes(std::size_t count) {
     return bytes;
 }
 
-inline korvex::Array makeStructure(std::vector<std::pair<std::string, korvex::Array>> fields) {
+inline korvex::Array makeStructure(std::vector<std::pair<std::string, korvex::Array>>&& fields) {
     std::vector<std::string> names;
     names.reserve(fields.size());
     for (const auto& field : fields) names.push_back(field.first);

@@ -15,13 +15,17 @@
 namespace zqpaths {
 namespace {
 
+void tell(const std::string& message) {
+    static_cast<void>(std::fprintf(stderr, "zqpaths: %s\n", message.c_str()));
+}
+
 /// Tells every damage but the last, which it throws.
 void requireNoDamage(const std::string& file) {
     const std::vector<SetFile::Damage> damages = SetFile::check(file);
     for (std::size_t i = 0; i < damages.size(); ++i) {
         const std::string message = printablePath(file) + ": " + SetFile::describe(damages[i]);
         if (i + 1 == damages.size()) throw Failure(ExitStatus::kDamaged, message);
-        std::fprintf(stderr, "zqpaths: %s\n", message.c_str());
+        tell(message);
     }
 }
 
@@ -42,7 +46,7 @@ DiskResult compareWithDisk(PathSet& set, Output& output, const MessageOptions& m
             }
         } catch (const Failure& failure) {
             ++result.untoldCount;
-            std::fprintf(stderr, "zqpaths: %s\n", failure.what());
+            tell(failure.what());
         }
         progress.advance();
     });
@@ -69,7 +73,7 @@ ExitStatus runVerify(const VerifyOptions& options, const MessageOptions& message
         summary += ", " + groupDigits(result.missingCount) + " missing on disk";
     }
     // Where missing paths are printed, nothing else is.
-    if (!messages.quiet && options.disk) std::fprintf(stderr, "zqpaths: %s\n", summary.c_str());
+    if (!messages.quiet && options.disk) tell(summary);
     if (!messages.quiet && !options.disk) output.line(summary);
     output.finish();
     return statusOf(result);
