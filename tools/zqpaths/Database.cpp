@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <new>
 #include <system_error>
 #include <thread>
@@ -39,6 +40,21 @@ std::string plainName(const std::string& path) {
     return path.starts_with('/') ? path : "./" + path;
 }
 
+/// SQLite only says that it cannot open files whose full path is long.
+void requireShortPath(const std::string& path) {
+    std::error_code error;
+    const auto fullPath = std::filesystem::canonical(path, error);
+    if (error) throw DatabaseError(DatabaseError::Kind::kOther, error.message());
+    constexpr std::string_view kJournalEnd = "-journal";
+    const std::size_t limit =
+        static_cast<std::size_t>(sqlite3_vfs_find(nullptr)->mxPathname) - kJournalEnd.size();
+    if (fullPath.native().size() > limit)
+        throw DatabaseError(DatabaseError::Kind::kOther,
+                            "SQLite takes no full path of more than " + std::to_string(limit) +
+                                " bytes, and this one has " +
+                                std::to_string(fullPath.native().size()));
+}
+
 /// The system's error that made the last call fail, 0 if it is not known.
 int systemErrorOf(sqlite3* connection) {
     int error = sqlite3_system_errno(connection);
@@ -63,6 +79,7 @@ void Database::Closer::operator()(sqlite3* connection) const noexcept {
 }
 
 Database::Database(const std::string& path, Access access, MayWait mayWait) : mayWait_(mayWait) {
+    requireShortPath(path);
     // Readers ask for writing, too: they have to take back a save that was cut off. Where the file
     // must not be written, it is opened for reading all the same.
     sqlite3* connection = nullptr;

@@ -185,6 +185,14 @@ TEST_F(ASetFile, staysAsItIsWhenAnUpdateIsNotSaved) {
     EXPECT_EQ(namesInFolder(), std::set<std::string>{"s.zqp"});
 }
 
+TEST_F(ASetFile, isRefusedWhereItsPathIsTooLongForSqlite) {
+    const std::string name(200, 'n');
+    std::string path = tree_.addDirectory(name + "/" + name + "/" + name) + "/s.zqp";
+    expectRefusal([&] { SetFile::save(path, kSomeClass, makeFields(1), Existing::kRefuse); },
+                  ExitStatus::kFailed, "SQLite takes no full path of more than 504 bytes");
+    EXPECT_THAT(runProgram({"find", tree_.path(), "-type", "f"}).output, ::testing::IsEmpty());
+}
+
 TEST_F(ASetFile, isMissedByItsName) {
     for (const auto& call : {std::function<void()>([&] { SetFile::load(file_); }),
                              std::function<void()>([&] { SetFile::check(file_); }),
