@@ -100,12 +100,15 @@ TEST(IncludeDirections, whatIsShippedIncludesNoTests) {
             EXPECT_FALSE(isOfOneOf(include, {"tests/", "bench/", "fuzz/"})) << include.source;
 }
 
-TEST(IncludeDirections, oneSourceIncludesZlibAndOneIncludesOneTbb) {
-    const Folders shipped{"compressedpaths", "binding", "host", "tools"};
-    EXPECT_THAT(whoIncludes(shipped, {"zlib.h"}),
+TEST(IncludeDirections, aLibraryThatCanBeReplacedIsKnownToOneSource) {
+    const Folders libraries{"compressedpaths", "binding", "host"};
+    EXPECT_THAT(whoIncludes(libraries, {"zlib.h"}),
                 ElementsAre("compressedpaths/sixpacks/CompressedBlocks.cpp"));
-    EXPECT_THAT(whoIncludes(shipped, {"oneapi/", "tbb/"}),
+    EXPECT_THAT(whoIncludes(libraries, {"oneapi/", "tbb/"}),
                 ElementsAre("compressedpaths/ParallelCoding.cpp"));
+    EXPECT_THAT(whoIncludes({"tools"}, {"CLI/"}), ElementsAre("tools/zqpaths/Arguments.cpp"));
+    EXPECT_THAT(whoIncludes({"tools"}, {"sqlite3.h"}), ElementsAre("tools/zqpaths/Database.cpp"));
+    EXPECT_THAT(whoIncludes({"tools"}, {"zlib.h"}), ElementsAre("tools/zqpaths/ZlibStream.cpp"));
 }
 
 TEST(IncludeDirections, areReadFromAnyFormOfTheDirective) {

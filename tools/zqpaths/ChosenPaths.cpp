@@ -7,19 +7,13 @@
 #include "tools/zqpaths/Progress.hpp"
 
 namespace zqpaths {
-namespace {
-
-constexpr std::uint64_t kPathsASlice = 10'000;
-
-}  // namespace
-
 void printChosen(PathSet& set, std::uint64_t count, const Choice& numberAt, const std::string& work,
                  const OutputOptions& outputOptions, const MessageOptions& messages) {
     Output output(outputOptions);
     Progress progress(work, messages, count, Progress::Prints::kPaths);
     std::vector<std::uint64_t> numbers;
     for (std::uint64_t begin = 0; begin < count; begin += numbers.size()) {
-        numbers.resize(std::min(kPathsASlice, count - begin));
+        numbers.resize(std::min<std::uint64_t>(PathSet::kPathsACall, count - begin));
         for (std::size_t i = 0; i < numbers.size(); ++i) numbers[i] = numberAt(begin + i);
         set.get(numbers, [&](std::uint64_t number, std::string_view path) {
             output.path(number, path);

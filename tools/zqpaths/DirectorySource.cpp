@@ -1,13 +1,12 @@
 #include "tools/zqpaths/DirectorySource.hpp"
 
-#include <cstdio>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/Messages.hpp"
 #include "tools/zqpaths/PrintablePath.hpp"
-#include "tools/zqpaths/Progress.hpp"
 
 namespace zqpaths {
 namespace {
@@ -17,7 +16,7 @@ void requireDirectory(const std::string& path) {
     const std::filesystem::file_status status = std::filesystem::status(path, error);
     if (!error && !std::filesystem::is_directory(status))
         error = std::make_error_code(std::errc::not_a_directory);
-    if (error) throw Failure(ExitStatus::kFailed, printablePath(path) + ": " + error.message());
+    if (error) throw systemFailureAt(path, error.value());
 }
 
 }  // namespace
@@ -40,9 +39,7 @@ void DirectorySource::visit(const std::function<void(std::string_view path)>& vi
 void DirectorySource::tell(std::string_view path, std::string_view reason) {
     std::string message = printablePath(path).append(": ").append(reason);
     const auto [place, isNew] = told_.insert(std::move(message));
-    if (!isNew) return;
-    Progress::makeRoom();
-    static_cast<void>(std::fprintf(stderr, "zqpaths: %s\n", place->c_str()));
+    if (isNew) zqpaths::tell(*place);
 }
 
 }  // namespace zqpaths

@@ -1,10 +1,13 @@
 #pragma once
 // Failure ends the program with a message for people, which says what is wrong and where:
 //
-//     throw Failure(ExitStatus::kFailed, "list.txt: line 7 is empty");
+//     throw Failure(ExitStatus::kFailed, "no paths in these sets");
+//     throw failureAt("list.txt", "line 7 is empty");  // "list.txt: line 7 is empty"
+//     throw systemFailureAt("list.txt", ENOENT);       // "list.txt: No such file or directory"
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "tools/zqpaths/ExitStatus.hpp"
 
@@ -20,5 +23,12 @@ public:
 private:
     ExitStatus status_;
 };
+
+/// A failure at a place, which is a path as a rule and is shown as printablePath does.
+Failure failureAt(std::string_view place, const std::string& reason,
+                  ExitStatus status = ExitStatus::kFailed);
+
+/// The same with the system's words for a value of errno.
+Failure systemFailureAt(std::string_view place, int error);
 
 }  // namespace zqpaths

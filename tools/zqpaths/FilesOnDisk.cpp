@@ -5,12 +5,10 @@
 
 #include <cerrno>
 #include <climits>
-#include <system_error>
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/FileDescriptor.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 
 namespace zqpaths {
 namespace {
@@ -56,8 +54,7 @@ bool isOnDisk(const std::string& path) {
         case ENAMETOOLONG:  // a name that no file can have
             return false;
         default:
-            throw Failure(ExitStatus::kFailed,
-                          printablePath(path) + ": " + std::generic_category().message(error));
+            throw systemFailureAt(path, error);
     }
 }
 

@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -18,10 +17,6 @@ namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 20;
 
-[[noreturn]] void failAt(const std::string& place) {
-    throw Failure(ExitStatus::kFailed, place + ": " + std::generic_category().message(errno));
-}
-
 bool isStandardInput(const std::string& fileName) {
     return fileName == "-";
 }
@@ -30,7 +25,7 @@ FileDescriptor openList(const std::string& fileName, const std::string& name) {
     FileDescriptor file(isStandardInput(fileName) ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
                                                   : ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status {};
-    if (!file.isOpen() || ::fstat(file.number(), &status) != 0) failAt(name);
+    if (!file.isOpen() || ::fstat(file.number(), &status) != 0) throw systemFailureAt(name, errno);
     const bool canBeReadAgain = S_ISREG(status.st_mode) && !isStandardInput(fileName);
     return canBeReadAgain ? std::move(file) : temporaryCopy(file.number(), name);
 }
@@ -74,18 +69,18 @@ std::size_t ListSource::readAt(std::uint64_t offset, std::span<char> bytes) cons
         const ssize_t count =
             ::pread(file_.number(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
         if (count >= 0) return static_cast<std::size_t>(count);
-        if (errno != EINTR) failAt(name_);
+        if (errno != EINTR) throw systemFailureAt(name_, errno);
     }
 }
 
 void ListSource::requirePath(std::string_view path, std::uint64_t number) const {
-    const char* const unit = delimiter_ == '\n' ? ": line " : ": path ";
-    if (path.empty())
-        throw Failure(ExitStatus::kFailed, name_ + unit + std::to_string(number) + " is empty");
+    const auto refuse = [&](const char* reason) {
+        const char* const unit = delimiter_ == '\n' ? "line " : "path ";
+        throw failureAt(name_, unit + std::to_string(number) + reason);
+    };
+    if (path.empty()) refuse(" is empty");
     if (path.find('\0') != std::string_view::npos)
-        throw Failure(ExitStatus::kFailed, name_ + unit + std::to_string(number) +
-                                               " holds a NUL, which no path can; -0 is for paths "
-                                               "that end with one");
+        refuse(" holds a NUL, which no path can; -0 is for paths that end with one");
 }
 
 }  // namespace zqpaths

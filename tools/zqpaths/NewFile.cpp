@@ -5,21 +5,14 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <system_error>
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 
 namespace zqpaths {
 namespace {
 
 constexpr mode_t kMode = 0666;  // less what the user's mask takes away
-
-[[noreturn]] void fail(const std::string& path, int error) {
-    throw Failure(ExitStatus::kFailed,
-                  printablePath(path) + ": " + std::generic_category().message(error));
-}
 
 /// With the separator at its end; empty for the current directory.
 std::string directoryOf(const std::string& path) {
@@ -35,7 +28,7 @@ NewFile::NewFile(std::string path) : path_(std::move(path)) {
         const std::string name = prefix + std::to_string(number);
         const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kMode);
         if (file < 0 && errno == EEXIST) continue;
-        if (file < 0) fail(path_, errno);
+        if (file < 0) throw systemFailureAt(path_, errno);
         close(file);
         temporaryPath_ = name;
         return;
@@ -57,14 +50,14 @@ bool NewFile::publish() {
         else if (errno == EEXIST)
             return false;
         else
-            fail(path_, errno);
+            throw systemFailureAt(path_, errno);
     }
     noteInDirectory();
     return true;
 }
 
 void NewFile::publishInPlace() {
-    if (rename(temporaryPath_.c_str(), path_.c_str()) != 0) fail(path_, errno);
+    if (rename(temporaryPath_.c_str(), path_.c_str()) != 0) throw systemFailureAt(path_, errno);
     noteInDirectory();
 }
 
@@ -78,7 +71,7 @@ void NewFile::noteInDirectory() {
     const int error = errno;
     close(opened);
     // Some file systems have nothing to write for a directory.
-    if (code != 0 && error != EINVAL) fail(path_, error);
+    if (code != 0 && error != EINVAL) throw systemFailureAt(path_, error);
 }
 
 }  // namespace zqpaths

@@ -4,14 +4,13 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
 
 #include "tools/zqpaths/Failure.hpp"
 
 namespace zqpaths {
 namespace {
 
-constexpr const char* kPlace = "standard input: ";
+constexpr const char* kPlace = "standard input";
 constexpr std::string_view kGaps{" \t\n\v\f\r\0", 7};
 constexpr std::size_t kMaxWordBytes = 256;  // no range is so long; what is, is not read to its end
 
@@ -19,8 +18,7 @@ std::size_t readSome(char* buffer, std::size_t size) {
     while (true) {
         const ssize_t count = ::read(STDIN_FILENO, buffer, size);
         if (count >= 0) return static_cast<std::size_t>(count);
-        if (errno != EINTR)
-            throw Failure(ExitStatus::kFailed, kPlace + std::generic_category().message(errno));
+        if (errno != EINTR) throw systemFailureAt(kPlace, errno);
     }
 }
 
@@ -62,8 +60,8 @@ NumberRange NumberInput::parseWord() const {
         range.requireIn(setSize_);
         return range;
     } catch (const Failure& failure) {
-        throw Failure(failure.status(),
-                      kPlace + ("line " + std::to_string(line_)) + ": " + failure.what());
+        throw failureAt(kPlace, "line " + std::to_string(line_) + ": " + failure.what(),
+                        failure.status());
     }
 }
 

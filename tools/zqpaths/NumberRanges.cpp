@@ -6,7 +6,6 @@
 #include <system_error>
 
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 
 namespace zqpaths {
 namespace {
@@ -21,7 +20,7 @@ std::uint64_t distance(std::uint64_t a, std::uint64_t b) noexcept {
 }
 
 [[noreturn]] void refuse(std::string_view text, const std::string& reason) {
-    throw Failure(ExitStatus::kFailed, printablePath(text) + ": " + reason);
+    throw failureAt(text, reason);
 }
 
 /// A whole number that stands for `part` of `text`.
@@ -65,8 +64,12 @@ std::uint64_t NumberRange::operator[](std::uint64_t index) const noexcept {
 
 void NumberRange::requireIn(std::uint64_t setSize) const {
     const std::uint64_t highest = std::max(first_, (*this)[size_ - 1]);
-    if (highest <= setSize) return;
-    throw Failure(ExitStatus::kFailed, "there is no path " + std::to_string(highest) +
+    requirePathNumber(highest, setSize);
+}
+
+void requirePathNumber(std::uint64_t number, std::uint64_t setSize) {
+    if (number >= 1 && number <= setSize) return;
+    throw Failure(ExitStatus::kFailed, "there is no path " + std::to_string(number) +
                                            " in this set of " + std::to_string(setSize) + " paths");
 }
 

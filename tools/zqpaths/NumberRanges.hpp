@@ -36,6 +36,9 @@ private:
     std::uint64_t size_;
 };
 
+/// Throws Failure kFailed, which tells number and size, if a set of this size has no such path.
+void requirePathNumber(std::uint64_t number, std::uint64_t setSize);
+
 /// Throws Failure kFailed, which tells the text and what is wrong with it.
 NumberRange parseNumberRange(std::string_view text);
 

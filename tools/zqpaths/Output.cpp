@@ -1,17 +1,15 @@
 #include "tools/zqpaths/Output.hpp"
 
 #include <poll.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <system_error>
 
 #include "tools/zqpaths/Base64.hpp"
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/JsonText.hpp"
 #include "tools/zqpaths/PathText.hpp"
 
 namespace zqpaths {
@@ -19,47 +17,41 @@ namespace {
 
 constexpr std::size_t kBufferedBytes = std::size_t{1} << 18;
 
-bool isUtf8(std::string_view bytes) {
-    return utf8Prefix(bytes) == bytes.size();
-}
-
 /// One JSON object, field by field.
 class JsonObject {
 public:
     JsonObject() : writer_(text_) { writer_.StartObject(); }
 
     void add(std::string_view key, std::uint64_t value) {
-        putText(key);
+        putText(writer_, key);
         writer_.Uint64(value);
     }
 
     void add(std::string_view key, std::string_view value) {
-        putText(key);
-        putText(value);
+        putText(writer_, key);
+        putText(writer_, value);
     }
 
-    /// A name, and under `bytesKey` its bytes if they are not UTF-8.
     void addName(std::string_view key, std::string_view bytesKey, std::string_view name) {
-        putText(key);
-        putName(name);
-        if (!isUtf8(name)) add(bytesKey, toBase64(name));
+        putName(writer_, key, bytesKey, name);
     }
 
+    /// Names, and under `bytesKey` the bytes of those that are not UTF-8, if there are any.
     void addNames(std::string_view key, std::string_view bytesKey,
                   std::span<const std::string> names) {
-        putText(key);
+        putText(writer_, key);
         writer_.StartArray();
-        for (const std::string& name : names) putName(name);
+        for (const std::string& name : names) putReadable(writer_, name);
         writer_.EndArray();
         if (std::ranges::all_of(names, isUtf8)) return;
 
-        putText(bytesKey);
+        putText(writer_, bytesKey);
         writer_.StartArray();
         for (const std::string& name : names) {
             if (isUtf8(name)) {
                 writer_.Null();
             } else {
-                putText(toBase64(name));
+                putText(writer_, toBase64(name));
             }
         }
         writer_.EndArray();
@@ -71,22 +63,8 @@ public:
     }
 
 private:
-    void putText(std::string_view text) {
-        writer_.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-    }
-
-    void putName(std::string_view name) {
-        if (isUtf8(name)) {
-            putText(name);
-        } else {
-            std::string readable;
-            appendReadable(name, readable);
-            putText(readable);
-        }
-    }
-
     rapidjson::StringBuffer text_;
-    rapidjson::Writer<rapidjson::StringBuffer> writer_;
+    JsonWriter writer_;
 };
 
 void addPath(JsonObject& object, std::string_view path) {
@@ -115,8 +93,7 @@ void writeAll(int descriptor, std::string_view bytes) {
         } else if (errno == EPIPE) {
             throw ClosedPipe();
         } else if (errno != EINTR) {
-            throw Failure(ExitStatus::kFailed,
-                          "standard output: " + std::generic_category().message(errno));
+            throw systemFailureAt("standard output", errno);
         }
     }
 }

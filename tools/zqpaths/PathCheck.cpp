@@ -16,7 +16,6 @@
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/Figures.hpp"
 #include "tools/zqpaths/PathComponents.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/Progress.hpp"
 
 namespace zqpaths {
@@ -100,7 +99,7 @@ bool isWhole(std::string_view path) {
 }
 
 [[noreturn]] void refuse(const std::string& file, const std::string& reason) {
-    throw Failure(ExitStatus::kDamaged, printablePath(file) + ": " + reason);
+    throw failureAt(file, reason, ExitStatus::kDamaged);
 }
 
 /// What `work` fails with when it reads a set that the class has taken, though it should not have.

@@ -8,14 +8,9 @@
 #include "tools/zqpaths/GlobSyntax.hpp"
 #include "tools/zqpaths/PathComponents.hpp"
 #include "tools/zqpaths/PathText.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 
 namespace zqpaths {
 namespace {
-
-bool isUtf8(std::string_view bytes) {
-    return utf8Prefix(bytes) == bytes.size();
-}
 
 /// The file name without the separators behind it.
 std::string_view plainName(std::string_view path) {
@@ -37,9 +32,7 @@ std::unique_ptr<const RE2> compile(const std::string& regex, RE2::Options::Encod
     options.set_never_capture(true);
     options.set_log_errors(false);
     auto compiled = std::make_unique<const RE2>(regex, options);
-    if (!compiled->ok())
-        throw Failure(ExitStatus::kFailed,
-                      "pattern " + printablePath(pattern) + ": " + compiled->error());
+    if (!compiled->ok()) throw failureAt("pattern " + pattern, compiled->error());
     return compiled;
 }
 

@@ -10,6 +10,7 @@
 
 #include "tools/zqpaths/CharacterCounts.hpp"
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/NumberRanges.hpp"
 #include "tools/zqpaths/PathBatch.hpp"
 #include "tools/zqpaths/PathComponents.hpp"
 #include "tools/zqpaths/PathSetClass.hpp"
@@ -18,7 +19,6 @@
 namespace zqpaths {
 namespace {
 
-constexpr std::size_t kPathsACall = 10'000;
 constexpr std::u16string_view kSeparatorText = u"/";
 
 korvex::Object construct(const CharacterCounts& characters) {
@@ -219,9 +219,7 @@ korvex::Array PathSet::fields() {
 }
 
 void PathSet::requireNumber(std::uint64_t number) const {
-    if (number >= 1 && number <= size_) return;
-    throw Failure(ExitStatus::kFailed, "there is no path " + std::to_string(number) +
-                                           " in this set of " + std::to_string(size_) + " paths");
+    requirePathNumber(number, size_);
 }
 
 }  // namespace zqpaths

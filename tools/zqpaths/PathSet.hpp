@@ -42,6 +42,9 @@ using GroupVisitor =
 
 class PathSet {
 public:
+    /// How many paths are had from the class at once; who wants more pieces may have as many each.
+    static constexpr std::size_t kPathsACall = 10'000;
+
     /// An empty set that can hold paths of these characters.
     explicit PathSet(const CharacterCounts& characters);
 

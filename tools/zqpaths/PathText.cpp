@@ -104,6 +104,10 @@ std::size_t utf8Prefix(std::string_view bytes) {
     return static_cast<std::size_t>(utf8::find_invalid(bytes.data() + ascii, end) - bytes.data());
 }
 
+bool isUtf8(std::string_view bytes) {
+    return utf8Prefix(bytes) == bytes.size();
+}
+
 void appendReadable(std::string_view bytes, std::string& text) {
     while (true) {
         const std::size_t valid = utf8Prefix(bytes);

@@ -31,6 +31,8 @@ void appendBytes(std::u16string_view text, std::string& bytes);
 /// O(bytes).
 std::size_t utf8Prefix(std::string_view bytes);
 
+bool isUtf8(std::string_view bytes);
+
 /// Appends `bytes` as UTF-8 for people to read: U+FFFD for each byte that appendUtf16 would not
 /// convert. Throws only std::bad_alloc; part may have been appended then. O(bytes).
 void appendReadable(std::string_view bytes, std::string& text);

@@ -7,14 +7,12 @@
 #include <cerrno>
 #include <cstdint>
 #include <span>
-#include <system_error>
 #include <vector>
 
 #include "tools/zqpaths/DeferredSignals.hpp"
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/FileDescriptor.hpp"
 #include "tools/zqpaths/NewFile.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/StoredArray.hpp"
 
 namespace zqpaths {
@@ -22,14 +20,9 @@ namespace {
 
 constexpr std::uint64_t kBytesACall = std::uint64_t{1} << 20;
 
-[[noreturn]] void failOfSystem(const std::string& path) {
-    throw Failure(ExitStatus::kFailed,
-                  printablePath(path) + ": " + std::generic_category().message(errno));
-}
-
 FileDescriptor openFile(const std::string& path, const std::string& shownPath, int flags) {
     const int opened = open(path.c_str(), flags | O_CLOEXEC);
-    if (opened < 0) failOfSystem(shownPath);
+    if (opened < 0) throw systemFailureAt(shownPath, errno);
     return FileDescriptor(opened);
 }
 
@@ -37,7 +30,7 @@ void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> bytes,
               const std::string& path) {
     while (!bytes.empty()) {
         const ssize_t count = write(file.number(), bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) failOfSystem(path);
+        if (count < 0 && errno != EINTR) throw systemFailureAt(path, errno);
         if (count > 0) bytes = bytes.subspan(static_cast<std::size_t>(count));
     }
 }
@@ -63,7 +56,7 @@ std::vector<std::uint8_t> readAll(const std::string& path) {
     while (true) {
         bytes.resize(size + kBytesACall);
         const ssize_t count = read(file.number(), bytes.data() + size, kBytesACall);
-        if (count < 0 && errno != EINTR) failOfSystem(path);
+        if (count < 0 && errno != EINTR) throw systemFailureAt(path, errno);
         if (count == 0) break;
         if (count > 0) size += static_cast<std::size_t>(count);
     }
@@ -89,7 +82,7 @@ void writeRawPiece(const std::string& path, const kxArray* array) {
     {
         const FileDescriptor opened = openFile(file.temporaryPath(), path, O_WRONLY);
         writeElements(opened, array, path);
-        if (fsync(opened.number()) != 0) failOfSystem(path);
+        if (fsync(opened.number()) != 0) throw systemFailureAt(path, errno);
     }
     file.publishInPlace();
 }
@@ -97,8 +90,8 @@ void writeRawPiece(const std::string& path, const kxArray* array) {
 korvex::Array readRawCharacters(const std::string& path) {
     const std::vector<std::uint8_t> bytes = readAll(path);
     if (bytes.size() % sizeof(char16_t) != 0)
-        throw Failure(ExitStatus::kDamaged,
-                      path + ": half a character at byte " + std::to_string(bytes.size() - 1));
+        throw failureAt(path, "half a character at byte " + std::to_string(bytes.size() - 1),
+                        ExitStatus::kDamaged);
     return arrayOf(bytes, {"char", 1, bytes.size() / sizeof(char16_t)});
 }
 

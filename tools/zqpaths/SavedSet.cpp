@@ -6,7 +6,6 @@
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/PathSetClass.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 
 namespace zqpaths {
 
@@ -20,8 +19,7 @@ korvex::Array loadFields(const std::string& file) {
 
 korvex::Array fieldsOf(const std::string& file, SetFile::Content content) {
     if (content.className != kPathSetClass)
-        throw Failure(ExitStatus::kFailed, printablePath(file) + ": holds an object of " +
-                                               content.className + ", no set of paths");
+        throw failureAt(file, "holds an object of " + content.className + ", no set of paths");
     return std::move(content.fields);
 }
 
@@ -30,11 +28,11 @@ PathSet restoreSet(const std::string& file, korvex::Array fields) {
     try {
         return PathSet::restored(std::move(fields));
     } catch (const Failure& failure) {
-        throw Failure(failure.status(), printablePath(file) + ": " + failure.what());
+        throw failureAt(file, failure.what(), failure.status());
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {
-        throw Failure(ExitStatus::kDamaged, printablePath(file) + ": " + error.what());
+        throw failureAt(file, error.what(), ExitStatus::kDamaged);
     }
 }
 

@@ -1,18 +1,12 @@
 #include "tools/zqpaths/SetBuilding.hpp"
 
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 
 #include "host/runtime/Error.hpp"
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/Figures.hpp"
+#include "tools/zqpaths/Messages.hpp"
 #include "tools/zqpaths/PathBatch.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/Progress.hpp"
 
 namespace zqpaths {
@@ -32,11 +26,6 @@ void addBatch(PathSet& set, PathBatch& batch, Progress& progress) {
         throw;
     }
     progress.advance(count);
-}
-
-void tell(const std::string& message) {
-    Progress::makeRoom();
-    static_cast<void>(std::fprintf(stderr, "zqpaths: %s\n", message.c_str()));
 }
 
 }  // namespace
@@ -87,29 +76,12 @@ std::optional<PathSet> buildSet(PathSource& source, const MessageOptions& messag
     return built;
 }
 
-void requireRoomFor(const std::string& file, bool mayReplace) {
-    const std::filesystem::path path(file);
-    if (!mayReplace && std::filesystem::exists(std::filesystem::symlink_status(path)))
-        throw Failure(ExitStatus::kFailed,
-                      printablePath(file) + " is there already; --force replaces it");
-    const std::string folder = path.has_parent_path() ? path.parent_path().string() : ".";
-    if (::access(folder.c_str(), W_OK | X_OK) != 0)
-        throw Failure(ExitStatus::kFailed,
-                      printablePath(folder) + ": " + std::generic_category().message(errno));
-}
-
 ExitStatus statusAfter(const PathSource& source, bool ignoreUnreadable) {
     const std::uint64_t count = source.unreadableCount();
     if (count == 0) return ExitStatus::kDone;
     tell(groupDigits(count) + (count == 1 ? " directory" : " directories") +
          " could not be read and " + (count == 1 ? "is" : "are") + " left out");
     return ignoreUnreadable ? ExitStatus::kDone : ExitStatus::kFailed;
-}
-
-void tellSize(const std::string& file, const PathSet& set, const MessageOptions& messages) {
-    if (messages.quiet) return;
-    tell(printablePath(file) + " holds " + groupDigits(set.size()) +
-         (set.size() == 1 ? " path" : " paths"));
 }
 
 }  // namespace zqpaths

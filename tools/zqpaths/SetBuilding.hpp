@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <optional>
-#include <string>
 
 #include "tools/zqpaths/CharacterCounts.hpp"
 #include "tools/zqpaths/ExitStatus.hpp"
@@ -33,14 +32,7 @@ PathSet againWhilePathsChange(const std::function<PathSet()>& work);
 /// A set of all paths of a source, in their order.
 std::optional<PathSet> buildSet(PathSource& source, const MessageOptions& messages);
 
-/// Throws Failure kFailed if there is something at `file` that may not be replaced, or if its
-/// folder takes no new file: better said before the work than after it.
-void requireRoomFor(const std::string& file, bool mayReplace);
-
 /// What a verb that has read `source` ends with; it tells how much could not be read.
 ExitStatus statusAfter(const PathSource& source, bool ignoreUnreadable);
-
-/// Tells how many paths the set in `file` has now.
-void tellSize(const std::string& file, const PathSet& set, const MessageOptions& messages);
 
 }  // namespace zqpaths

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <memory>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 #include "tools/zqpaths/Database.hpp"
@@ -13,31 +12,25 @@
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/FileHolder.hpp"
 #include "tools/zqpaths/NewFile.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/SetTables.hpp"
 
 namespace zqpaths {
 namespace {
-
-[[noreturn]] void fail(const std::string& path, const std::string& reason,
-                       ExitStatus status = ExitStatus::kFailed) {
-    throw Failure(status, printablePath(path) + ": " + reason);
-}
 
 /// Whether there is a file, which is then one that can hold a set. Throws Failure kFailed.
 bool isThere(const std::string& path) {
     struct stat file {};
     if (stat(path.c_str(), &file) != 0) {
         if (errno == ENOENT) return false;
-        fail(path, std::generic_category().message(errno));
+        throw systemFailureAt(path, errno);
     }
-    if (S_ISDIR(file.st_mode)) fail(path, std::generic_category().message(EISDIR));
-    if (!S_ISREG(file.st_mode)) fail(path, "is no regular file");
+    if (S_ISDIR(file.st_mode)) throw systemFailureAt(path, EISDIR);
+    if (!S_ISREG(file.st_mode)) throw failureAt(path, "is no regular file");
     return true;
 }
 
 void requireThere(const std::string& path) {
-    if (!isThere(path)) fail(path, std::generic_category().message(ENOENT));
+    if (!isThere(path)) throw systemFailureAt(path, ENOENT);
 }
 
 /// The result of `work`, with its errors as those of the program. By the time that an error gets
@@ -49,11 +42,11 @@ auto inTermsOfProgram(const std::string& path, const Work& work) {
     } catch (const DatabaseError& error) {
         switch (error.kind()) {
             case DatabaseError::Kind::kDamaged:
-                fail(path, error.what(), ExitStatus::kDamaged);
+                throw failureAt(path, error.what(), ExitStatus::kDamaged);
             case DatabaseError::Kind::kBusy:
-                fail(path, "is held by " + holderOf(path));
+                throw failureAt(path, "is held by " + holderOf(path));
             default:
-                fail(path, error.what());
+                throw failureAt(path, error.what());
         }
     }
 }
@@ -186,7 +179,7 @@ SetFile::Content readContent(Database& database, const std::string& path) {
             restoreBytes(bytes, offset, arrays[index].get());
         },
         [&path](const SetFile::Damage& damage) {
-            fail(path, SetFile::describe(damage), ExitStatus::kDamaged);
+            throw failureAt(path, SetFile::describe(damage), ExitStatus::kDamaged);
         });
     korvex::Array structure(kxCreateStructure({1, 1}, names));
     for (std::size_t i = 0; i < names.size(); ++i)
@@ -210,7 +203,7 @@ void SetFile::save(const std::string& path, const std::string& className,
     const Saving saving = describeSaving(className, fields);
     saveInTermsOfProgram(path, [&] {
         if (!isThere(path) && makeFile(path, saving)) return;
-        if (existing == Existing::kRefuse) fail(path, "is there already; --force replaces it");
+        if (existing == Existing::kRefuse) throw failureAt(path, kIsThere);
         replaceContent(*openForWriting(path), saving);
     });
 }

@@ -31,6 +31,9 @@ class SetFile {
 public:
     enum class Existing { kRefuse, kReplace };
 
+    /// What is said of a file that must not be replaced.
+    static constexpr const char* kIsThere = "is there already; --force replaces it";
+
     struct Content {
         std::string className;
         korvex::Array fields;  // a structure of 1 by 1

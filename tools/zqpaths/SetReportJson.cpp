@@ -1,38 +1,28 @@
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <string_view>
 
-#include "tools/zqpaths/Base64.hpp"
 #include "tools/zqpaths/FolderText.hpp"
-#include "tools/zqpaths/PathText.hpp"
+#include "tools/zqpaths/JsonText.hpp"
 #include "tools/zqpaths/SetReport.hpp"
 
 namespace zqpaths {
 namespace {
 
-using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
-
-void putText(Writer& writer, std::string_view text) {
-    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-}
-
-void put(Writer& writer, std::uint64_t value) {
+void put(JsonWriter& writer, std::uint64_t value) {
     writer.Uint64(value);
 }
 
-void put(Writer& writer, double value) {
+void put(JsonWriter& writer, double value) {
     writer.Double(value);
 }
 
 template <class Number>
-void put(Writer& writer, std::string_view key, Number value) {
+void put(JsonWriter& writer, std::string_view key, Number value) {
     putText(writer, key);
     put(writer, value);
 }
 
 template <class Number>
-void put(Writer& writer, std::string_view key, std::optional<Number> value) {
+void put(JsonWriter& writer, std::string_view key, std::optional<Number> value) {
     putText(writer, key);
     if (value) {
         put(writer, *value);
@@ -41,19 +31,7 @@ void put(Writer& writer, std::string_view key, std::optional<Number> value) {
     }
 }
 
-/// A name, and under `bytesKey` its bytes if they are not UTF-8.
-void putName(Writer& writer, std::string_view key, std::string_view bytesKey,
-             std::string_view name) {
-    std::string readable;
-    appendReadable(name, readable);
-    putText(writer, key);
-    putText(writer, readable);
-    if (utf8Prefix(name) == name.size()) return;
-    putText(writer, bytesKey);
-    putText(writer, toBase64(name));
-}
-
-void putSection(Writer& writer, std::string_view key, const SavedForm::Section& section) {
+void putSection(JsonWriter& writer, std::string_view key, const SavedForm::Section& section) {
     putText(writer, key);
     writer.StartObject();
     put(writer, "bytes", section.byteSize);
@@ -61,7 +39,7 @@ void putSection(Writer& writer, std::string_view key, const SavedForm::Section& 
     writer.EndObject();
 }
 
-void putSaved(Writer& writer, const SetReport& report) {
+void putSaved(JsonWriter& writer, const SetReport& report) {
     putText(writer, "saved");
     writer.StartObject();
     put(writer, "file", report.fileSize);
@@ -74,7 +52,7 @@ void putSaved(Writer& writer, const SetReport& report) {
     writer.EndObject();
 }
 
-void putTrie(Writer& writer, const SetReport& report) {
+void putTrie(JsonWriter& writer, const SetReport& report) {
     const TrieOutline& trie = report.form.trie;
     putText(writer, "tree");
     writer.StartObject();
@@ -86,7 +64,7 @@ void putTrie(Writer& writer, const SetReport& report) {
     writer.EndObject();
 }
 
-void putFolders(Writer& writer, const SetReport& report) {
+void putFolders(JsonWriter& writer, const SetReport& report) {
     putText(writer, "largestFolders");
     writer.StartArray();
     for (const SavedForm::Folder& folder : report.form.largestFolders) {
@@ -102,7 +80,7 @@ void putFolders(Writer& writer, const SetReport& report) {
 
 std::string reportJson(const SetReport& report) {
     rapidjson::StringBuffer text;
-    Writer writer(text);
+    JsonWriter writer(text);
     writer.StartObject();
     putName(writer, "set", "setBytes", report.file);
     put(writer, "paths", report.pathCount);

@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 
 namespace zqpaths {
 namespace {
@@ -96,9 +95,7 @@ void makeTables(Database& database) {
 }
 
 void requireSet(Database& database, const std::string& path) {
-    const auto refuse = [&path](const std::string& reason) {
-        throw Failure(ExitStatus::kFailed, printablePath(path) + ": " + reason);
-    };
+    const auto refuse = [&path](const std::string& reason) { throw failureAt(path, reason); };
     if (database.firstBytes(kMagic.size()) != kMagic) refuse("is no saved set");
     if (database.number("PRAGMA application_id") != kApplicationId)
         refuse("is a database of another program");

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdlib>
 #include <span>
-#include <system_error>
 #include <vector>
 
 #include "tools/zqpaths/Failure.hpp"
@@ -18,8 +17,9 @@ namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 20;
 
-[[noreturn]] void failAt(const std::string& place) {
-    throw Failure(ExitStatus::kFailed, place + ": " + std::generic_category().message(errno));
+/// With errno of the last call.
+Failure failureIn(const std::string& folder) {
+    return systemFailureAt("a temporary file in " + folder, errno);
 }
 
 std::string temporaryFolder() {
@@ -42,7 +42,7 @@ std::size_t readSome(int input, std::span<char> bytes, const std::string& inputN
     while (true) {
         const ssize_t count = ::read(input, bytes.data(), bytes.size());
         if (count >= 0) return static_cast<std::size_t>(count);
-        if (errno != EINTR) failAt(inputName);
+        if (errno != EINTR) throw systemFailureAt(inputName, errno);
     }
 }
 
@@ -52,7 +52,7 @@ void writeAll(int output, std::span<const char> bytes, const std::string& folder
         if (count >= 0)
             bytes = bytes.subspan(static_cast<std::size_t>(count));
         else if (errno != EINTR)
-            failAt("a temporary file in " + folder);
+            throw failureIn(folder);
     }
 }
 
@@ -61,7 +61,7 @@ void writeAll(int output, std::span<const char> bytes, const std::string& folder
 FileDescriptor temporaryCopy(int input, const std::string& inputName) {
     const std::string folder = temporaryFolder();
     FileDescriptor copy = unnamedFile(folder);
-    if (!copy.isOpen()) failAt("a temporary file in " + folder);
+    if (!copy.isOpen()) throw failureIn(folder);
     std::vector<char> buffer(kBufferSize);
     while (const std::size_t count = readSome(input, buffer, inputName))
         writeAll(copy.number(), std::span(buffer).first(count), folder);

@@ -1,13 +1,13 @@
 // Runs what the arguments ask for, and turns whatever goes wrong into a message and an exit status.
 
 #include <csignal>
-#include <cstdio>
 #include <exception>
 #include <new>
 
 #include "host/runtime/Error.hpp"
 #include "tools/zqpaths/Arguments.hpp"
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/Messages.hpp"
 #include "tools/zqpaths/Output.hpp"
 #include "tools/zqpaths/StandardStreams.hpp"
 
@@ -16,7 +16,7 @@ namespace {
 using zqpaths::ExitStatus;
 
 ExitStatus fail(ExitStatus status, const char* message) {
-    std::fprintf(stderr, "zqpaths: %s\n", message);
+    zqpaths::tell(message);
     return status;
 }
 

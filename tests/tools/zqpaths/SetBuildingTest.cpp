@@ -124,16 +124,5 @@ TEST(SetBuilding, extendsASetByAnother) {
     EXPECT_THAT(pathsOf(*extended), ElementsAre("a", "b/c", "b/\xC4\x80", "a"));
 }
 
-TEST(SetBuilding, refusesAPlaceThatIsTakenOrCannotBe) {
-    const TemporaryTree tree;
-    const std::string file = tree.addFile("s.zqp");
-    EXPECT_THROW(requireRoomFor(file, false), Failure);
-    EXPECT_NO_THROW(requireRoomFor(file, true));
-    EXPECT_NO_THROW(requireRoomFor(tree.pathOf("new.zqp"), false));
-    EXPECT_THROW(requireRoomFor(tree.pathOf("none/new.zqp"), true), Failure);
-    tree.addSymbolicLink("dangling", "nowhere");
-    EXPECT_THROW(requireRoomFor(tree.pathOf("dangling"), false), Failure);
-}
-
 }  // namespace
 }  // namespace zqpaths

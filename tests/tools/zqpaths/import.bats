@@ -45,7 +45,7 @@ import_pieces() {
     make_set t.zqp other
     export_pieces s.zqp
     cp t.zqp before
-    fails_with 2 't.zqp is there already; --force replaces it' import_pieces t.zqp
+    fails_with 2 't.zqp: is there already; --force replaces it' import_pieces t.zqp
     cmp before t.zqp
     zqpaths import t.zqp --tree-string characters --path-tree paths --force
     [ "$(zqpaths list t.zqp)" = $'a/x\nb' ]

@@ -1,9 +1,9 @@
 #!/usr/bin/env bats
 load setup
 
-# json_of SET PROGRAM - what a program in Python says of the object `info`
+# json_of SET FILTER - what jq's filter makes of the object
 json_of() {
-    zqpaths info "$1" --json | python3 -c "import json, sys; info = json.load(sys.stdin); print($2)"
+    zqpaths info "$1" --json | jq --compact-output "$2"
 }
 
 # in_terminal COMMAND - what a command prints on a terminal
@@ -13,33 +13,33 @@ in_terminal() {
 
 @test "counts are those of the set" {
     make_set few.zqp a/b a/c a/c2 d
-    [ "$(json_of few.zqp 'info["paths"]')" = 4 ]
-    [ "$(json_of few.zqp 'info["textBytes"]')" = 15 ]
-    [ "$(json_of few.zqp 'info["tree"]["depth"]')" = 2 ]
-    [ "$(json_of few.zqp 'info["tree"]["widest"]')" = 3 ]
-    [ "$(json_of few.zqp 'info["characters"]')" = 7 ]
-    [ "$(json_of few.zqp 'info["charactersOfNames"]')" = 8 ]
+    [ "$(json_of few.zqp '.paths')" = 4 ]
+    [ "$(json_of few.zqp '.textBytes')" = 15 ]
+    [ "$(json_of few.zqp '.tree.depth')" = 2 ]
+    [ "$(json_of few.zqp '.tree.widest')" = 3 ]
+    [ "$(json_of few.zqp '.characters')" = 7 ]
+    [ "$(json_of few.zqp '.charactersOfNames')" = 8 ]
 }
 
 @test "text bytes are those of the list, odd names and all" {
     make_odd_set odd.zqp
-    [ "$(json_of odd.zqp 'info["textBytes"]')" = "$(wc -c <odd.zqp.paths)" ]
-    [ "$(json_of odd.zqp 'info["tree"]["depth"]')" = 3003 ]
+    [ "$(json_of odd.zqp '.textBytes')" = "$(wc -c <odd.zqp.paths)" ]
+    [ "$(json_of odd.zqp '.tree.depth')" = 3003 ]
 }
 
 @test "bits a character are those of the best prefix code" {
     # Without folders: b four times, c twice, d once, and the mark of no folder once.
     make_set few.zqp bb bb cc d
-    [ "$(json_of few.zqp 'info["charactersOfNames"]')" = 8 ]
-    [ "$(json_of few.zqp 'info["bitsACharacter"]')" = 1.75 ]
+    [ "$(json_of few.zqp '.charactersOfNames')" = 8 ]
+    [ "$(json_of few.zqp '.bitsACharacter')" = 1.75 ]
 }
 
 @test "the saved bytes of all pieces make up the saved form" {
     make_odd_set odd.zqp
-    run -0 json_of odd.zqp 'info["saved"]["form"] - 8 - sum(info["saved"][piece]["saved"] for piece in ("shape", "structure", "names", "index"))'
+    run -0 json_of odd.zqp '.saved | .form - 8 - ([.shape, .structure, .names, .index] | map(.saved) | add)'
     # What is left is the check sum of the stream, whose last bits a piece may share.
     ((output >= 0 && output <= 8))
-    [ "$(json_of odd.zqp 'info["saved"]["file"]')" = "$(stat -c %s odd.zqp)" ]
+    [ "$(json_of odd.zqp '.saved.file')" = "$(stat -c %s odd.zqp)" ]
 }
 
 @test "the ten largest folders are named, largest first" {
@@ -48,20 +48,20 @@ in_terminal() {
         seq -f "top/folder $i/%.0f" "$i"
     done >list
     zqpaths index many.zqp --list list
-    run -0 json_of many.zqp '[(f["folder"], f["files"]) for f in info["largestFolders"]] == [(f"top/folder {i}/", i) for i in range(12, 2, -1)]'
-    [ "$output" = True ]
+    run -0 json_of many.zqp '[.largestFolders[] | [.folder, .files]] == [range(12; 2; -1) | ["top/folder \(.)/", .]]'
+    [ "$output" = true ]
 }
 
 @test "paths without folder have a place among the folders" {
     make_set few.zqp x/a b c
-    [ "$(json_of few.zqp '[f["folder"] for f in info["largestFolders"]]')" = "['', 'x/']" ]
+    [ "$(json_of few.zqp '[.largestFolders[].folder]')" = '["","x/"]' ]
     run -0 zqpaths info few.zqp
     [[ $output == *"(no folder)"* ]]
 }
 
 @test "folders that are not UTF-8 come with their bytes" {
     make_set odd.zqp $'bad\xff/a'
-    [ "$(json_of odd.zqp 'info["largestFolders"][0]["bytes"]')" = "$(printf 'bad\xff/' | base64)" ]
+    [ "$(json_of odd.zqp '.largestFolders[0].bytes')" = "\"$(printf 'bad\xff/' | base64)\"" ]
 }
 
 @test "control characters do not reach the terminal" {
@@ -99,7 +99,7 @@ in_terminal() {
     make_set few.zqp a/b a/c d
     zqpaths export few.zqp --tree-string chars --path-tree paths
     zqpaths import other.zqp --tree-string chars --path-tree paths
-    [ "$(json_of other.zqp 'info["bitsACharacter"]')" = None ]
+    [ "$(json_of other.zqp '.bitsACharacter')" = null ]
     run -0 zqpaths info other.zqp
     [[ $output == *"unknown"* ]]
 }

@@ -37,7 +37,7 @@ load setup
 @test "a set that is there is replaced only with --force, even one of the merged" {
     make_set a.zqp x
     make_set b.zqp y
-    fails_with 2 'a.zqp is there already' zqpaths merge a.zqp a.zqp b.zqp
+    fails_with 2 'a.zqp: is there already' zqpaths merge a.zqp a.zqp b.zqp
     [ "$(zqpaths list a.zqp)" = x ]
     zqpaths merge --force a.zqp a.zqp b.zqp
     [ "$(zqpaths list a.zqp)" = $'x\ny' ]

@@ -201,7 +201,7 @@ files() {
         zqpaths index -q folder/s.zqp --list list 2>errors.2 || second=$?
         wait "$one" || first=$?
         [[ "$first $second" == '0 2' || "$first $second" == '2 0' ]]
-        grep --quiet 's.zqp.* is there already' errors.1 errors.2
+        grep --quiet 's.zqp: is there already' errors.1 errors.2
         zqpaths list folder/s.zqp | cmp - list
         [ "$(files folder)" = 's.zqp ' ]
         rm folder/s.zqp

@@ -90,6 +90,15 @@ make_set() {
     printf '%s\0' "$@" | zqpaths index "$set" --list - -0
 }
 
+# random_paths COUNT - paths of any bytes, each ended by NUL, the same each time
+random_paths() {
+    perl -e '
+        srand(7);
+        for (1 .. shift) {
+            print map({ chr(1 + int(rand(255))) } 1 .. 1 + int(rand(60))), "\0";
+        }' "$1"
+}
+
 # fails_with STATUS TEXT COMMAND... - the command prints nothing on standard output, ends with this
 # status and has TEXT in what it tells on standard error
 fails_with() {

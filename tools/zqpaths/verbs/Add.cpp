@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/zqpaths/NewSet.hpp"
 #include "tools/zqpaths/PathSetClass.hpp"
 #include "tools/zqpaths/SavedSet.hpp"
 #include "tools/zqpaths/SetBuilding.hpp"

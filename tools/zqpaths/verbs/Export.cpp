@@ -1,6 +1,5 @@
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/PathSet.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/RawPiece.hpp"
 #include "tools/zqpaths/SavedSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
@@ -11,7 +10,7 @@ namespace {
 void writeField(const kxArray* structure, const char* field, const std::string& file,
                 const std::string& set) {
     if (kxGetFieldNumber(structure, field) < 0)
-        throw Failure(ExitStatus::kDamaged, printablePath(set) + ": has no field " + field);
+        throw failureAt(set, std::string("has no field ") + field, ExitStatus::kDamaged);
     writeRawPiece(file, kxGetField(structure, 0, field));
 }
 

@@ -16,7 +16,6 @@
 namespace zqpaths {
 namespace {
 
-constexpr std::size_t kNumbersASlice = 10'000;
 constexpr std::string_view kStandardInput = "-";
 
 /// Prints the paths of numbers, slice by slice, in the order in which the numbers come.
@@ -31,7 +30,7 @@ public:
     void take(const NumberRange& range) {
         for (std::uint64_t i = 0; i < range.size(); ++i) {
             numbers_.push_back(range[i]);
-            if (numbers_.size() == kNumbersASlice) printSlice();
+            if (numbers_.size() == PathSet::kPathsACall) printSlice();
         }
     }
 

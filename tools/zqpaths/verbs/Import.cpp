@@ -1,14 +1,11 @@
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/NewSet.hpp"
 #include "tools/zqpaths/PathCheck.hpp"
 #include "tools/zqpaths/PathSet.hpp"
-#include "tools/zqpaths/PathSetClass.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/RawPiece.hpp"
 #include "tools/zqpaths/SavedSet.hpp"
-#include "tools/zqpaths/SetBuilding.hpp"
-#include "tools/zqpaths/SetFile.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
 namespace zqpaths {
@@ -18,7 +15,7 @@ namespace {
 PathSet restore(const ImportOptions& options) {
     korvex::Array characters = readRawCharacters(options.treeString);
     if (kxGetNumberOfElements(characters.get()) == 0)
-        throw Failure(ExitStatus::kDamaged, printablePath(options.treeString) + ": is empty");
+        throw failureAt(options.treeString, "is empty", ExitStatus::kDamaged);
     korvex::Array structure(kxCreateStructure({1, 1}, {kTreeStringField, kPathTreeField}));
     kxReplaceField(structure.get(), 0, kTreeStringField, characters.release());
     kxReplaceField(structure.get(), 0, kPathTreeField, readRawBytes(options.pathTree).release());
@@ -31,9 +28,7 @@ ExitStatus runImport(const ImportOptions& options, const MessageOptions& message
     requireRoomFor(options.set, options.force);
     PathSet set = restore(options);
     requireWholePaths(set, options.pathTree, messages);
-    SetFile::save(options.set, kPathSetClass, set.fields(),
-                  options.force ? SetFile::Existing::kReplace : SetFile::Existing::kRefuse);
-    tellSize(options.set, set, messages);
+    saveNewSet(options.set, set, options.force, messages);
     return ExitStatus::kDone;
 }
 

@@ -1,8 +1,7 @@
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/PathSetClass.hpp"
+#include "tools/zqpaths/NewSet.hpp"
 #include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/SetBuilding.hpp"
-#include "tools/zqpaths/SetFile.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
 namespace zqpaths {
@@ -23,9 +22,7 @@ ExitStatus runIndex(const IndexOptions& options, const MessageOptions& messages)
     const std::unique_ptr<PathSource> source = openSource(options.source);
     std::optional<PathSet> set = buildSet(*source, messages);
     if (!set) throw Failure(ExitStatus::kFailed, "no paths in " + namesOf(options.source));
-    SetFile::save(options.set, kPathSetClass, set->fields(),
-                  options.force ? SetFile::Existing::kReplace : SetFile::Existing::kRefuse);
-    tellSize(options.set, *set, messages);
+    saveNewSet(options.set, *set, options.force, messages);
     return statusAfter(*source, options.source.ignoreUnreadable);
 }
 

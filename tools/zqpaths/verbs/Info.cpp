@@ -12,7 +12,6 @@
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/Output.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
 #include "tools/zqpaths/Progress.hpp"
 #include "tools/zqpaths/SavedSet.hpp"
 #include "tools/zqpaths/SetReport.hpp"
@@ -67,8 +66,8 @@ SavedForm readForm(const std::string& file, const kxArray* fields, std::u16strin
         return readSavedForm(kxGetData<std::uint8_t>(kxGetField(fields, 0, kPathTreeField)),
                              characters, kLargestFolders);
     } catch (const Failure& failure) {
-        throw Failure(failure.status(),
-                      printablePath(file) + ": field " + kPathTreeField + ": " + failure.what());
+        throw failureAt(file, std::string("field ") + kPathTreeField + ": " + failure.what(),
+                        failure.status());
     }
 }
 

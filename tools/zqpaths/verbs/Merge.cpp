@@ -1,7 +1,6 @@
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/PathSetClass.hpp"
+#include "tools/zqpaths/NewSet.hpp"
 #include "tools/zqpaths/SetBuilding.hpp"
-#include "tools/zqpaths/SetFile.hpp"
 #include "tools/zqpaths/SetSources.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
@@ -12,9 +11,7 @@ ExitStatus runMerge(const MergeOptions& options, const MessageOptions& messages)
     MergedSource source(options.sets);
     std::optional<PathSet> set = buildSet(source, messages);
     if (!set) throw Failure(ExitStatus::kFailed, "no paths in these sets");
-    SetFile::save(options.out, kPathSetClass, set->fields(),
-                  options.force ? SetFile::Existing::kReplace : SetFile::Existing::kRefuse);
-    tellSize(options.out, *set, messages);
+    saveNewSet(options.out, *set, options.force, messages);
     return ExitStatus::kDone;
 }
 

@@ -1,8 +1,8 @@
-#include <cstdio>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 
+#include "tools/zqpaths/Messages.hpp"
 #include "tools/zqpaths/Output.hpp"
 #include "tools/zqpaths/PathScan.hpp"
 #include "tools/zqpaths/PrintablePath.hpp"
@@ -51,9 +51,7 @@ ExitStatus runNumber(const NumberOptions& options, const MessageOptions& message
         if (numbers[path] != kNoNumber) continue;
         status = ExitStatus::kNegative;
         if (!messages.quiet)
-            static_cast<void>(std::fprintf(stderr, "zqpaths: %s: is not in %s\n",
-                                           printablePath(path).c_str(),
-                                           printablePath(options.set).c_str()));
+            tell(printablePath(path) + ": is not in " + printablePath(options.set));
     }
     return status;
 }

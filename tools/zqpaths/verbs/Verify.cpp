@@ -1,9 +1,9 @@
-#include <cstdio>
 #include <vector>
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/Figures.hpp"
 #include "tools/zqpaths/FilesOnDisk.hpp"
+#include "tools/zqpaths/Messages.hpp"
 #include "tools/zqpaths/Output.hpp"
 #include "tools/zqpaths/PathCheck.hpp"
 #include "tools/zqpaths/PrintablePath.hpp"
@@ -15,17 +15,14 @@
 namespace zqpaths {
 namespace {
 
-void tell(const std::string& message) {
-    static_cast<void>(std::fprintf(stderr, "zqpaths: %s\n", message.c_str()));
-}
-
 /// Tells every damage but the last, which it throws.
 void requireNoDamage(const std::string& file) {
     const std::vector<SetFile::Damage> damages = SetFile::check(file);
     for (std::size_t i = 0; i < damages.size(); ++i) {
-        const std::string message = printablePath(file) + ": " + SetFile::describe(damages[i]);
-        if (i + 1 == damages.size()) throw Failure(ExitStatus::kDamaged, message);
-        tell(message);
+        const Failure failure =
+            failureAt(file, SetFile::describe(damages[i]), ExitStatus::kDamaged);
+        if (i + 1 == damages.size()) throw failure;
+        tell(failure.what());
     }
 }
 
