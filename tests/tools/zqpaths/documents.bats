@@ -87,13 +87,19 @@ complete_words() {
 }
 
 @test "zsh reads its completion" {
-    command -v zsh >/dev/null || skip "zsh is not installed"
     zsh -n "$PREFIX/share/zsh/site-functions/_zqpaths"
 }
 
-@test "fish reads its completion" {
-    command -v fish >/dev/null || skip "fish is not installed"
-    fish --no-execute "$PREFIX/share/fish/vendor_completions.d/zqpaths.fish"
+# fish_completes LINE - what fish offers behind a line, without what it says of it
+fish_completes() {
+    fish --command 'source $argv[1]; complete --do-complete $argv[2]' \
+        "$PREFIX/share/fish/vendor_completions.d/zqpaths.fish" "$1" | cut -f 1
+}
+
+@test "fish completes verbs, options and words" {
+    [ "$(fish_completes 'zqpaths sh')" = shuffle ]
+    [ "$(fish_completes 'zqpaths split s.zqp --r')" = --rank ]
+    [ "$(fish_completes 'zqpaths document z')" = zsh ]
 }
 
 @test "a kind that there is not is refused" {
