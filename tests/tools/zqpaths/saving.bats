@@ -124,6 +124,21 @@ files() {
     [ "$(zqpaths list folder/s.zqp)" = a ]
 }
 
+@test "want of memory is a limit, not a damage, and leaves the set whole" {
+    (ulimit -v 16000000 && zqpaths --version) || skip "a sanitizer takes all addresses there are"
+    random_list 200000 >list
+    zqpaths index -q s.zqp --list list
+    local kilobytes
+    for kilobytes in 30000 35000 40000; do
+        (
+            ulimit -v "$kilobytes"
+            fails_with 4 'out of memory' zqpaths list s.zqp
+            fails_with 4 'out of memory' zqpaths index --force s.zqp --list list
+        )
+    done
+    zqpaths list s.zqp | cmp - list
+}
+
 @test "media that cannot be written can be read" {
     a_small_disk
     make_set disk/s.zqp a/x b
