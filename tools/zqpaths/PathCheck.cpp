@@ -4,10 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <exception>
 #include <iterator>
-#include <new>
-#include <optional>
 #include <random>
 #include <string_view>
 #include <utility>
@@ -102,57 +99,21 @@ bool isWhole(std::string_view path) {
     throw failureAt(file, reason, ExitStatus::kDamaged);
 }
 
-/// What `work` fails with when it reads a set that the class has taken, though it should not have.
-template <class Work>
-std::optional<std::string> errorOf(const Work& work) {
-    try {
-        work();
-    } catch (const Failure&) {
-        throw;
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return std::nullopt;
-}
-
-/// With the number of the first path from `number` on that cannot be read.
-[[noreturn]] void refuseFrom(const std::string& file, PathSet& set, std::uint64_t number,
-                             std::string reason) {
-    for (; number < set.size(); ++number) {
-        const auto error = errorOf([&] { set.get(number, number, [](auto...) {}); });
-        if (!error) continue;
-        reason = *error;
-        break;
-    }
-    refuse(file, "path " + std::to_string(number) + " cannot be read: " + reason);
-}
-
 void fetchAll(PathSet& set, const std::string& file, PathComparison& comparison,
               Progress& progress) {
-    std::uint64_t fetched = 0;
-    const auto error = errorOf([&] {
-        set.get(1, set.size(), [&](std::uint64_t number, std::string_view path) {
-            if (!isWhole(path))
-                refuse(file, "path " + std::to_string(number) + " is empty or has a NUL");
-            comparison.addNumbered(path);
-            fetched = number;
-            progress.advance();
-        });
+    set.get(1, set.size(), [&](std::uint64_t number, std::string_view path) {
+        if (!isWhole(path))
+            refuse(file, "path " + std::to_string(number) + " is empty or has a NUL");
+        comparison.addNumbered(path);
+        progress.advance();
     });
-    if (error) refuseFrom(file, set, fetched + 1, *error);
 }
 
-void walkAll(PathSet& set, const std::string& file, PathComparison& comparison,
-             Progress& progress) {
-    const auto error = errorOf([&] {
-        set.walk([&](std::string_view path) {
-            comparison.addWalked(path);
-            progress.advance();
-        });
+void walkAll(PathSet& set, PathComparison& comparison, Progress& progress) {
+    set.walk([&](std::string_view path) {
+        comparison.addWalked(path);
+        progress.advance();
     });
-    if (error) refuse(file, "the paths cannot be walked: " + *error);
 }
 
 }  // namespace
@@ -161,7 +122,7 @@ void requireWholePaths(PathSet& set, const std::string& file, const MessageOptio
     PathComparison comparison;
     Progress progress("verifying", messages, 2 * set.size());
     fetchAll(set, file, comparison, progress);
-    walkAll(set, file, comparison, progress);
+    walkAll(set, comparison, progress);
     const auto [missed, strange] = comparison.countMissedAndStrange();
     if (missed > 0) refuse(file, "a walk misses " + groupDigits(missed) + " paths");
     if (strange > 0)

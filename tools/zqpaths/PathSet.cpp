@@ -47,13 +47,18 @@ private:
     int kept_;
 };
 
+/// The class's words for a number beyond its paths. Whatever else keeps a path from being read, it
+/// has a number, and is not to be lost in silence.
+constexpr std::string_view kNoSuchNumber =
+    "The path number is not a whole number from 1 to the number of paths.";
+
 bool hasNumber(korvex::Object& object, std::uint64_t number) {
     try {
-        const double value = static_cast<double>(number);
+        const auto value = static_cast<double>(number);
         object.call("getPaths", 1, korvex::numbers({&value, 1}), korvex::text(kSeparatorText));
         return true;
-    } catch (const korvex::Error&) {
-        return false;
+    } catch (const korvex::Error& error) {
+        return error.what() != kNoSuchNumber;
     }
 }
 
@@ -102,16 +107,17 @@ void appendNames(const kxArray* names, std::vector<std::string>& out) {
 
 }  // namespace
 
-PathSet::PathSet(const CharacterCounts& characters) : PathSet(construct(characters), 0) {}
+PathSet::PathSet(const CharacterCounts& characters)
+    : PathSet(construct(characters), 0, "the new set") {}
 
-PathSet::PathSet(korvex::Object object, std::uint64_t size)
-    : object_(std::move(object)), size_(size) {}
+PathSet::PathSet(korvex::Object object, std::uint64_t size, std::string name)
+    : object_(std::move(object)), size_(size), name_(std::move(name)) {}
 
-PathSet PathSet::restored(korvex::Array fields) {
+PathSet PathSet::restored(korvex::Array fields, const std::string& name) {
     const kxArray* const structure = fields.get();
-    for (const char* name : {kTreeStringField, kPathTreeField})
-        if (kxGetFieldNumber(structure, name) < 0)
-            throw Failure(ExitStatus::kDamaged, std::string("the set has no field ") + name);
+    for (const char* field : {kTreeStringField, kPathTreeField})
+        if (kxGetFieldNumber(structure, field) < 0)
+            throw failureAt(name, std::string("has no field ") + field, ExitStatus::kDamaged);
     const std::u16string characters =
         matrix::get_ustring(kxGetField(structure, 0, kTreeStringField));
     std::vector<double> frequencies;
@@ -123,9 +129,9 @@ PathSet PathSet::restored(korvex::Array fields) {
         return pathSetSession().load(kPathSetClass, std::move(fields));
     };
     korvex::Object object = load();
-    PathSet set(object, countPaths(object));
+    PathSet set(object, countPaths(object), name);
     if (set.characters() != characters)
-        throw Failure(ExitStatus::kDamaged, "the saved form of the paths cannot be read");
+        throw failureAt(name, "the saved form of the paths cannot be read", ExitStatus::kDamaged);
     set.setFrequencies(frequencies);
     return set;
 }
@@ -157,12 +163,37 @@ void PathSet::get(std::span<const std::uint64_t> numbers, const NumberedPathVisi
 }
 
 void PathSet::visitSome(std::span<const std::uint64_t> numbers, const NumberedPathVisitor& visit) {
-    const auto outputs = object_.call("getPaths", 1, korvex::numbers(toDoubles(numbers)),
-                                      korvex::text(kSeparatorText));
+    std::vector<korvex::Array> outputs;
+    try {
+        outputs = object_.call("getPaths", 1, korvex::numbers(toDoubles(numbers)),
+                               korvex::text(kSeparatorText));
+    } catch (const korvex::Error& error) {
+        if (numbers.size() == 1) throw unreadable(numbers.front(), error.what());
+        // One by one, up to the one that cannot be read.
+        for (const std::uint64_t& number : numbers) visitSome({&number, 1}, visit);
+        return;
+    }
     std::string bytes;
     for (std::size_t i = 0; i < numbers.size(); ++i) {
-        toBytes(kxGetCharacters(kxGetCell(outputs[0].get(), i)), bytes);
+        const kxArray* const path = kxGetCell(outputs[0].get(), i);
+        if (kxGetClass(path) != kxClass::kCharacter)
+            throw unreadable(numbers[i], "it is in none of the folders that were added");
+        toBytes(kxGetCharacters(path), bytes);
         visit(numbers[i], bytes);
+    }
+}
+
+Failure PathSet::unreadable(std::uint64_t number, const std::string& reason) const {
+    return failureAt(name_, "path " + std::to_string(number) + " cannot be read: " + reason,
+                     ExitStatus::kDamaged);
+}
+
+std::vector<korvex::Array> PathSet::fetchGroups(std::span<const std::uint64_t> numbers) {
+    try {
+        return object_.call("getPaths", 2, korvex::numbers(toDoubles(numbers)));
+    } catch (const korvex::Error&) {
+        visitSome(numbers, [](auto...) {});  // which tells the number
+        throw;
     }
 }
 
@@ -172,7 +203,7 @@ void PathSet::getGroups(std::span<const std::uint64_t> numbers, const GroupVisit
     std::vector<std::string> fileNames;
     for (; !numbers.empty(); numbers = numbers.subspan(std::min(kPathsACall, numbers.size()))) {
         const auto some = numbers.first(std::min(kPathsACall, numbers.size()));
-        const auto outputs = object_.call("getPaths", 2, korvex::numbers(toDoubles(some)));
+        const auto outputs = fetchGroups(some);
         for (std::size_t group = 0; group < kxGetNumberOfElements(outputs[0].get()); ++group) {
             std::string nextFolder = folderBytes(kxGetCell(outputs[0].get(), group));
             if (nextFolder != folder && !fileNames.empty()) {
@@ -190,9 +221,17 @@ void PathSet::walk(const PathBytesVisitor& visit) {
     object_.call("reset", 0);
     std::string bytes;
     while (kxGetData<bool>(object_.call("hasNextPath", 1)[0].get())[0]) {
-        const auto outputs = object_.call("getNextPath", 1);
-        toBytes(joinComponents(outputs[0].get()), bytes);
+        toBytes(joinComponents(nextPath().get()), bytes);
         visit(bytes);
+    }
+}
+
+korvex::Array PathSet::nextPath() {
+    try {
+        return std::move(object_.call("getNextPath", 1)[0]);
+    } catch (const korvex::Error& error) {
+        throw failureAt(name_, std::string("the paths cannot be walked: ") + error.what(),
+                        ExitStatus::kDamaged);
     }
 }
 

@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "host/runtime/Session.hpp"
+#include "tools/zqpaths/Failure.hpp"
 
 namespace zqpaths {
 
@@ -48,9 +49,9 @@ public:
     /// An empty set that can hold paths of these characters.
     explicit PathSet(const CharacterCounts& characters);
 
-    /// The set of a structure as fields() makes it, which is moved in. Throws Failure kDamaged if
-    /// there is none in it.
-    static PathSet restored(korvex::Array fields);
+    /// The set of a structure as fields() makes it, which is moved in. `name` is what messages call
+    /// it. Throws Failure kDamaged if there is none in it.
+    static PathSet restored(korvex::Array fields, const std::string& name);
 
     std::uint64_t size() const noexcept { return size_; }
 
@@ -59,7 +60,8 @@ public:
     void add(PathBatch& batch);
 
     /// Calls `visit` for the paths numbered `first` to `last`, or `numbers`, in that order. Throws
-    /// Failure kFailed, before any call, for a number that the set does not have.
+    /// Failure kFailed, before any call, for a number that the set does not have, and kDamaged with
+    /// the first number whose path cannot be read.
     void get(std::uint64_t first, std::uint64_t last, const NumberedPathVisitor& visit);
     void get(std::span<const std::uint64_t> numbers, const NumberedPathVisitor& visit);
 
@@ -67,7 +69,7 @@ public:
     void getGroups(std::span<const std::uint64_t> numbers, const GroupVisitor& visit);
 
     /// Calls `visit` for every path in the order of the set's own walk. A path that became a folder
-    /// is not among them.
+    /// is not among them. Throws Failure kDamaged if they cannot be walked.
     void walk(const PathBytesVisitor& visit);
 
     /// The characters of the set, and how often each occurs if that is known, else nothing.
@@ -81,13 +83,17 @@ public:
     korvex::Array fields();
 
 private:
-    PathSet(korvex::Object object, std::uint64_t size);
+    PathSet(korvex::Object object, std::uint64_t size, std::string name);
 
     void requireNumber(std::uint64_t number) const;
     void visitSome(std::span<const std::uint64_t> numbers, const NumberedPathVisitor& visit);
+    Failure unreadable(std::uint64_t number, const std::string& reason) const;
+    std::vector<korvex::Array> fetchGroups(std::span<const std::uint64_t> numbers);
+    korvex::Array nextPath();
 
     korvex::Object object_;
     std::uint64_t size_ = 0;
+    std::string name_;
 };
 
 }  // namespace zqpaths

@@ -26,9 +26,9 @@ korvex::Array fieldsOf(const std::string& file, SetFile::Content content) {
 PathSet restoreSet(const std::string& file, korvex::Array fields) {
     pathSetSession();  // a library that cannot be loaded is no damage of the set
     try {
-        return PathSet::restored(std::move(fields));
-    } catch (const Failure& failure) {
-        throw failureAt(file, failure.what(), failure.status());
+        return PathSet::restored(std::move(fields), file);
+    } catch (const Failure&) {
+        throw;
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) {

@@ -15,15 +15,16 @@
 namespace zqpaths {
 namespace {
 
+Failure failureOf(const std::string& file, const SetFile::Damage& damage) {
+    return failureAt(file, SetFile::describe(damage), ExitStatus::kDamaged);
+}
+
 /// Tells every damage but the last, which it throws.
 void requireNoDamage(const std::string& file) {
     const std::vector<SetFile::Damage> damages = SetFile::check(file);
-    for (std::size_t i = 0; i < damages.size(); ++i) {
-        const Failure failure =
-            failureAt(file, SetFile::describe(damages[i]), ExitStatus::kDamaged);
-        if (i + 1 == damages.size()) throw failure;
-        tell(failure.what());
-    }
+    if (damages.empty()) return;
+    for (std::size_t i = 0; i + 1 < damages.size(); ++i) tell(failureOf(file, damages[i]).what());
+    throw failureOf(file, damages.back());
 }
 
 struct DiskResult {
