@@ -13,14 +13,12 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/TemporaryTree.hpp"
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/SetSources.hpp"
 
 namespace zqpaths {
 namespace {
 
-using test_support::TemporaryTree;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
