@@ -2,9 +2,6 @@
 
 load setup
 
-# How often a process is killed; ZQ_KILL_COUNT=1000 takes some minutes.
-readonly kill_count=${ZQ_KILL_COUNT:-20}
-
 teardown() {
     [ -z "${holder:-}" ] || kill "$holder" 2>/dev/null || true
     mountpoint --quiet disk && umount disk || true
@@ -50,22 +47,22 @@ files() {
 
 @test "a set is whole after each of a number of kills" {
     mkdir folder
-    "$BATS_TEST_DIRNAME/kill.bash" folder/s.zqp "$kill_count"
+    "$BATS_TEST_DIRNAME/kill.bash" folder/s.zqp "$tries"
 }
 
 @test "signals leave a whole set and nothing else" {
     mkdir folder
-    "$BATS_TEST_DIRNAME/kill.bash" folder/s.zqp $((kill_count / 2)) TERM
-    "$BATS_TEST_DIRNAME/kill.bash" folder/s.zqp $((kill_count / 2)) INT
+    "$BATS_TEST_DIRNAME/kill.bash" folder/s.zqp $((tries / 2)) TERM
+    "$BATS_TEST_DIRNAME/kill.bash" folder/s.zqp $((tries / 2)) INT
 }
 
 @test "a signal leaves no half of a new set" {
     mkdir folder
     random_list 20000 >list
     local i
-    for i in $(seq "$kill_count"); do
+    for i in $(seq "$tries"); do
         env --default-signal=TERM "$ZQPATHS" index -q folder/s.zqp --list list &
-        sleep "$(printf '0.%03d' $((i * 160 / kill_count)))"
+        sleep "$(printf '0.%03d' $((i * 160 / tries)))"
         kill "$!" 2>/dev/null || true
         wait "$!" || true
         [ ! -e folder/s.zqp ] || zqpaths verify folder/s.zqp

@@ -4,6 +4,9 @@
 bats_require_minimum_version 1.5.0
 : "${ZQPATHS:?the program to test}"
 
+# How often chance gets a chance: ZQ_TRIES=1000 takes many minutes.
+readonly tries=${ZQ_TRIES:-20}
+
 # Every test starts in an empty folder that is gone afterwards.
 setup() {
     cd "$BATS_TEST_TMPDIR"

@@ -63,7 +63,7 @@ load setup
     local size offset byte status told
     size=$(stat --format %s s.zqp)
     RANDOM=1
-    for _ in $(seq 150); do
+    for _ in $(seq $((8 * tries))); do
         offset=$(((RANDOM << 15 | RANDOM) % size))
         byte=$(od --address-radix n --format u1 --skip-bytes "$offset" --read-bytes 1 s.zqp)
         cp s.zqp t.zqp
