@@ -105,6 +105,13 @@ void appendNames(const kxArray* names, std::vector<std::string>& out) {
         appendBytes(kxGetCharacters(kxGetCell(names, i)), out.emplace_back());
 }
 
+std::size_t countNames(const kxArray* groups) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < kxGetNumberOfElements(groups); ++i)
+        count += kxGetNumberOfElements(kxGetCell(groups, i));
+    return count;
+}
+
 }  // namespace
 
 PathSet::PathSet(const CharacterCounts& characters)
@@ -189,10 +196,13 @@ Failure PathSet::unreadable(std::uint64_t number, const std::string& reason) con
 }
 
 std::vector<korvex::Array> PathSet::fetchGroups(std::span<const std::uint64_t> numbers) {
+    const auto tellWhichIsUnreadable = [&] { visitSome(numbers, [](auto...) {}); };
     try {
-        return object_.call("getPaths", 2, korvex::numbers(toDoubles(numbers)));
+        auto groups = object_.call("getPaths", 2, korvex::numbers(toDoubles(numbers)));
+        if (countNames(groups[1].get()) != numbers.size()) tellWhichIsUnreadable();
+        return groups;
     } catch (const korvex::Error&) {
-        visitSome(numbers, [](auto...) {});  // which tells the number
+        tellWhichIsUnreadable();
         throw;
     }
 }

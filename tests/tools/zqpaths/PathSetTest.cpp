@@ -94,6 +94,9 @@ TEST(PathSet, tellsThatAPathIsInNoFolder) {
     EXPECT_EQ(set.size(), 4U);
     EXPECT_THAT(pathsOf(set, 1, 3), ElementsAre("ab", "ac", "aca"));
     expectDamage([&] { pathsOf(set, 4, 4); }, "s.zqp: path 4 cannot be read: it is in none");
+    const std::uint64_t numbers[] = {1, 4};
+    expectDamage([&] { set.getGroups(numbers, [](auto...) {}); },
+                 "s.zqp: path 4 cannot be read: it is in none");
 }
 
 }  // namespace
