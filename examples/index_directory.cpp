@@ -26,16 +26,16 @@
 #include "examples/FetchedPaths.hpp"
 #include "examples/FolderEntries.hpp"
 #include "examples/PathInput.hpp"
-#include "examples/PrintableNumbers.hpp"
+#include "tools/zqpaths/Figures.hpp"
 #include "tools/zqpaths/PrintablePath.hpp"
 
 namespace {
 
 using compressedpaths::HuffmanPathTree;
 using examples::FetchedPaths;
-using examples::grouped;
 using examples::PathList;
-using examples::withDecimals;
+using zqpaths::fixedPoint;
+using zqpaths::groupDigits;
 using zqpaths::printablePath;
 
 constexpr int kDifferent = 1;
@@ -58,19 +58,19 @@ void printRow(std::string_view label, std::string_view value, std::string_view r
 }
 
 std::string aPath(std::size_t bytes, std::size_t pathCount) {
-    return withDecimals(static_cast<double>(bytes) / static_cast<double>(pathCount), 1) + " a path";
+    return fixedPoint(static_cast<double>(bytes) / static_cast<double>(pathCount), 1) + " a path";
 }
 
 /// Prints a size, also for each path and beside that of the text.
 void printSize(std::string_view label, std::size_t bytes, const PathList& paths) {
     const double share = static_cast<double>(bytes) / static_cast<double>(paths.byteSize());
-    printRow(label, grouped(bytes),
-             "bytes, " + aPath(bytes, paths.size()) + ", " + withDecimals(100 * share, 1) +
+    printRow(label, groupDigits(bytes),
+             "bytes, " + aPath(bytes, paths.size()) + ", " + fixedPoint(100 * share, 1) +
                  " % of the text");
 }
 
 void printSeconds(std::string_view label, double seconds) {
-    printRow(label, withDecimals(seconds, 3), "s");
+    printRow(label, fixedPoint(seconds, 3), "s");
 }
 
 /// Runs a phase and prints how long it took. Returns what the phase returns.
@@ -154,8 +154,8 @@ void printRandomAccess(HuffmanPathTree& set, std::size_t pathCount) {
     for (const std::size_t number : numbers) bytes += fetched.at(number).size();
     const double each = secondsSince(start) / static_cast<double>(numbers.size());
     const double meanBytes = static_cast<double>(bytes) / static_cast<double>(numbers.size());
-    printRow("single random access", grouped(static_cast<std::size_t>(each * 1e9)),
-             "ns for a path of " + withDecimals(meanBytes, 1) + " bytes");
+    printRow("single random access", groupDigits(static_cast<std::size_t>(each * 1e9)),
+             "ns for a path of " + fixedPoint(meanBytes, 1) + " bytes");
 }
 
 void printSamples(HuffmanPathTree& set, std::size_t pathCount) {
@@ -163,8 +163,8 @@ void printSamples(HuffmanPathTree& set, std::size_t pathCount) {
     FetchedPaths fetched(set);
     for (const std::size_t number :
          std::set<std::size_t>{1, pathCount / 4 + 1, pathCount / 2 + 1, pathCount}) {
-        std::cout << std::setw(13) << grouped(number) << "  " << printablePath(fetched.at(number))
-                  << '\n';
+        std::cout << std::setw(13) << groupDigits(number) << "  "
+                  << printablePath(fetched.at(number)) << '\n';
     }
 }
 
@@ -172,7 +172,7 @@ void printSamples(HuffmanPathTree& set, std::size_t pathCount) {
 bool givesAllByNumber(HuffmanPathTree& set, const PathList& paths) {
     const std::optional<std::size_t> number = examples::firstDifference(set, paths);
     if (!number) return true;
-    std::cerr << "path " << grouped(*number) << " is different:\n  added    "
+    std::cerr << "path " << groupDigits(*number) << " is different:\n  added    "
               << printablePath(paths[*number - 1]) << "\n  fetched  "
               << printablePath(FetchedPaths(set).at(*number)) << '\n';
     return false;
@@ -182,8 +182,8 @@ bool givesAllByNumber(HuffmanPathTree& set, const PathList& paths) {
 bool givesAllByWalk(HuffmanPathTree& set, std::size_t expected) {
     const std::size_t found = examples::countByWalk(set);
     if (found == expected) return true;
-    std::cerr << "the walk gives " << grouped(found) << " paths instead of " << grouped(expected)
-              << '\n';
+    std::cerr << "the walk gives " << groupDigits(found) << " paths instead of "
+              << groupDigits(expected) << '\n';
     return false;
 }
 
@@ -191,17 +191,18 @@ void printInput(const examples::PathInput& input, const examples::CharacterFrequ
                 const examples::FolderCensus& census) {
     const std::size_t pathCount = input.paths.size();
     std::cout << "\ninput\n";
-    printRow("paths", grouped(pathCount));
-    printRow("text", grouped(input.paths.byteSize()),
+    printRow("paths", groupDigits(pathCount));
+    printRow("text", groupDigits(input.paths.byteSize()),
              "bytes, " + aPath(input.paths.byteSize(), pathCount));
-    printRow("folders", grouped(census.distinctCount),
-             "in " + grouped(found.entryCount) + " entries");
+    printRow("folders", groupDigits(census.distinctCount),
+             "in " + groupDigits(found.entryCount) + " entries");
     if (census.becameFolderCount > 0) {
-        printRow("paths that became folders", grouped(census.becameFolderCount),
+        printRow("paths that became folders", groupDigits(census.becameFolderCount),
                  "which the walk does not give");
     }
-    if (input.unreadableCount > 0) printRow("unreadable, skipped", grouped(input.unreadableCount));
-    printRow("distinct characters", grouped(found.characters.size()));
+    if (input.unreadableCount > 0)
+        printRow("unreadable, skipped", groupDigits(input.unreadableCount));
+    printRow("distinct characters", groupDigits(found.characters.size()));
 }
 
 int run(const std::string& source) {
@@ -229,13 +230,13 @@ int run(const std::string& source) {
 
     printInput(input, found, census);
     std::cout << "\npath set\n";
-    printRow("code", withDecimals(codeLength, 2), "bits a character");
+    printRow("code", fixedPoint(codeLength, 2), "bits a character");
     printSize("heap after adding", heapOfSet, paths);
     printSize("saved", saved.byteSize(), paths);
     printRandomAccess(*set, paths.size());
     printSamples(*set, paths.size());
     if (!isEqual) return kDifferent;
-    std::cout << "\nall " << grouped(paths.size()) << " paths are equal\n";
+    std::cout << "\nall " << groupDigits(paths.size()) << " paths are equal\n";
     return input.unreadableCount == 0 ? EXIT_SUCCESS : kUnreadable;
 }
 

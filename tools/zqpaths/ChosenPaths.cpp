@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "tools/zqpaths/Output.hpp"
+#include "tools/zqpaths/Permutation.hpp"
 #include "tools/zqpaths/Progress.hpp"
 
 namespace zqpaths {
@@ -21,6 +22,15 @@ void printChosen(PathSet& set, std::uint64_t count, const Choice& numberAt, cons
         });
     }
     output.finish();
+}
+
+void printInRandomOrder(PathSet& set, std::uint64_t count, std::uint64_t seed,
+                        const std::string& work, const OutputOptions& outputOptions,
+                        const MessageOptions& messages) {
+    const Permutation order(set.size(), seed);
+    printChosen(
+        set, std::min(count, order.size()),
+        [&order](std::uint64_t place) { return order[place] + 1; }, work, outputOptions, messages);
 }
 
 }  // namespace zqpaths

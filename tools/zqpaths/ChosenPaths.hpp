@@ -19,4 +19,9 @@ using Choice = std::function<std::uint64_t(std::uint64_t place)>;
 void printChosen(PathSet& set, std::uint64_t count, const Choice& numberAt, const std::string& work,
                  const OutputOptions& outputOptions, const MessageOptions& messages);
 
+/// Prints `count` paths, or all if there are fewer, in the random order of a seed.
+void printInRandomOrder(PathSet& set, std::uint64_t count, std::uint64_t seed,
+                        const std::string& work, const OutputOptions& outputOptions,
+                        const MessageOptions& messages);
+
 }  // namespace zqpaths

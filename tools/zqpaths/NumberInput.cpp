@@ -3,9 +3,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/Transfers.hpp"
 
 namespace zqpaths {
 namespace {
@@ -14,18 +14,10 @@ constexpr const char* kPlace = "standard input";
 constexpr std::string_view kGaps{" \t\n\v\f\r\0", 7};
 constexpr std::size_t kMaxWordBytes = 256;  // no range is so long; what is, is not read to its end
 
-std::size_t readSome(char* buffer, std::size_t size) {
-    while (true) {
-        const ssize_t count = ::read(STDIN_FILENO, buffer, size);
-        if (count >= 0) return static_cast<std::size_t>(count);
-        if (errno != EINTR) throw systemFailureAt(kPlace, errno);
-    }
-}
-
 }  // namespace
 
 bool NumberInput::read(const std::function<void(const NumberRange&)>& visit) {
-    const std::size_t count = readSome(buffer_.data(), buffer_.size());
+    const std::size_t count = readSome(STDIN_FILENO, buffer_.data(), buffer_.size(), kPlace);
     if (count == 0) {
         finishWord(visit);
         return false;

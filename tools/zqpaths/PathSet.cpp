@@ -100,9 +100,11 @@ std::string folderBytes(const kxArray* names) {
     return bytes;
 }
 
-void appendNames(const kxArray* names, std::vector<std::string>& out) {
-    for (std::size_t i = 0; i < kxGetNumberOfElements(names); ++i)
-        appendBytes(kxGetCharacters(kxGetCell(names, i)), out.emplace_back());
+std::vector<std::string> nameBytes(const kxArray* names) {
+    std::vector<std::string> bytes(kxGetNumberOfElements(names));
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        appendBytes(kxGetCharacters(kxGetCell(names, i)), bytes[i]);
+    return bytes;
 }
 
 std::size_t countNames(const kxArray* groups) {
@@ -209,22 +211,12 @@ std::vector<korvex::Array> PathSet::fetchGroups(std::span<const std::uint64_t> n
 
 void PathSet::getGroups(std::span<const std::uint64_t> numbers, const GroupVisitor& visit) {
     std::ranges::for_each(numbers, [this](std::uint64_t number) { requireNumber(number); });
-    std::string folder;
-    std::vector<std::string> fileNames;
     for (; !numbers.empty(); numbers = numbers.subspan(std::min(kPathsACall, numbers.size()))) {
-        const auto some = numbers.first(std::min(kPathsACall, numbers.size()));
-        const auto outputs = fetchGroups(some);
-        for (std::size_t group = 0; group < kxGetNumberOfElements(outputs[0].get()); ++group) {
-            std::string nextFolder = folderBytes(kxGetCell(outputs[0].get(), group));
-            if (nextFolder != folder && !fileNames.empty()) {
-                visit(folder, fileNames);
-                fileNames.clear();
-            }
-            folder = std::move(nextFolder);
-            appendNames(kxGetCell(outputs[1].get(), group), fileNames);
-        }
+        const auto groups = fetchGroups(numbers.first(std::min(kPathsACall, numbers.size())));
+        for (std::size_t i = 0; i < kxGetNumberOfElements(groups[0].get()); ++i)
+            visit(folderBytes(kxGetCell(groups[0].get(), i)),
+                  nameBytes(kxGetCell(groups[1].get(), i)));
     }
-    if (!fileNames.empty()) visit(folder, fileNames);
 }
 
 void PathSet::walk(const PathBytesVisitor& visit) {

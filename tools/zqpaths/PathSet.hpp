@@ -56,20 +56,20 @@ public:
     std::uint64_t size() const noexcept { return size_; }
 
     /// Adds the paths and leaves the batch empty. Throws korvex::Error if a character was not
-    /// counted; nothing is added then.
+    /// counted; nothing is added then. O(bytes).
     void add(PathBatch& batch);
 
     /// Calls `visit` for the paths numbered `first` to `last`, or `numbers`, in that order. Throws
     /// Failure kFailed, before any call, for a number that the set does not have, and kDamaged with
-    /// the first number whose path cannot be read.
+    /// the first number whose path cannot be read. O(log paths + bytes) a path.
     void get(std::uint64_t first, std::uint64_t last, const NumberedPathVisitor& visit);
     void get(std::span<const std::uint64_t> numbers, const NumberedPathVisitor& visit);
 
-    /// The same by folder; numbers that follow one another in one folder are one group.
+    /// The same by folder. Neighbouring groups may be of one folder.
     void getGroups(std::span<const std::uint64_t> numbers, const GroupVisitor& visit);
 
     /// Calls `visit` for every path in the order of the set's own walk. A path that became a folder
-    /// is not among them. Throws Failure kDamaged if they cannot be walked.
+    /// is not among them. Throws Failure kDamaged if they cannot be walked. O(bytes) a path.
     void walk(const PathBytesVisitor& visit);
 
     /// The characters of the set, and how often each occurs if that is known, else nothing.
@@ -79,7 +79,7 @@ public:
     /// Sets how often each of characters() occurs, in their order.
     void setFrequencies(std::span<const double> frequencies);
 
-    /// What is saved: a structure of the three fields above.
+    /// What is saved: a structure of the three fields above, 1 by 1. O(bytes).
     korvex::Array fields();
 
 private:

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 #include "tools/zqpaths/DeferredSignals.hpp"
@@ -14,6 +13,7 @@
 #include "tools/zqpaths/FileDescriptor.hpp"
 #include "tools/zqpaths/NewFile.hpp"
 #include "tools/zqpaths/StoredArray.hpp"
+#include "tools/zqpaths/Transfers.hpp"
 
 namespace zqpaths {
 namespace {
@@ -26,19 +26,12 @@ FileDescriptor openFile(const std::string& path, const std::string& shownPath, i
     return FileDescriptor(opened);
 }
 
-void writeAll(const FileDescriptor& file, std::span<const std::uint8_t> bytes,
-              const std::string& path) {
-    while (!bytes.empty()) {
-        const ssize_t count = write(file.number(), bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) throw systemFailureAt(path, errno);
-        if (count > 0) bytes = bytes.subspan(static_cast<std::size_t>(count));
-    }
-}
-
 void writeElements(const FileDescriptor& file, const kxArray* array, const std::string& path) {
     const std::uint64_t size = formOf(array).value().byteCount();
     for (std::uint64_t offset = 0; offset < size; offset += kBytesACall) {
-        writeAll(file, storedBytes(array, offset, std::min(kBytesACall, size - offset)), path);
+        const std::vector<std::uint8_t> bytes =
+            storedBytes(array, offset, std::min(kBytesACall, size - offset));
+        writeAll(file.number(), bytes.data(), bytes.size(), path);
         DeferredSignals::throwIfOneCame();
     }
 }
@@ -55,10 +48,9 @@ std::vector<std::uint8_t> readAll(const std::string& path) {
     std::size_t size = 0;
     while (true) {
         bytes.resize(size + kBytesACall);
-        const ssize_t count = read(file.number(), bytes.data() + size, kBytesACall);
-        if (count < 0 && errno != EINTR) throw systemFailureAt(path, errno);
+        const std::size_t count = readSome(file.number(), bytes.data() + size, kBytesACall, path);
         if (count == 0) break;
-        if (count > 0) size += static_cast<std::size_t>(count);
+        size += count;
     }
     bytes.resize(size);
     return bytes;

@@ -1,26 +1,20 @@
 #include "tools/zqpaths/TemporaryCopy.hpp"
 
 #include <fcntl.h>
-#include <sys/types.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
-#include <span>
 #include <vector>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/Transfers.hpp"
 
 namespace zqpaths {
 namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 20;
-
-/// With errno of the last call.
-Failure failureIn(const std::string& folder) {
-    return systemFailureAt("a temporary file in " + folder, errno);
-}
 
 std::string temporaryFolder() {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment
@@ -38,33 +32,16 @@ FileDescriptor unnamedFile(const std::string& folder) {
     return file;
 }
 
-std::size_t readSome(int input, std::span<char> bytes, const std::string& inputName) {
-    while (true) {
-        const ssize_t count = ::read(input, bytes.data(), bytes.size());
-        if (count >= 0) return static_cast<std::size_t>(count);
-        if (errno != EINTR) throw systemFailureAt(inputName, errno);
-    }
-}
-
-void writeAll(int output, std::span<const char> bytes, const std::string& folder) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(output, bytes.data(), bytes.size());
-        if (count >= 0)
-            bytes = bytes.subspan(static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            throw failureIn(folder);
-    }
-}
-
 }  // namespace
 
 FileDescriptor temporaryCopy(int input, const std::string& inputName) {
     const std::string folder = temporaryFolder();
     FileDescriptor copy = unnamedFile(folder);
-    if (!copy.isOpen()) throw failureIn(folder);
+    const std::string copyName = "a temporary file in " + folder;
+    if (!copy.isOpen()) throw systemFailureAt(copyName, errno);
     std::vector<char> buffer(kBufferSize);
-    while (const std::size_t count = readSome(input, buffer, inputName))
-        writeAll(copy.number(), std::span(buffer).first(count), folder);
+    while (const std::size_t count = readSome(input, buffer.data(), buffer.size(), inputName))
+        writeAll(copy.number(), buffer.data(), count, copyName);
     return copy;
 }
 
