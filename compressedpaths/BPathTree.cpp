@@ -5,54 +5,53 @@
 #include <limits>
 #include <utility>
 
-#include "compressedpaths/WideFolders.hpp"
-
 namespace compressedpaths {
 namespace {
 
 constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
+constexpr std::uint32_t kManyChildren = 64;  // with fewer, looking through them is as fast
 
 using Nodes = std::vector<std::shared_ptr<BPathTree::BNode>>;
 
-/// Makes room for `count` more children: exactly that in a new folder, where most folders stay;
-/// an eighth more when one grows, so that growing by one file at a time stays linear.
-void makeRoom(Nodes& children, std::size_t count) {
-    const std::size_t needed = children.size() + count;
-    if (needed <= children.capacity()) return;
-    children.reserve(std::max(needed, children.capacity() + children.capacity() / 8));
-}
-
 /// Appends a new node that takes the key over, and returns its position.
 std::size_t append(Nodes& children, Bytes& key) {
-    makeRoom(children, 1);
-    children.push_back(std::make_shared<BPathTree::BNode>());
-    children.back()->key = std::move(key);
+    auto node = std::make_shared<BPathTree::BNode>();
+    children.push_back(node);
+    node->key = std::move(key);
     key.clear();
     return children.size() - 1;
-}
-
-/// Appends the keys met along the first `levels` positions of a track that leads to a node.
-void appendKeys(const BPathTree::BNode& root, const std::vector<std::size_t>& track,
-                std::size_t levels, Path& keys) {
-    const BPathTree::BNode* node = &root;
-    keys.reserve(keys.size() + levels);
-    for (std::size_t level = 0; level < levels; ++level) {
-        node = node->children[track[level]].get();
-        keys.push_back(node->key);
-    }
-}
-
-/// Fetching is waiting for memory, one thing after the other: entry, track, folder, file, name. So
-/// several entries are fetched step by step side by side (bench/fetching).
-constexpr std::size_t kFetchedTogether = 32;
-
-void prefetch(const void* address) {
-    __builtin_prefetch(address);
 }
 
 void appendMoving(std::vector<Path>& out, std::vector<Path>& paths) {
     out.insert(out.end(), std::make_move_iterator(paths.begin()),
                std::make_move_iterator(paths.end()));
+}
+
+/// Keys as the arena stores them, one after the other.
+class StoredKeys {
+public:
+    explicit StoredKeys(const std::vector<Bytes>& keys) {
+        ends_.reserve(keys.size());
+        for (const Bytes& key : keys) {
+            appendStoredName(key, bytes_);
+            ends_.push_back(bytes_.size());
+        }
+    }
+
+    std::span<const std::uint8_t> all() const noexcept { return bytes_.values(); }
+    std::span<const std::uint8_t> operator[](std::size_t i) const noexcept {
+        const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
+        return all().subspan(begin, ends_[i] - begin);
+    }
+
+private:
+    FlatArray<std::uint8_t> bytes_;
+    std::vector<std::size_t> ends_;
+};
+
+/// The folder that a child is or becomes by more being added inside.
+PathArena::Id enter(PathArena::Transaction& adding, const PathArena::Transaction::Found& child) {
+    return child.folder != PathArena::kNone ? child.folder : adding.makeFolderOf(child.file);
 }
 
 }  // namespace
@@ -80,53 +79,95 @@ BPathTree::BNode::~BNode() {
     }
 }
 
-BPathTree::BPathTree() : root(std::make_shared<BNode>()) {}
+BPathTree::BPathTree() : arena_(std::make_shared<PathArena>()) {}
+
+BPathTree::BPathTree(std::shared_ptr<PathArena> arena) : arena_(std::move(arena)) {}
 
 BPathTree::BPathTree(const BPathTree& other)
-    : root(other.root),
+    : arena_(other.arena_),
+      frames_(other.frames_),
+      parents_(other.parents_),
+      current_(other.current_),
       nodeStack(other.nodeStack),
       parentStack(other.parentStack),
-      currentPath(other.currentPath),
       flag(other.flag) {}
 
 BPathTree::~BPathTree() = default;
 
 bool BPathTree::addPath(Path& components, std::vector<std::size_t>& existingIndices) {
-    BNode* node = root.get();
-    bool existed = false;
-    for (Bytes& component : components) {
-        const std::size_t position = findOrAppend(*node, component, existed);
-        node = node->children[position].get();
-        if (existed) existingIndices.push_back(position);
+    PathArena::Place last{};
+    return addPath(components, existingIndices, last);
+}
+
+bool BPathTree::addPath(Path& components, std::vector<std::size_t>& existingIndices,
+                        PathArena::Place& last) {
+    if (components.empty()) return false;
+
+    const StoredKeys keys(components);
+    existingIndices.reserve(existingIndices.size() + components.size());
+    std::vector<std::size_t> found;
+    found.reserve(components.size());
+    PathArena::Transaction adding(*arena_);
+    PathArena::Id folder = PathArena::kRoot;
+    std::size_t level = 0;
+    for (; level < components.size(); ++level) {
+        const auto child = adding.find(folder, keys[level]);
+        if (!child.isThere()) break;
+        last = child.folder != PathArena::kNone
+                   ? PathArena::Place{PathArena::kFolderLink | child.folder, 0}
+                   : child.file;
+        found.push_back(arena_->positionOf(last));
+        if (level + 1 < components.size()) folder = enter(adding, child);
     }
+    const bool existed = level == components.size();
+    for (std::size_t created = level; created + 1 < components.size(); ++created)
+        folder = adding.makeFolder(folder, keys[created]);
+    if (!existed) {
+        const auto [run, skip] = adding.appendFiles(folder, keys[components.size() - 1], 1);
+        last = {run, skip};
+    }
+
+    adding.commit();
+    existingIndices.insert(existingIndices.end(), found.begin(), found.end());
+    for (; level < components.size(); ++level) Bytes().swap(components[level]);
     return existed;
 }
 
 bool BPathTree::addPath(Path& folderComponents, std::vector<Bytes>& fileNames,
                         std::vector<std::size_t>& folderIndices, std::size_t& priorChildCount) {
-    BNode* folder = root.get();
-    bool existed = false;
-    for (Bytes& component : folderComponents) {
-        folderIndices.push_back(findOrAppend(*folder, component, existed));
-        folder = folder->children[folderIndices.back()].get();
+    const StoredKeys keys(folderComponents);
+    const StoredKeys files(fileNames);
+    if (fileNames.size() >= PathArena::kFolderLink) throw SetTooLargeException();
+    std::vector<std::size_t> track;
+    track.reserve(folderComponents.size());
+    folderIndices.reserve(folderIndices.size() + folderComponents.size());
+
+    PathArena::Transaction adding(*arena_);
+    PathArena::Id folder = PathArena::kRoot;
+    std::size_t foundCount = 0;
+    for (std::size_t level = 0; level < folderComponents.size(); ++level) {
+        PathArena::Transaction::Found child;
+        if (foundCount == level) child = adding.find(folder, keys[level]);
+        if (child.isThere()) {
+            ++foundCount;
+            folder = enter(adding, child);
+        } else {
+            folder = adding.makeFolder(folder, keys[level]);
+        }
+        track.push_back(arena_->positionOf(folder));
     }
+    const bool existed = !track.empty() && foundCount == track.size();
+    const std::size_t prior = existed ? arena_->childCount(folder) : kNone;
+    if (!fileNames.empty())
+        adding.appendFiles(folder, files.all(), static_cast<std::uint32_t>(fileNames.size()));
 
-    priorChildCount = existed ? folder->children.size() : kNone;
-    makeRoom(folder->children, fileNames.size());
-    for (Bytes& name : fileNames) append(folder->children, name);
+    adding.commit();
+    folderIndices.insert(folderIndices.end(), track.begin(), track.end());
+    priorChildCount = prior;
+    for (std::size_t level = foundCount; level < folderComponents.size(); ++level)
+        Bytes().swap(folderComponents[level]);
+    for (Bytes& name : fileNames) Bytes().swap(name);
     return existed;
-}
-
-/// addIfExistsAndFind for a node of this trie.
-std::size_t BPathTree::findOrAppend(BNode& folder, Bytes& key, bool& existed) {
-    const std::size_t childCount = folder.children.size();
-    if (childCount < WideFolders::kMinChildren || childCount > WideFolders::kMaxChildren)
-        return addIfExistsAndFind(folder.children, key, existed);
-
-    if (!wideFolders_) wideFolders_ = std::make_unique<WideFolders>();
-    const std::size_t position = wideFolders_->find(folder, key);
-    existed = position != kNone;
-    return existed ? position : append(folder.children, key);
 }
 
 std::size_t BPathTree::addIfExistsAndFind(std::vector<std::shared_ptr<BNode>>& children, Bytes& key,
@@ -147,121 +188,106 @@ bool BPathTree::isLeaf(const std::shared_ptr<BNode>& node) const {
     return node->children.empty();
 }
 
-void BPathTree::traversePath(const std::vector<std::size_t>& track, Path& components) {
-    if (root->children.empty()) throw NoTreeToTraverseException();
-    if (track.empty()) throw EmptyPathForTraverseException();
-    if (!leadsToNode(track)) throw InvalidTrackException();
+/// The child at a position, which there is. Among many children the items are remembered, so that
+/// following tracks again does not go through them again.
+PathArena::Place BPathTree::childAt(PathArena::Id folder, std::size_t position) {
+    const std::uint32_t count = arena_->childCount(folder);
+    if (position >= count) throw InvalidTrackException();
+    if (count < kManyChildren) return *arena_->childAt(folder, position);
 
-    appendKeys(*root, track, track.size(), components);
+    FlatArray<PathArena::Link>& items = itemsOf_[folder];
+    const auto firstOf = [this](PathArena::Link link) {
+        return arena_->positionOf(PathArena::Place{link, 0});
+    };
+    if (items.isEmpty()) items.push(arena_->firstChild(folder).link);
+    while (firstOf(*(items.end() - 1)) < position) {
+        const PathArena::Link last = *(items.end() - 1);
+        if (last == arena_->lastItemOf(folder)) break;
+        items.push(arena_->itemAfter(last));
+    }
+    const auto after = std::partition_point(
+        items.data(), items.end(), [&](PathArena::Link link) { return firstOf(link) <= position; });
+    return {*(after - 1), static_cast<std::uint32_t>(position - firstOf(*(after - 1)))};
+}
+
+/// Follows the first `levels` positions of a track, at least one, from the root.
+PathArena::Place BPathTree::locate(const std::vector<std::size_t>& track, std::size_t levels) {
+    PathArena::Id folder = PathArena::kRoot;
+    PathArena::Place place{PathArena::kNone, 0};
+    for (std::size_t level = 0; level < levels; ++level) {
+        if (level > 0) folder = arena_->folderAt(place);
+        if (folder == PathArena::kNone) throw InvalidTrackException();
+        place = childAt(folder, track[level]);
+    }
+    return place;
+}
+
+/// Appends the keys of the folders on the way to a child, and its own.
+void BPathTree::appendKeys(const PathArena::Place& place, Path& keys) const {
+    std::vector<PathArena::Id> chain;
+    arena_->chainTo(arena_->folderOf(place), chain);
+    keys.reserve(keys.size() + chain.size() + 1);
+    for (const PathArena::Id folder : chain) keys.push_back(keyOf(arena_->nameOf(folder)));
+    keys.push_back(keyOf(arena_->nameOf(place)));
+}
+
+void BPathTree::traversePath(const std::vector<std::size_t>& track, Path& components) {
+    if (arena_->childCount(PathArena::kRoot) == 0) throw NoTreeToTraverseException();
+    if (track.empty()) throw EmptyPathForTraverseException();
+    Path keys;
+    appendKeys(locate(track, track.size()), keys);
+    components.insert(components.end(), std::make_move_iterator(keys.begin()),
+                      std::make_move_iterator(keys.end()));
 }
 
 void BPathTree::getPath(std::vector<Path>& folders, std::vector<Path>& files,
                         const std::vector<std::size_t>& entries,
                         const std::vector<std::vector<std::size_t>>& folderTracks,
                         const std::vector<std::vector<std::size_t>>& fileNumbers) {
-    std::vector<TrackEnd> trackEnds(folderTracks.size(), TrackEnd::kFolder);
-    for (const std::size_t entry : entries)
-        if (entry < folderTracks.size()) trackEnds[entry] = guessTrackEnd(folderTracks[entry]);
-    getPath(folders, files, entries, folderTracks, trackEnds, fileNumbers);
-}
-
-void BPathTree::getPath(std::vector<Path>& folders, std::vector<Path>& files,
-                        const std::vector<std::size_t>& entries,
-                        const std::vector<std::vector<std::size_t>>& folderTracks,
-                        const std::vector<TrackEnd>& trackEnds,
-                        const std::vector<std::vector<std::size_t>>& fileNumbers) const {
     if (fileNumbers.size() < entries.size()) throw InvalidFileNumberException();
 
     std::vector<Path> newFolders(entries.size());
     std::vector<Path> newFiles(entries.size());
-    std::vector<FolderPlace> places;
-    std::vector<const BNode*> fileNodes;
-    for (std::size_t begin = 0; begin < entries.size(); begin += kFetchedTogether) {
-        const std::size_t end = std::min(begin + kFetchedTogether, entries.size());
-        places.clear();
-        for (std::size_t i = begin; i < end; ++i) {
-            if (entries[i] >= folderTracks.size() || entries[i] >= trackEnds.size())
-                throw InvalidTrackException();
-            prefetch(folderTracks[entries[i]].data());
-            places.push_back({&folderTracks[entries[i]], trackEnds[entries[i]], root.get()});
-        }
-        locateFolders(places);
-        fileNodes.clear();
-        for (std::size_t i = begin; i < end; ++i)
-            locateFiles(places[i - begin], fileNumbers[i], fileNodes);
-        for (const BNode* node : fileNodes) prefetch(node->key.data());
-
-        auto node = fileNodes.begin();
-        for (std::size_t i = begin; i < end; ++i) {
-            appendKeys(*root, folderTracks[entries[i]], places[i - begin].levels(), newFolders[i]);
-            newFiles[i].reserve(fileNumbers[i].size());
-            for (std::size_t left = fileNumbers[i].size(); left > 0; --left, ++node)
-                newFiles[i].push_back((*node)->key);
-        }
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (entries[i] >= folderTracks.size()) throw InvalidTrackException();
+        getFiles(folderTracks[entries[i]], fileNumbers[i], newFolders[i], newFiles[i]);
     }
+    folders.reserve(folders.size() + newFolders.size());
+    files.reserve(files.size() + newFiles.size());
     appendMoving(folders, newFolders);
     appendMoving(files, newFiles);
 }
 
-/// Walks from the root to the folders, one level of all of them after the other.
-void BPathTree::locateFolders(std::vector<FolderPlace>& places) {
-    bool isWalking = true;
-    for (std::size_t level = 0; isWalking; ++level) {
-        isWalking = false;
-        for (const FolderPlace& place : places) {
-            if (level >= place.levels()) continue;
-            isWalking = true;
-            const std::size_t position = (*place.track)[level];
-            if (position >= place.folder->children.size()) throw InvalidTrackException();
-            prefetch(&place.folder->children[position]);
-        }
-        for (FolderPlace& place : places) {
-            if (level >= place.levels()) continue;
-            place.folder = place.folder->children[(*place.track)[level]].get();
-            prefetch(place.folder);
-        }
+/// The folder that a track leads to, and its files with these numbers from 1. A track that ends at
+/// a child with children leads to the folder itself; otherwise its last position is the first file.
+void BPathTree::getFiles(const std::vector<std::size_t>& track,
+                         const std::vector<std::size_t>& fileNumbers, Path& folderKeys,
+                         std::vector<Bytes>& fileKeys) {
+    PathArena::Id folder = PathArena::kRoot;
+    std::size_t first = 0;
+    if (!track.empty()) {
+        if (track.size() > 1) folder = arena_->folderAt(locate(track, track.size() - 1));
+        if (folder == PathArena::kNone && track.back() > 0) throw InvalidTrackException();
+        const std::uint32_t count = folder == PathArena::kNone ? 0 : arena_->childCount(folder);
+        if (track.back() > count) throw InvalidTrackException();
+        const PathArena::Id last = track.back() == count
+                                       ? PathArena::kNone
+                                       : arena_->folderAt(childAt(folder, track.back()));
+        if (last != PathArena::kNone && arena_->childCount(last) > 0)
+            folder = last;
+        else
+            first = track.back();
     }
-    for (const FolderPlace& place : places)
-        if (place.firstFile() > place.folder->children.size()) throw InvalidTrackException();
-}
-
-/// Appends the nodes of files that are numbered from 1 on from where the files begin.
-void BPathTree::locateFiles(const FolderPlace& place, const std::vector<std::size_t>& fileNumbers,
-                            std::vector<const BNode*>& fileNodes) {
-    const Nodes& children = place.folder->children;
-    const std::size_t fileCount = children.size() - place.firstFile();
+    const std::uint32_t count = folder == PathArena::kNone ? 0 : arena_->childCount(folder);
     for (const std::size_t number : fileNumbers) {
-        if (number == 0 || number > fileCount) throw InvalidFileNumberException();
-        fileNodes.push_back(children[place.firstFile() + number - 1].get());
-        prefetch(fileNodes.back());
+        if (number == 0 || number > count - first) throw InvalidFileNumberException();
+        fileKeys.push_back(keyOf(arena_->nameOf(childAt(folder, first + number - 1))));
     }
-}
-
-BPathTree::TrackEnd BPathTree::guessTrackEnd(const std::vector<std::size_t>& track) const noexcept {
-    const BNode* node = nodeAt(track, track.size());
-    const bool isFolder = track.empty() || (node != nullptr && !node->children.empty());
-    return isFolder ? TrackEnd::kFolder : TrackEnd::kFirstFile;
-}
-
-bool BPathTree::leadsToNode(const std::vector<std::size_t>& track) const noexcept {
-    return nodeAt(track, track.size()) != nullptr;
-}
-
-bool BPathTree::leadsToFolder(const std::vector<std::size_t>& folderTrack) const noexcept {
-    if (leadsToNode(folderTrack)) return true;
-    const BNode* folder = nodeAt(folderTrack, folderTrack.size() - 1);
-    return folder != nullptr && folderTrack.back() == folder->children.size();
-}
-
-/// The node that the first `levels` positions of `track` lead to, or null if there is none.
-const BPathTree::BNode* BPathTree::nodeAt(const std::vector<std::size_t>& track,
-                                          std::size_t levels) const noexcept {
-    const BNode* node = root.get();
-    for (std::size_t level = 0; level < levels; ++level) {
-        if (track[level] >= node->children.size()) return nullptr;
-        node = node->children[track[level]].get();
-    }
-    return node;
+    if (folder == PathArena::kRoot) return;
+    if (folder == PathArena::kNone)
+        appendKeys(locate(track, track.size() - 1), folderKeys);  // a file, met as a folder
+    else
+        appendKeys(PathArena::Place{PathArena::kFolderLink | folder, 0}, folderKeys);
 }
 
 }  // namespace compressedpaths

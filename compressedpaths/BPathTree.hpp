@@ -15,25 +15,29 @@
 // positions from the root to a node, counted from 0) stays valid for the life of the trie. A path
 // ends at a leaf: a node without children.
 //
-// Copies share their nodes: what is added through one is seen by all. Each has its own walk.
-// Tries of any depth are walked and freed without recursion.
+// The trie stands in a PathArena. Copies share it: what is added through one is seen by all. Each
+// has its own walk. Tries of any depth are walked and freed without recursion.
 //
-// Threads: tries that share nodes belong to one thread at a time.
+// Nodes with pointers, as some operations take them, are the caller's own: the trie has none.
+//
+// Threads: tries that share an arena belong to one thread at a time.
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 #include <stack>
+#include <unordered_map>
 #include <vector>
 
 #include "compressedpaths/BPathTreeExceptions.hpp"
+#include "compressedpaths/store/PathArena.hpp"
 
 namespace compressedpaths {
 
 using Bytes = std::vector<std::uint8_t>;
 using Path = std::vector<Bytes>;
-
-class WideFolders;
 
 class BPathTree {
 public:
@@ -45,28 +49,28 @@ public:
     };
     using NodeStack = std::stack<std::shared_ptr<BNode>>;
 
-    /// What the last position of a folder's track is.
-    enum class TrackEnd : std::uint8_t {
-        kFolder,     // the folder itself: its files begin at child 0
-        kFirstFile,  // the child of the folder at which the files begin
-    };
-
     BPathTree();
-    BPathTree(const BPathTree& other);  // shares the nodes, copies the walk. O(depth of the walk)
+    BPathTree(const BPathTree& other);  // shares the arena, copies the walk. O(depth of the walk)
+    /// A trie that has been built elsewhere; its walk has not been started.
+    explicit BPathTree(std::shared_ptr<PathArena> arena);
     BPathTree& operator=(const BPathTree&) = delete;
     virtual ~BPathTree();
 
     /// Adds one path. True if it was there as a whole. `existingIndices` grows by the positions of
     /// the leading components that were there; the others are moved into the trie and left empty.
-    /// Throws only std::bad_alloc. O(components), expected.
+    /// Throws SetTooLargeException. O(bytes), expected.
     bool addPath(Path& components, std::vector<std::size_t>& existingIndices);
+
+    /// The same; `last` is where the last component is then, if there is any.
+    bool addPath(Path& components, std::vector<std::size_t>& existingIndices,
+                 PathArena::Place& last);
 
     /// Adds a folder and `fileNames` as new children of it, equal names included; new folder
     /// components and all file names are moved into the trie and left empty. True if the folder was
     /// there; then `priorChildCount` is the number of children it had, otherwise SIZE_MAX.
     /// `folderIndices` grows by the folder's track. With no folder components the files become
     /// children of the root and the result is false.
-    /// Throws only std::bad_alloc. O(folder components + files), expected.
+    /// Throws SetTooLargeException. O(bytes), expected.
     bool addPath(Path& folderComponents, std::vector<Bytes>& fileNames,
                  std::vector<std::size_t>& folderIndices, std::size_t& priorChildCount);
 
@@ -96,28 +100,6 @@ public:
                  const std::vector<std::vector<std::size_t>>& folderTracks,
                  const std::vector<std::vector<std::size_t>>& fileNumbers);
 
-    /// The same for a caller who remembers what the last position of each track is: `trackEnds[j]`
-    /// belongs to `folderTracks[j]`. A file may then have become a folder since it was added.
-    void getPath(std::vector<Path>& folders, std::vector<Path>& files,
-                 const std::vector<std::size_t>& entries,
-                 const std::vector<std::vector<std::size_t>>& folderTracks,
-                 const std::vector<TrackEnd>& trackEnds,
-                 const std::vector<std::vector<std::size_t>>& fileNumbers) const;
-
-    /// What the last position of `track` is if nothing is remembered of it, the rule of getPath.
-    TrackEnd guessTrackEnd(const std::vector<std::size_t>& track) const noexcept;
-
-    /// What the last position of each of `folderTracks` is, worked out from the shape of the trie
-    /// and the number of files of each entry (`fileCounts`, parallel). O(track positions),
-    /// expected.
-    std::vector<TrackEnd> readTrackEnds(const std::vector<std::vector<std::size_t>>& folderTracks,
-                                        const std::vector<std::size_t>& fileCounts) const;
-
-    /// True if `track` leads to a node; or, of a folder's track, to the place behind the last
-    /// child.
-    bool leadsToNode(const std::vector<std::size_t>& track) const noexcept;
-    bool leadsToFolder(const std::vector<std::size_t>& folderTrack) const noexcept;
-
     /// Starts the walk: every path once, children in their order. Does nothing on an empty trie.
     /// Paths that are added during a walk may be missed; start again after adding. O(top level).
     void reset();
@@ -129,7 +111,14 @@ public:
     /// changed then. O(bytes of the path + children of the folders entered).
     void getNextPath(Path& path);
 
-    /// Pushes the children of a node, last first, so that the first is on top.
+    /// The step of getNextPath for who wants no keys: calls `visit` with the folders of the next
+    /// path, root side first, and its last component. If that throws, the walk stays where it was.
+    using PathVisitor =
+        std::function<void(std::span<const PathArena::Id> folders, const NameView& name)>;
+    void visitNextPath(const PathVisitor& visit);
+
+    /// Pushes the children of a node, last first, so that the first is on top; without a stack,
+    /// onto one of the trie's own, which serves such walks by hand alone, as does the next one's.
     void pushAllChildren(const std::shared_ptr<BNode>& node);
     void pushAllChildren(const std::shared_ptr<BNode>& node, NodeStack& stack) const;
 
@@ -144,36 +133,61 @@ public:
     /// Replaces the trie by the described one and moves the keys out of `codes`; what is left over
     /// of either is ignored. Returns the number of leaves. Throws UnknownNodeTypeException on a
     /// structure byte above 3, IncompleteTrieException if nodes are missing; the nodes read up to
-    /// there then stay. O(nodes).
+    /// there then stay. Copies keep the trie that was. O(nodes).
     std::size_t deserialize(Bytes& structure, std::vector<Bytes>& codes);
+
+    /// The store, for who reads it piece by piece or adds what is coded already.
+    PathArena& arena() noexcept { return *arena_; }
+    const PathArena& arena() const noexcept { return *arena_; }
+    const std::shared_ptr<PathArena>& sharedArena() const noexcept { return arena_; }
 
 private:
     friend class BPathTreePeer;
 
-    /// Where the files of a folder entry are.
-    struct FolderPlace {
-        const std::vector<std::size_t>* track;
-        TrackEnd end;
-        const BNode* folder;  // the node that the walk along the track has come to
+    /// Trie and walk with nodes, made anew from the arena.
+    struct LinkedWalk {
+        std::shared_ptr<BNode> root;
+        NodeStack nodeStack;    // nodes still to be visited; the top is next
+        NodeStack parentStack;  // the root and the nodes that are open above the next one
+        Path currentPath;       // keys of the nodes on parentStack, without the root's
+    };
+    LinkedWalk linkedWalk() const;
 
-        bool endsInFirstFile() const { return end == TrackEnd::kFirstFile && !track->empty(); }
-        std::size_t levels() const { return track->size() - (endsInFirstFile() ? 1 : 0); }
-        std::size_t firstFile() const { return endsInFirstFile() ? track->back() : 0; }
+    /// The children of a folder that are still to be visited, as many as it had when it was
+    /// entered.
+    struct Frame {
+        PathArena::Cursor next;
+        std::uint32_t left;
     };
 
-    std::size_t findOrAppend(BNode& folder, Bytes& key, bool& existed);
-    const BNode* nodeAt(const std::vector<std::size_t>& track, std::size_t levels) const noexcept;
-    static void locateFolders(std::vector<FolderPlace>& places);
-    static void locateFiles(const FolderPlace& place, const std::vector<std::size_t>& fileNumbers,
-                            std::vector<const BNode*>& fileNodes);
+    /// A child that the walk has come to or left.
+    struct Visited {
+        PathArena::Id folder;
+        std::uint32_t position;
+    };
 
-    std::shared_ptr<BNode> root;
-    NodeStack nodeStack;    // nodes still to be visited; the top is next
-    NodeStack parentStack;  // the root and the nodes that are open above the next one
-    Path currentPath;       // keys of the nodes on parentStack, without the root's
-    bool flag = false;      // carried along by copies
+    PathArena::Place childAt(PathArena::Id folder, std::size_t position);
+    PathArena::Place locate(const std::vector<std::size_t>& track, std::size_t levels);
+    void appendKeys(const PathArena::Place& place, Path& keys) const;
+    void getFiles(const std::vector<std::size_t>& track,
+                  const std::vector<std::size_t>& fileNumbers, Path& folderKeys,
+                  std::vector<Bytes>& fileKeys);
+    bool isLastOfParent(const Visited& child) const;
+    void dropFinishedFrames() noexcept;
+    void visitNext(const PathVisitor& visit);
+    void closeFinished();
 
-    std::unique_ptr<WideFolders> wideFolders_;  // derived from the nodes; null until one is needed
+    std::shared_ptr<PathArena> arena_;  // never null
+    // The walk. The three follow one another only as long as nothing is added meanwhile.
+    std::vector<Frame> frames_;
+    std::vector<PathArena::Id> parents_;  // folders that are open above the next child
+    std::vector<PathArena::Id> current_;  // folders whose names stand in front of the next path
+    // Items of folders with many children, as far as tracks have been followed through them.
+    std::unordered_map<PathArena::Id, FlatArray<PathArena::Link>> itemsOf_;
+
+    NodeStack nodeStack;    // of walks by hand
+    NodeStack parentStack;  // of walks by hand
+    bool flag = false;      // carried along by copies; nothing reads it
 };
 
 }  // namespace compressedpaths

@@ -55,4 +55,18 @@ public:
     }
 };
 
+/// More names or folders than 31-bit offsets reach.
+class SetTooLargeException : public std::exception {
+public:
+    const char* what() const noexcept override {
+        return "The set would be larger than its offsets reach.";
+    }
+};
+
+/// The bytes are those of no image, or lead outside it.
+class InvalidImageException : public std::exception {
+public:
+    const char* what() const noexcept override { return "The image of the set is damaged."; }
+};
+
 }  // namespace compressedpaths

@@ -37,21 +37,90 @@ void HuffmanPathTree::generateCompressedTree() {
 }
 
 void HuffmanPathTree::inflate() {
-    inflateFromBoolTree();
-    inflateFromCompressedTree();
+    static_cast<void>(sizeOfSavedTree(treeString));
+
+    HuffmanPathTree inflated;  // beside this set, so that a failure leaves no trace
+    inflated.boolTree = boolTree;
+    inflated.treeString = treeString;
+    inflated.inflateFromBoolTree();
+    inflated.inflateFromCompressedTree();
+    CodeTables tables = CodeTables::forDecoding(boolTree, treeString);
+
+    std::swap(rootIndex, inflated.rootIndex);
+    nodes.swap(inflated.nodes);
+    codeTables_ = std::move(tables);
 }
 
 void HuffmanPathTree::inflateHuffman(const std::u16string& characters) {
-    static_cast<void>(sizeOfSavedTree(characters));  // refuses before anything changes
-    treeString = characters;
-    inflate();
-    generateCode();
+    static_cast<void>(sizeOfSavedTree(characters));
+
+    HuffmanPathTree inflated;  // beside this set, so that a failure leaves no trace
+    inflated.boolTree = boolTree;
+    inflated.treeString = characters;
+    inflated.inflateFromBoolTree();
+    inflated.inflateFromCompressedTree();
+    inflated.generateCode();
+
+    treeString.swap(inflated.treeString);
+    std::swap(rootIndex, inflated.rootIndex);
+    nodes.swap(inflated.nodes);
+    codes.swap(inflated.codes);
+    parents.swap(inflated.parents);
+    codeTables_ = std::move(inflated.codeTables_);
+}
+
+/// Makes the coding tree of a set whose tables came without it.
+void HuffmanPathTree::ensureCodingTree() const {
+    if (!isCodingTreeDeferred_) return;
+    std::call_once(codingTreeMade_, [this] {
+        HuffmanPathTree inflated;
+        inflated.boolTree = boolTree;
+        inflated.inflateHuffman(treeString);
+
+        std::swap(rootIndex, inflated.rootIndex);
+        nodes.swap(inflated.nodes);
+        codes.swap(inflated.codes);
+        parents.swap(inflated.parents);
+    });
+}
+
+/// Makes the tables of a code whose shape and leaves came from an image.
+void HuffmanPathTree::buildCodeTables() {
+    if (boolTree.empty()) return;
+    try {
+        static_cast<void>(sizeOfSavedTree(treeString));
+        requireBoundedCodeWords(boolTree);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        throw InvalidImageException();
+    }
+    codeTables_ = CodeTables(boolTree, treeString);
+}
+
+/// Throws InvalidImageException unless the tables are those of shape and leaves.
+void HuffmanPathTree::verifyCode() const {
+    HuffmanPathTree built;
+    built.boolTree = boolTree;
+    built.treeString = treeString;
+    built.buildCodeTables();
+    const CodeTables::Arrays& own = codeTables_.arrays();
+    const CodeTables::Arrays& expected = built.codeTables_.arrays();
+    const auto isSame = [](const auto& a, const auto& b) {
+        return std::equal(a.values().begin(), a.values().end(), b.values().begin(),
+                          b.values().end());
+    };
+    const bool holds = isSame(own.pageOf, expected.pageOf) && isSame(own.words, expected.words) &&
+                       isSame(own.longWords, expected.longWords) &&
+                       isSame(own.longBits, expected.longBits) &&
+                       isSame(own.steps, expected.steps) && isSame(own.branches, expected.branches);
+    if (!holds) throw InvalidImageException();
 }
 
 /// The number of entries of the shape that make up the coding tree, each leaf with a character of
-/// its own. What stands behind the end of shape or characters is ignored.
+/// its own. What stands after the end of shape or characters is ignored.
 std::size_t HuffmanPathTree::sizeOfSavedTree(const std::u16string& characters) const {
-    if (!nodes.empty()) throw CodingTreeExistsException();
+    if (!nodes.empty() || isCodingTreeDeferred_) throw CodingTreeExistsException();
     if (boolTree.empty()) return 0;
 
     std::size_t announced = 1;  // nodes that the entries so far say there are
@@ -93,7 +162,6 @@ void HuffmanPathTree::inflateFromCompressedTree() {
         }
         if (!boolTree[node.index]) waiting.push_back(node.index);
     }
-    buildDecodingTable();
 }
 
 }  // namespace compressedpaths

@@ -26,29 +26,35 @@
 // mean is in HuffmanPathTreeExceptions.hpp, BPathTreeExceptions.hpp and docs/errors.md; all
 // operations may also throw std::bad_alloc.
 //
-// Threads: a set belongs to one thread at a time; generateCodeAsyncAndAddPaths uses more of its
-// own.
+// Threads: a set, and all sets that share its trie, belong to one thread at a time;
+// generateCodeAsyncAndAddPaths uses more of its own. Operations that are const are safe from any
+// number of threads at once while nobody changes the set or one that shares its trie.
 
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
+#include <iosfwd>
+#include <limits>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <span>
 #include <stack>
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "compressedpaths/BPathTree.hpp"
 #include "compressedpaths/CodeTables.hpp"
+#include "compressedpaths/CodedBatch.hpp"
 #include "compressedpaths/FrequencyHeap.hpp"
 #include "compressedpaths/HuffmanPathTreeExceptions.hpp"
+#include "compressedpaths/store/FolderEntries.hpp"
 
 namespace compressedpaths {
-
-namespace sixpacks {
-class ByteReader;
-}
 
 class HuffmanPathTree {
 public:
@@ -81,8 +87,8 @@ public:
     // --- The code. Either deflateHuffman, or setting a saved form and inflating it, once.
 
     /// Builds the code from the frequency of each character. The order of the map decides ties.
-    /// Throws AlphabetTooSmallException, CodingTreeExistsException, and CodeWordsTooLongException
-    /// after which the object cannot be used. O(n log n + bits of all code words).
+    /// Throws AlphabetTooSmallException, CodingTreeExistsException and CodeWordsTooLongException.
+    /// O(n log n + bits of all code words).
     void deflateHuffman(const std::unordered_map<char16_t, double>& frequencyOf);
 
     /// The same from parallel inputs: `characterFrequencies` has a value for each of `characters`.
@@ -93,7 +99,7 @@ public:
     /// CodeNotFoundException. O(characters).
     std::vector<std::uint8_t> generateCodeFor(const std::u16string& text);
 
-    /// The component of code bytes; bits behind the last whole code word are dropped. Throws
+    /// The component of code bytes; bits after the last whole code word are dropped. Throws
     /// NoUsableCodingTreeException and InvalidCodeException. O(characters).
     std::u16string generatePathFrom(const std::vector<std::uint8_t>& code) const;
 
@@ -126,24 +132,30 @@ public:
     // --- The paths.
 
     /// Adds a batch: the i-th folder with the i-th list of file names. Components are coded on all
-    /// cores and added in the order given, so that the set does not depend on the threads.
-    /// Throws NoCodeForEmptyString, CodeNotFoundException, UnequalBatchListsException: then nothing
-    /// of the batch is in the set, and its memory is given back by the next batch or reset.
-    /// O(characters), expected.
+    /// cores, from the lists given, and added in their order, so that the set does not depend on
+    /// the threads. Throws NoCodeForEmptyString, CodeNotFoundException, UnequalBatchListsException
+    /// and SetTooLargeException: then nothing of the batch is in the set; a batch that could not be
+    /// coded is kept aside until the next batch or reset. O(characters), expected.
     void generateCodeAsyncAndAddPaths(std::vector<std::vector<std::u16string>>& folders,
                                       std::vector<std::vector<std::u16string>>& files);
 
-    /// Adds one folder entry of coded components, which are moved into the set.
+    /// Adds a batch that the caller has coded, on the calling thread alone. Throws
+    /// SetTooLargeException. O(bytes), expected.
+    void addCodedBatch(const CodedBatch& batch);
+
+    /// Adds one folder entry of coded components, which are moved into the set: those that were not
+    /// there are left empty. Throws SetTooLargeException. O(bytes), expected.
     void addPathToBTree(std::vector<Bytes>& codedFolders, std::vector<Bytes>& codedFiles);
 
     /// Adds one coded path. If it was there, it gets a number all the same and the walk gives it
-    /// again at that number; getPath does not count it.
+    /// again at that number; getPath does not count it. Throws SetTooLargeException.
     void addPathToBTree(std::vector<Bytes>& codedPath);
 
-    /// Adds the coded batch. Throws IncompleteBatchException if some of it has not been coded.
+    /// Adds the coded batch that was kept aside. Throws IncompleteBatchException if some of it has
+    /// not been coded.
     void addPathToBTreeFromAsyncData();
 
-    /// True if the path with this number was there when it was added on its own. O(1), expected.
+    /// True if the path with this number was there when it was added on its own. O(log paths).
     bool hasDuplicate(const std::uint64_t& pathNumber);
 
     /// The paths with the requested numbers, coded: for each run of ascending numbers in one folder
@@ -156,14 +168,77 @@ public:
 
     /// The walk over all paths, in the order of the trie. resetPathsToBTree starts it, also anew;
     /// start it after adding. getNextPathFromBTree replaces `out` by the next coded path, or, where
-    /// a path was added again, appends that path; it throws NoMorePathException behind the last.
+    /// a path was added again, appends that path; it throws NoMorePathException past the last.
     void resetPathsToBTree();
     bool hasNextPathFromBTree();
     void getNextPathFromBTree(Path& out);
 
-    /// Makes this set a copy of the other. Both share the nodes of the trie: what is added through
-    /// one appears in the walk of both, though not under a number of the other.
+    /// Makes this set a copy of the other. Both share the trie: what is added through one appears
+    /// in the walk of both, though not under a number of the other. O(entries).
     void copyTree(const HuffmanPathTree& other);
+
+    // --- The paths as text. A path is its components joined as hosts join them: no separator after
+    // the first, which carries its own. As bytes, the unit 0xDC00 + byte is that byte (0x80 on).
+
+    /// The number of paths; they are numbered from 1.
+    std::size_t size() const noexcept { return pathCount; }
+
+    /// Appends the path with this number to `text`. Throws InvalidPathNumberException, also for one
+    /// that was added on its own, and what decoding throws if a damaged set was loaded; `text` is
+    /// then as it was. O(log entries + characters).
+    void appendText(std::size_t number, std::string_view separator, std::string& text) const;
+    void appendText(std::size_t number, std::u16string_view separator, std::u16string& text) const;
+
+    /// Calls `visit` for the paths numbered `first` to `last`, in that order, or for none if last
+    /// is below first. The text is gone after the call. Numbers of paths that were added on their
+    /// own are passed over. Throws as appendText, and InvalidPathNumberException before the first
+    /// call. O(characters).
+    void forEachText(
+        std::size_t first, std::size_t last, std::string_view separator,
+        const std::function<void(std::size_t number, std::string_view text)>& visit) const;
+
+    /// Replaces `text` by the next path of the walk that resetPathsToBTree starts, which then goes
+    /// on after it, also for getNextPathFromBTree. What a folder has in common with the one before
+    /// is decoded once. Throws NoMorePathException past the last, and as appendText; the walk and
+    /// `text` are then as they were. O(characters).
+    void getNextTextFromBTree(std::string_view separator, std::string& text);
+
+    // --- Finding. None of these looks at the whole set, but for an order of all folders and all
+    // entries that a set not opened from an image makes when it is first asked, and that adding
+    // drops: O(folders log folders + entries log entries).
+
+    using FolderId = compressedpaths::FolderId;
+
+    /// Path numbers; both ends belong to the range.
+    struct NumberRange {
+        std::size_t first;
+        std::size_t last;
+
+        bool operator==(const NumberRange&) const = default;
+    };
+
+    /// The folder with these components; without any, the root. O(components * log folders).
+    std::optional<FolderId> folderOf(const std::vector<std::u16string>& components) const;
+
+    /// The folders in a folder, in the order in which they were made. Throws InvalidTrackException
+    /// if there is no such folder, as do the next two. O(log folders + sub-folders).
+    std::vector<FolderId> foldersIn(FolderId folder) const;
+
+    /// The numbers of the files that were added to a folder, ascending. O(log entries + ranges).
+    std::vector<NumberRange> entriesOf(FolderId folder) const;
+
+    /// The lowest number of a file of this name in a folder. O(log entries + names of the folder).
+    std::optional<std::size_t> numberOf(FolderId folder, const std::u16string& fileName) const;
+
+    /// The name of a folder: its last component, empty for the root. O(characters).
+    std::u16string nameOf(FolderId folder) const;
+    /// The folder that a folder is in; of the root, the root. O(1).
+    FolderId parentOf(FolderId folder) const;
+
+    /// Calls `visit` for the numbers of a range whose file name holds `text`, ascending. Names are
+    /// not decoded: the code bits of the text are looked for. O(bytes of the coded names).
+    void forEachNameWith(std::u16string_view text, NumberRange range,
+                         const std::function<void(std::size_t number)>& visit) const;
 
     // --- The saved form; docs/format.md draws it.
 
@@ -173,57 +248,159 @@ public:
     /// Reads the saved form that `bytes` begins with into this newly constructed set. Throws
     /// PrematureEndException, ImplausibleLengthException, DamagedBlockException,
     /// InvalidUintConversionException, UnknownNodeTypeException, IncompleteTrieException,
-    /// DescendingPathTotalsException and InvalidTrackException; what was read up to there then
-    /// stays. O(size of the set).
-    void deserialize(std::vector<std::uint8_t>& bytes, bool compressed);
+    /// DescendingPathTotalsException, InvalidTrackException and SetTooLargeException; what was read
+    /// up to there then stays. Refuses a body that inflates to more than `maxBodySize` bytes, or
+    /// than deflate can reach. Takes at most 64 KiB and 64 bytes for each byte of the body.
+    /// O(body).
+    void deserialize(std::vector<std::uint8_t>& bytes, bool compressed,
+                     std::uint64_t maxBodySize = std::numeric_limits<std::uint64_t>::max());
 
     std::size_t serializePathTree(Bytes& structure, std::vector<Bytes>& keys);
     std::size_t deserializePathTree(Bytes& structure, std::vector<Bytes>& keys);
 
+    // --- Images: the arrays of a set as they are, to be mapped; docs/image.md draws them.
+
+    /// Writes the image of this set. Throws ImageNotWrittenException if the stream fails.
+    /// O(size of the set).
+    void writeImage(std::ostream& out) const;
+
+    /// A set on the bytes of an image, which outlive it and every set that shares its trie. Nothing
+    /// is copied or rebuilt; adding copies the arrays. Throws InvalidImageException if the header
+    /// is that of no image; what else is wrong is refused where it is met, with
+    /// InvalidImageException too. O(characters of the alphabet).
+    static std::unique_ptr<HuffmanPathTree> openImage(std::span<const std::byte> image);
+
+    /// Throws InvalidImageException unless all sums hold and every offset leads where it should.
+    /// O(size of the image).
+    static void verifyImage(std::span<const std::byte> image);
+
+    /// The tables that names are coded with.
+    const CodeTables& codeTables() const noexcept { return codeTables_; }
+
 private:
     friend class HuffmanPathTreePeer;
+    friend class ImageReader;
+    friend class ImageWriter;
+    friend class SavedSetReader;
 
+    using Id = PathArena::Id;
+    class Addition;
+    class BodySections;
     using HNodeHeap = FrequencyHeap<HNode, HNodeFrequencyComparator>;
 
+    /// A path that was there when it was added on its own.
+    struct RepeatedPath {
+        std::size_t number;
+        PathArena::Place place;
+    };
+
     void requireNoCodingTree() const;
-    void makeHeapAndTree(const std::unordered_map<char16_t, double>& frequencyOf);
     void makeHeapAndTree(const double* characterFrequencies, const std::u16string& characters);
     void generateTree(HNodeHeap& heap);
     void generateCompressedTree();
-    void requireBearableCodeWords() const;
+    static void requireBoundedCodeWords(const std::vector<bool>& shape);
     void generateCode();
     void addCode(const HNode& leaf);
-    void buildDecodingTable();
-    Bytes codeOf(const std::u16string& text) const;
+    void ensureCodingTree() const;
+    void buildCodeTables();
+    void verifyCode() const;
+    void verifyIndex() const;
 
     std::size_t sizeOfSavedTree(const std::u16string& characters) const;
     void inflateFromBoolTree();
     void inflateFromCompressedTree();
 
-    void generateCodeForPath(std::size_t first, std::size_t last);
-    void codeAllInParallel();
+    void keepBatchAside(const std::vector<std::vector<std::u16string>>& folders,
+                        const std::vector<std::vector<std::u16string>>& files) noexcept;
     void clearThreadResources();
+    void addCodedBatches(std::span<const CodedBatch* const> batches);
+    std::size_t addEntry(PathArena::Transaction& adding, std::vector<PathArena::Id>& chain,
+                         const CodedBatch::Entry& entry, std::span<const std::uint8_t> names);
 
-    std::size_t rootChildrenBefore(std::size_t entry) const;
+    PathArena& arena() noexcept { return pathTree->arena(); }
+    const PathArena& arena() const noexcept { return std::as_const(*pathTree).arena(); }
+    std::uint64_t totalOfEntries() const noexcept;
+    std::optional<FolderEntries::Cursor> entryHolding(std::size_t number) const;
+    std::optional<PathArena::Place> findFile(const FolderEntries::Entry& entry,
+                                             std::uint64_t index) const;
+    PathArena::Place fileOf(const FolderEntries::Entry& entry, std::uint64_t index) const;
+    PathArena::Id folderOfEntry(const FolderEntries::Place& place) const;
+    std::uint64_t firstChildOf(const FolderEntries::Place& place) const;
+    std::vector<std::size_t> trackTo(PathArena::Id folder) const;
+    std::vector<std::size_t> trackOfEntry(const FolderEntries::Place& place) const;
+    void appendKeys(const PathArena::Place& place, Path& keys) const;
+    void appendKeysTo(PathArena::Id folder, Path& keys) const;
+    Path pathOfTrack(std::size_t number) const;
+    template <class Visit>
+    void forEachEntry(Visit visit) const;
+    void forgetPaths() noexcept;
+    void reserveForRepeatedPath();
+    void rememberRepeatedPath(std::size_t number, const PathArena::Place& place);
 
-    std::size_t packTrie(Bytes& body);
-    void packFolderSection(Bytes& body, std::size_t maxFanOut) const;
-    void packTrackSection(Bytes& body, std::size_t maxFanOut) const;
-    void unpackBody(sixpacks::ByteReader& body);
-    std::size_t unpackTrie(sixpacks::ByteReader& body);
-    void unpackFolderSection(sixpacks::ByteReader& body, std::size_t nodeCount);
-    void readTrackEnds(std::size_t nodeCount);
-    void unpackTrackSection(sixpacks::ByteReader& body);
+    // What the described fields of these names hold, made where it is wanted. Total of paths up to
+    // and with each entry; track of each entry; child positions of paths that were added again.
+    std::vector<std::size_t> partitionEnds() const;
+    std::vector<std::vector<std::size_t>> folderTracks() const;
+    std::unordered_map<std::size_t, std::vector<std::size_t>> pathTracks() const;
+
+    /// The folders of a path as text, and how far it is that of each.
+    struct FolderText {
+        std::string text;
+        std::string separator;
+        std::vector<Id> folders;
+        std::vector<std::size_t> ends;
+    };
+    void setFolders(FolderText& folder, std::span<const Id> folders,
+                    std::string_view separator) const;
+    template <class Step>
+    void stepWalk(Step step);
+
+    /// A file's name and the folder that it is in.
+    struct FileName {
+        PathArena::Id folder;
+        NameView name;
+    };
+    /// The files of an entry, one after the other.
+    class FileNames {
+    public:
+        FileNames(const HuffmanPathTree& set, const FolderEntries::Entry& entry,
+                  std::uint64_t index);
+
+        bool isThere() const;
+        FileName get() const;
+        void advance();
+        template <class Find>
+        std::uint64_t skipTo(Find find, std::uint64_t most);
+
+    private:
+        bool isInRun() const noexcept {
+            return entry_.place.run != PathArena::kNone && entry_.place.skip + index_ < run_.count;
+        }
+
+        const HuffmanPathTree& set_;
+        FolderEntries::Entry entry_;
+        std::uint64_t index_;
+        PathArena::Run run_{};
+        std::uint32_t offset_ = 0;  // of the name, while it is in the run
+    };
+    FileName fileNameOf(const FolderEntries::Entry& entry, std::uint64_t index) const;
+    template <class Text, class Separator>
+    void appendPath(std::size_t number, Separator separator, Text& text) const;
+
+    std::optional<FlatArray<std::uint8_t>> storedNameOf(std::u16string_view component) const;
+    PathArena::Id existing(FolderId folder) const;
+    const FlatArray<std::uint32_t>& entriesByFolder() const;
+    FolderEntries::Cursor entryAt(std::uint32_t number) const;
+    template <class Visit>
+    void forEachEntryOf(PathArena::Id folder, Visit visit) const;
+
+    const RepeatedPath* repeatedPathAt(std::size_t number) const;
+    const std::uint32_t* repeatedPathsFrom(std::size_t number) const;
+    const RepeatedPath& repeatedPath(std::uint32_t position) const;
 
     std::vector<bool> boolTree;           // shape of the coding tree in pre-order, true is a leaf
     std::u16string treeString;            // characters of the leaves in pre-order
     std::unique_ptr<BPathTree> pathTree;  // never null
-    // By path number: the child positions that lead to a path that was there when added on its own.
-    std::unordered_map<std::size_t, std::vector<std::size_t>> pathTracks;
-    std::vector<std::size_t> partitionEnds;  // paths up to and with each folder entry; ascending
-    // By folder entry: the track of the folder, and, if it was there, the position of its first
-    // file.
-    std::vector<std::vector<std::size_t>> folderTracks;
     // The counters are maxima that the saved form takes its widths from.
     std::size_t maxFolderDepth = 0;     // positions in folderTracks, of folders that were there
     std::size_t maxTrackLength = 0;     // positions in pathTracks
@@ -232,12 +409,14 @@ private:
     std::size_t iterationPosition = 0;  // paths that the walk has given
     std::size_t pathCount = 0;
     std::vector<double> frequencies;  // of the leaves in pre-order
-    std::uint32_t rootIndex = 0;
-    std::vector<HNode> nodes;  // a node's index is its position
-    std::unordered_map<char16_t, std::deque<bool>>
+    // The coding tree itself. A set that was opened from an image makes it when it is first needed.
+    mutable std::uint32_t rootIndex = 0;
+    mutable std::vector<HNode> nodes;  // a node's index is its position
+    mutable std::unordered_map<char16_t, std::deque<bool>>
         codes;  // code words, first step from the root first
-    std::unordered_map<std::uint32_t, std::uint32_t> parents;  // scratch: parent of a node
-    // A batch between coding and adding; a slot is written by the one worker that codes its entry.
+    mutable std::unordered_map<std::uint32_t, std::uint32_t> parents;  // scratch: parent of a node
+    // A batch that could not be coded. The two mutexes belong to the described object and guard
+    // nothing: each worker fills a batch of its own.
     std::vector<std::vector<std::u16string>> asyncFolders;
     std::vector<std::vector<std::u16string>> asyncFiles;
     std::vector<std::vector<Bytes>> asyncCodedFolders;
@@ -245,13 +424,20 @@ private:
     std::mutex asyncFoldersMutex;
     std::mutex asyncFilesMutex;
 
-    std::vector<BPathTree::TrackEnd> trackEnds_;  // parallel to folderTracks; not saved
-    CodeWordTable codeWords_;                     // derived from codes
-    DecodingTable decodingTable_;                 // derived from nodes
+    // Fields of our own end in an underscore; those above have fixed names.
+    FolderEntries entries_;
+    FlatArray<RepeatedPath> repeatedPaths_;   // in the order in which they were added
+    FlatArray<std::uint32_t> repeatedOrder_;  // their positions, ascending by number
+    CodeTables codeTables_;                   // derived from boolTree and treeString
+    bool isCodingTreeDeferred_ = false;       // it has to be made from boolTree and treeString
+    mutable std::once_flag codingTreeMade_;
+    Lazy<FlatArray<std::uint32_t>> entriesByFolder_;  // entries in the order of (folder, number)
+    FolderText walkText_;                             // of the folder that the walk has come to
 };
 
 template <class F>
 void HuffmanPathTree::traverse(F visitor) {
+    ensureCodingTree();
     if (rootIndex >= nodes.size()) return;
 
     std::stack<HNode, std::vector<HNode>> open;
@@ -262,6 +448,18 @@ void HuffmanPathTree::traverse(F visitor) {
         visitor(this, node);
         if (node.right != kNone) open.push(nodes[node.right]);
         if (node.left != kNone) open.push(nodes[node.left]);
+    }
+}
+
+/// Calls `visit(cursor)` for every entry that has numbers and a place.
+template <class Visit>
+void HuffmanPathTree::forEachEntry(Visit visit) const {
+    if (entries_.size() == 0) return;
+    FolderEntries::Cursor cursor = entries_.at(0);
+    while (true) {
+        visit(std::as_const(cursor));
+        if (cursor.number + 1 == entries_.size()) return;
+        entries_.advance(cursor);
     }
 }
 

@@ -102,4 +102,10 @@ public:
     }
 };
 
+/// The stream that an image was written to has failed.
+class ImageNotWrittenException : public std::exception {
+public:
+    const char* what() const noexcept override { return "The image could not be written."; }
+};
+
 }  // namespace compressedpaths

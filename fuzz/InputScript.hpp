@@ -1,5 +1,5 @@
 #pragma once
-// InputScript reads the bytes of one fuzz input as choices, in order. Behind the end every choice
+// InputScript reads the bytes of one fuzz input as choices, in order. Past the end every choice
 // is 0, so that cutting an input short leaves a valid one:
 //
 //     InputScript script(data, size);

@@ -26,7 +26,7 @@ bool load(HuffmanPathTree& set, Bytes& bytes, bool compressed) {
     return succeeds<sixpacks::PrematureEndException, ImplausibleLengthException,
                     DamagedBlockException, sixpacks::InvalidUintConversionException,
                     UnknownNodeTypeException, IncompleteTrieException,
-                    DescendingPathTotalsException, InvalidTrackException>(
+                    DescendingPathTotalsException, InvalidTrackException, SetTooLargeException>(
         [&] { set.deserialize(bytes, compressed); });
 }
 
@@ -64,9 +64,9 @@ struct Content {
         : shape(set.getBoolTree()),
           partitionEnds(Peer::partitionEnds(set)),
           folderTracks(Peer::folderTracks(set)),
-          trackEnds(Peer::trackEnds(set)),
-          pathTracks(Peer::pathTracks(set).begin(), Peer::pathTracks(set).end()),
           pathCount(Peer::pathCount(set)) {
+        const auto tracks = Peer::pathTracks(set);
+        pathTracks.insert(tracks.begin(), tracks.end());
         Peer::pathTree(set).serialize(structure, keys);
     }
     bool operator==(const Content&) const = default;
@@ -76,7 +76,6 @@ struct Content {
     std::vector<Bytes> keys;
     std::vector<std::size_t> partitionEnds;
     std::vector<std::vector<std::size_t>> folderTracks;
-    std::vector<BPathTree::TrackEnd> trackEnds;
     std::map<std::size_t, std::vector<std::size_t>> pathTracks;
     std::size_t pathCount;
 };

@@ -1,9 +1,11 @@
-// Any structure bytes and keys: a trie that can be rebuilt flattens to what it was rebuilt from and
-// gives as many paths as it has leaves.
+// Any structure bytes and keys: a trie that can be rebuilt flattens to what it was rebuilt from,
+// gives as many paths as it has leaves, and takes more paths at the places where a search through
+// linked nodes would put them.
 
 #include "compressedpaths/BPathTree.hpp"
 #include "fuzz/InputScript.hpp"
 #include "fuzz/Require.hpp"
+#include "tests/support/Peers.hpp"
 
 using namespace compressedpaths;
 using fuzzing::InputScript;
@@ -13,6 +15,7 @@ namespace {
 
 /// Paths that are walked at most: a deep trie has long paths, all of them together too long.
 constexpr std::size_t kMaxWalked = 200;
+constexpr std::size_t kMaxAdded = 20;
 
 void requireEveryPath(BPathTree& tree, std::size_t leafCount) {
     tree.reset();
@@ -36,6 +39,35 @@ void requireSameFlatForm(BPathTree& tree, const Bytes& structure, const std::vec
             "a trie flattens to what it was rebuilt from");
 }
 
+/// The positions of the leading components that are there.
+std::vector<std::size_t> positionsOf(const BPathTree& tree, const Path& path) {
+    std::vector<std::size_t> positions;
+    auto node = BPathTreePeer::root(tree);
+    for (const Bytes& key : path) {
+        const std::size_t position = tree.findNode(key, node->children);
+        if (position >= node->children.size()) break;
+        positions.push_back(position);
+        node = node->children[position];
+    }
+    return positions;
+}
+
+/// Adds paths of keys that the trie has, so that files become folders and equal keys are met.
+void requireAddsWhereASearchLeads(BPathTree& tree, const std::vector<Bytes>& keys,
+                                  InputScript choices) {
+    for (std::size_t added = 0; added < kMaxAdded && !choices.isAtEnd(); ++added) {
+        Path path(1 + choices.byte() % 4);
+        for (Bytes& key : path) key = keys[choices.byte() % keys.size()];
+        const std::vector<std::size_t> expected = positionsOf(tree, path);
+        Path given = path;
+        std::vector<std::size_t> existing;
+        const bool existed = tree.addPath(given, existing);
+        require(existing == expected, "a path is added where a search leads");
+        require(existed == (expected.size() == path.size()), "a path is there or it is not");
+        require(positionsOf(tree, path).size() == path.size(), "what was added is there");
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -56,5 +88,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     requireEveryPath(tree, leafCount);
     BPathTree copy(tree);
     requireEveryPath(copy, leafCount);
+    if (!givenKeys.empty()) requireAddsWhereASearchLeads(copy, givenKeys, InputScript(data, size));
     return 0;
 }

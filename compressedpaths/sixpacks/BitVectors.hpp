@@ -10,9 +10,13 @@
 // no bit is left for it, and the number of bits in the partial byte (0 to 7). No bits take no byte.
 // The same form is the code of a path component and the shape of a saved coding tree.
 //
+// loadBits and storeBits move 64 bits of such bytes at once.
+//
 // Threads: free functions without state.
 
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace compressedpaths::sixpacks {
@@ -24,5 +28,19 @@ void boolVecToBytes(std::vector<std::uint8_t>& out, const std::vector<bool>& bit
 /// 7, which no packer writes, gives that many bits, those beyond the eighth being zero.
 /// Throws only std::bad_alloc. O(bits).
 void bytesToBoolVec(const std::vector<std::uint8_t>& in, std::vector<bool>& bits);
+
+/// The 64 bits of eight bytes, the first one lowest. O(1).
+inline std::uint64_t loadBits(const std::uint8_t* in) noexcept {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, in, sizeof bits);
+    if constexpr (std::endian::native == std::endian::big) bits = __builtin_bswap64(bits);
+    return bits;
+}
+
+/// Writes 64 bits as eight bytes, the lowest one first. O(1).
+inline void storeBits(std::uint64_t bits, std::uint8_t* out) noexcept {
+    if constexpr (std::endian::native == std::endian::big) bits = __builtin_bswap64(bits);
+    std::memcpy(out, &bits, sizeof bits);
+}
 
 }  // namespace compressedpaths::sixpacks

@@ -9,6 +9,7 @@
 //
 // Threads: a reader belongs to one thread at a time; the bytes must outlive it.
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -33,6 +34,8 @@ public:
 
     bool isAtEnd() const noexcept { return left_ == 0; }
     const std::uint8_t* position() const noexcept { return position_; }
+    /// Bytes that can still be read; without end for a trusting reader.
+    std::size_t left() const noexcept { return left_; }
 
     /// The next `byteCount` (1 to 8) bytes as an integer, lowest byte first.
     /// Throws PrematureEndException if fewer are left; the reader then stays where it is. O(1).
@@ -54,5 +57,25 @@ private:
     const std::uint8_t* position_;
     std::size_t left_;  // bytes from position_ on; kNoEnd, and never less, for a trusting reader
 };
+
+inline std::span<const std::uint8_t> ByteReader::readBytes(std::uint64_t byteCount) {
+    if (byteCount > left_) throw PrematureEndException();
+    const std::span bytes(position_, static_cast<std::size_t>(byteCount));
+    position_ += byteCount;
+    if (left_ != kNoEnd) left_ -= static_cast<std::size_t>(byteCount);
+    return bytes;
+}
+
+inline std::uint64_t ByteReader::readInteger(unsigned byteCount) {
+    assert(byteCount >= 1 && byteCount <= 8);
+    const std::uint8_t* const bytes = readBytes(byteCount).data();
+    std::uint64_t value = 0;
+    for (unsigned i = byteCount; i > 0; --i) value = value << 8 | bytes[i - 1];
+    return value;
+}
+
+inline void ByteReader::requireElements(std::uint64_t count, unsigned elementByteSize) const {
+    if (count > left_ / elementByteSize) throw PrematureEndException();
+}
 
 }  // namespace compressedpaths::sixpacks

@@ -7,7 +7,11 @@
 //
 // Threads: free functions without state.
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <memory>
+#include <span>
 #include <vector>
 
 namespace compressedpaths::sixpacks {
@@ -16,7 +20,8 @@ namespace compressedpaths::sixpacks {
 inline constexpr std::uint64_t kMaxExpansion = 1032;
 
 /// The zlib stream of all of `bytes`, at the best compression level. The bytes of the stream depend
-/// on the zlib build; what they inflate to does not. Throws only std::bad_alloc. O(bytes).
+/// on the zlib build; what they inflate to does not. Throws only std::bad_alloc, for zlib too.
+/// O(bytes).
 std::vector<std::uint8_t> compressUint8(std::vector<std::uint8_t>& bytes);
 
 /// Inflates the `compressedLength` bytes from `begin` into at most `uncompressedLength` bytes. A
@@ -26,14 +31,44 @@ std::vector<std::uint8_t> decompressUint8(std::vector<std::uint8_t>::iterator be
                                           std::uint64_t compressedLength,
                                           std::uint64_t uncompressedLength);
 
+/// Makes a block of bytes that are given piece by piece: the stream is that of compressUint8, but
+/// neither they nor the stream ever stand in one piece.
+///
+///     BlockCompressor compressor;
+///     compressor.append(piece);
+///     compressor.appendBlockTo(out);
+class BlockCompressor {
+public:
+    /// Throws only std::bad_alloc, as do the other two.
+    BlockCompressor();
+    BlockCompressor(const BlockCompressor&) = delete;
+    BlockCompressor& operator=(const BlockCompressor&) = delete;
+    ~BlockCompressor();
+
+    /// O(piece).
+    void append(std::span<const std::uint8_t> piece);
+
+    /// Ends the block and appends it to `out`; nothing has changed there if it throws. Once.
+    void appendBlockTo(std::vector<std::uint8_t>& out);
+
+private:
+    struct Stream;
+
+    void deflatePiece(std::span<const std::uint8_t> piece, int flush);
+
+    std::unique_ptr<Stream> stream_;
+    std::deque<std::vector<std::uint8_t>> pieces_;  // of the block; all but the last are full
+    std::size_t size_ = 0;                          // of the block
+};
+
 /// What a block inflates to, and zlib's word on it.
 struct InflatedBlock {
     std::vector<std::uint8_t> bytes;
     bool isWhole;  // the stream has its end, its checksum holds, and `bytes` is all of it
 };
 
-/// The same for a caller who wants to know of damage.
-InflatedBlock inflateBlock(std::vector<std::uint8_t>::iterator begin,
-                           std::uint64_t compressedLength, std::uint64_t uncompressedLength);
+/// Inflates `block` into at most `maxSize` bytes, for a caller who wants to know of damage. Takes
+/// memory for what there is, not for what is allowed. Throws only std::bad_alloc. O(bytes).
+InflatedBlock inflateBlock(std::span<const std::uint8_t> block, std::uint64_t maxSize);
 
 }  // namespace compressedpaths::sixpacks

@@ -9,7 +9,8 @@ namespace {
 using ByteIterator = std::vector<std::uint8_t>::iterator;
 
 void appendInteger(std::uint64_t value, unsigned byteCount, std::vector<std::uint8_t>& out) {
-    for (; byteCount > 0; --byteCount, value >>= 8) out.push_back(static_cast<std::uint8_t>(value));
+    std::array<std::uint8_t, 8> bytes;
+    out.insert(out.end(), bytes.data(), writeInteger(value, byteCount, bytes.data()));
 }
 
 /// Reads as `read` does from a reader that trusts the bytes at `in`, and moves `in` along, also
@@ -85,6 +86,11 @@ template std::unique_ptr<PackerUnpackerBase<unsigned long long>>
 makePackerUnpacker<std::uint32_t, unsigned long long>();
 template std::unique_ptr<PackerUnpackerBase<unsigned long long>>
 makePackerUnpacker<std::uint64_t, unsigned long long>();
+
+std::uint8_t* writeInteger(std::uint64_t value, unsigned byteCount, std::uint8_t* out) noexcept {
+    for (; byteCount > 0; --byteCount, value >>= 8) *out++ = static_cast<std::uint8_t>(value);
+    return out;
+}
 
 unsigned byteSizeOf(PackedSizeT width) {
     if (width > PackedSizeT::Uint64) throw InvalidUintConversionException();

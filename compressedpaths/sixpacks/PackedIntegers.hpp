@@ -34,7 +34,7 @@ public:
 };
 
 /// Packs and unpacks integers of one width; T is the type they have in memory. A value wider than
-/// the width loses its upper bytes. Reading trusts the bytes and moves `in` behind what was read.
+/// the width loses its upper bytes. Reading trusts the bytes and moves `in` past what was read.
 template <class T>
 class PackerUnpackerBase {
 public:
@@ -72,6 +72,9 @@ PackedSizeT widthOf(std::size_t value) noexcept;
 /// Bytes of one integer. Throws InvalidUintConversionException if `width` is none of the four.
 unsigned byteSizeOf(PackedSizeT width);
 
+/// Writes the low `byteCount` (1 to 8) bytes of a value, lowest first, and returns where they end.
+std::uint8_t* writeInteger(std::uint64_t value, unsigned byteCount, std::uint8_t* out) noexcept;
+
 /// Appends the tag of the smallest width that holds `value`, not the value, and returns the width.
 PackedSizeT packPackedSizeT(std::size_t value, std::vector<std::uint8_t>& out);
 
@@ -81,7 +84,7 @@ PackedSizeT packPackedSizeT(std::size_t value, std::vector<std::uint8_t>& out);
 void packSizeTVector(const std::vector<std::size_t>& values, std::vector<std::uint8_t>& out,
                      PackedSizeT elementWidth, PackedSizeT countWidth);
 
-/// Appends to `values` what packSizeTVector wrote and moves `in` behind it.
+/// Appends to `values` what packSizeTVector wrote and moves `in` past it.
 /// Throws InvalidUintConversionException on a bad width; on a bad `elementWidth` the count is
 /// passed.
 void unpackSizeTVector(std::vector<std::size_t>& values, std::vector<std::uint8_t>::iterator& in,
@@ -96,7 +99,7 @@ void unpackSizeTVector(std::vector<std::size_t>& values, ByteReader& in, PackedS
 void packVector(std::vector<std::uint8_t>& bytes, std::vector<std::uint8_t>& out,
                 PackedSizeT countWidth);
 
-/// Appends to `bytes` what packVector wrote and moves `in` behind it.
+/// Appends to `bytes` what packVector wrote and moves `in` past it.
 /// Throws InvalidUintConversionException on a bad width.
 void unpackVector(std::vector<std::uint8_t>& bytes, std::vector<std::uint8_t>::iterator& in,
                   PackedSizeT countWidth);

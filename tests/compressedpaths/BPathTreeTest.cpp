@@ -44,8 +44,12 @@ Fetched fetch(BPathTree& tree, const Track& track, const std::vector<std::size_t
 
 TEST(BPathTree, isNewAndEmptyWithoutFlag) {
     BPathTree tree;
-    EXPECT_TRUE(BPathTreePeer::root(tree)->key.empty());
-    EXPECT_TRUE(BPathTreePeer::root(tree)->children.empty());
+    const auto walk = BPathTreePeer::linkedWalk(tree);
+    EXPECT_TRUE(walk.root->key.empty());
+    EXPECT_TRUE(walk.root->children.empty());
+    EXPECT_TRUE(walk.nodeStack.empty());
+    EXPECT_TRUE(walk.parentStack.empty());
+    EXPECT_TRUE(walk.currentPath.empty());
     EXPECT_TRUE(BPathTreePeer::nodeStack(tree).empty());
     EXPECT_TRUE(BPathTreePeer::parentStack(tree).empty());
     EXPECT_FALSE(BPathTreePeer::flag(tree));
@@ -62,7 +66,8 @@ TEST(BPathTree, reportsOnlyTheLeadingComponentsThatWereThere) {
     BPathTree tree;
     addSingle(tree, path("ab"));
     EXPECT_EQ(addSingle(tree, path("ac")), std::make_pair(false, Track{0}));
-    const auto& children = BPathTreePeer::root(tree)->children[0]->children;
+    const auto root = BPathTreePeer::root(tree);
+    const auto& children = root->children[0]->children;
     ASSERT_EQ(children.size(), 2U);
     EXPECT_EQ(children[1]->key, key('c'));
 }
@@ -112,7 +117,8 @@ TEST(BPathTree, appendsFilesToAFolderWithoutLookingForEqualOnes) {
     EXPECT_TRUE(added.existed);
     EXPECT_EQ(added.priorChildCount, 3U);
     EXPECT_EQ(added.track, (Track{0}));
-    const auto& children = BPathTreePeer::root(tree)->children[0]->children;
+    const auto root = BPathTreePeer::root(tree);
+    const auto& children = root->children[0]->children;
     ASSERT_EQ(children.size(), 5U);
     EXPECT_EQ(children[3]->key, key('x'));
     EXPECT_EQ(children[4]->key, key('w'));
@@ -148,7 +154,8 @@ TEST(BPathTree, comparesKeysByLengthAndBytes) {
     EXPECT_FALSE(addSingle(tree, {{1, 0}}).first);
     EXPECT_FALSE(addSingle(tree, {{}}).first);
     EXPECT_TRUE(addSingle(tree, {{}}).first);
-    const auto& children = BPathTreePeer::root(tree)->children;
+    const auto root = BPathTreePeer::root(tree);
+    const auto& children = root->children;
     EXPECT_EQ(tree.findNode({1, 0}, children), 1U);
     EXPECT_EQ(tree.findNode({}, children), 2U);
     EXPECT_EQ(tree.findNode({0}, children), kNone);
@@ -157,7 +164,8 @@ TEST(BPathTree, comparesKeysByLengthAndBytes) {
 TEST(BPathTree, knowsALeafByItsMissingChildren) {
     BPathTree tree;
     addSingle(tree, path("ab"));
-    const auto& folder = BPathTreePeer::root(tree)->children[0];
+    const auto root = BPathTreePeer::root(tree);
+    const auto& folder = root->children[0];
     EXPECT_FALSE(tree.isLeaf(folder));
     EXPECT_TRUE(tree.isLeaf(folder->children[0]));
 }

@@ -114,6 +114,21 @@ RC_GTEST_PROP(CodingProperties, codingIsWhatTheCodeWordsSay, ()) {
     RC_ASSERT(HuffmanPathTreePeer::maxCodeBytes(tree) == code.size());
 }
 
+RC_GTEST_PROP(CodingProperties, theTablesStoreTheCodeBytes, ()) {
+    const Alphabet letters = *alphabet();
+    HuffmanPathTree tree;
+    tree.deflateHuffman(letters.frequencies.data(), letters.characters);
+    FlatArray<std::uint8_t> names;
+    FlatArray<std::uint8_t> expected;
+    for (int i = 0; i < 3; ++i) {
+        const std::u16string text = textOver(letters.characters);
+        const Bytes code = naiveCode(tree, text);
+        appendStoredName(code, expected);
+        RC_ASSERT(tree.codeTables().appendCode(text, names) == code.size());
+    }
+    RC_ASSERT(Bytes(names.data(), names.end()) == Bytes(expected.data(), expected.end()));
+}
+
 RC_GTEST_PROP(CodingProperties, decodingIsAWalkAlongTheCodingTree, ()) {
     const Alphabet letters = *alphabet();
     HuffmanPathTree tree;

@@ -75,7 +75,7 @@ TEST(CodingTreeForms, inflateToNodesInPreOrderWithoutFrequencies) {
     EXPECT_TRUE(inflated.getFrequencies().empty());
 }
 
-TEST(CodingTreeForms, takeFrequenciesOverAndLeaveNoneBehind) {
+TEST(CodingTreeForms, takeFrequenciesOverAndLeaveNone) {
     HuffmanPathTree tree;
     std::vector<double> values{1, 2.5};
     tree.setFrequencies(values);
@@ -179,19 +179,51 @@ TEST(CodingTreeForms, areInflatedOnlyOnce) {
     EXPECT_EQ(tree.generatePathFrom({0b10, 2}), u"xy");
 }
 
-TEST(CodingTreeForms, refuseCodeWordsWithoutBound) {
-    constexpr std::size_t kLeaves = 20'000;
-    std::vector<bool> comb;
-    std::u16string characters;
-    for (std::size_t i = 0; i < kLeaves; ++i) {
-        if (i + 1 < kLeaves) comb.push_back(false);
-        comb.push_back(true);
-        characters.push_back(static_cast<char16_t>(i));
+/// A leaf on each level but two on the last: n * (n + 1) / 2 - 1 bits of n leaves.
+void loadComb(HuffmanPathTree& tree, std::size_t leafCount) {
+    std::vector<bool> shape;
+    for (std::size_t i = 0; i + 1 < leafCount; ++i) {
+        shape.push_back(false);
+        shape.push_back(true);
     }
+    shape.push_back(true);
+    loadShape(tree, shape);
+}
+
+std::u16string charactersFor(std::size_t leafCount) {
+    std::u16string characters;
+    for (std::size_t i = 0; i < leafCount; ++i) characters.push_back(static_cast<char16_t>(i));
+    return characters;
+}
+
+// The bound is 256 bits for each leaf and 2^23 more, which lies between these two.
+TEST(CodingTreeForms, refuseCodeWordsWithoutBound) {
     HuffmanPathTree tree;
-    loadShape(tree, comb);
-    EXPECT_THAT([&] { tree.inflateHuffman(characters); },
+    loadComb(tree, 4359);
+    tree.inflateHuffman(charactersFor(4359));
+    EXPECT_EQ(HuffmanPathTreePeer::codes(tree).at(4358).size(), 4358U);
+
+    HuffmanPathTree other;
+    loadComb(other, 4360);
+    EXPECT_THAT([&] { other.inflateHuffman(charactersFor(4360)); },
                 ThrowsMessage<CodeWordsTooLongException>(kTooLong));
+}
+
+TEST(CodingTreeForms, areAsTheyWereAfterARefusal) {
+    HuffmanPathTree tree;
+    loadComb(tree, 20'000);
+    tree.setTreeString(u"before");
+    EXPECT_THROW(tree.inflateHuffman(charactersFor(20'000)), CodeWordsTooLongException);
+    EXPECT_EQ(tree.getTreeString(), u"before");
+    EXPECT_TRUE(HuffmanPathTreePeer::nodes(tree).empty());
+    EXPECT_TRUE(HuffmanPathTreePeer::codes(tree).empty());
+    EXPECT_TRUE(HuffmanPathTreePeer::parents(tree).empty());
+    EXPECT_THROW(tree.generateCodeFor(u"b"), CodeNotFoundException);
+    EXPECT_THROW(tree.generatePathFrom({0, 1}), NoUsableCodingTreeException);
+
+    tree.setTreeString(charactersFor(20'000));
+    tree.inflate();  // takes no code words
+    EXPECT_EQ(tree.generatePathFrom({0b01, 2}), std::u16string(1, u'\x1'));
 }
 
 }  // namespace

@@ -200,15 +200,39 @@ TEST(HuffmanCode, takesAnyFrequenciesThatAreNumbersOrNot) {
     }
 }
 
-TEST(HuffmanCode, refusesCodeWordsWithoutBound) {
+TEST(HuffmanCode, refusesCodeWordsWithoutBoundAndCanBeBuiltThen) {
     std::u16string characters;
     for (unsigned unit = 0; unit < 20'000; ++unit)
         characters.push_back(static_cast<char16_t>(unit));
     const std::vector<double> frequencies(characters.size(), -1.0);  // sums come first at once
     HuffmanPathTree tree;
+    std::vector<double> before{1, 2, 3};
+    tree.setFrequencies(before);
     EXPECT_THAT([&] { tree.deflateHuffman(frequencies.data(), characters); },
                 ThrowsMessage<CodeWordsTooLongException>(kTooLong));
     EXPECT_THAT([&] { tree.generateCodeFor(u"a"); }, ThrowsMessage<CodeNotFoundException>(kNoCode));
+    EXPECT_EQ(tree.getFrequencies(), (std::vector<double>{1, 2, 3}));
+    EXPECT_TRUE(HuffmanPathTreePeer::parents(tree).empty());
+    tree.setFrequencies(before);
+    expectNoCodingTree(tree);
+
+    makeEqualCode(tree, u"xy");
+    EXPECT_EQ(tree.generateCodeFor(u"xy"), (Bytes{0b10, 2}));
+    EXPECT_EQ(tree.getFrequencies(), (std::vector<double>{1, 1}));
+}
+
+TEST(HuffmanCode, takesFrequenciesOverTheWholeRangeOfFloats) {
+    // Each is more than all those before the last one together, so that each leaf has a level.
+    std::vector<double> frequencies{std::numeric_limits<double>::denorm_min()};
+    while (std::isfinite(frequencies.back() * 1.65 * 3))
+        frequencies.push_back(frequencies.back() * 1.65);
+    std::u16string characters;
+    for (std::size_t unit = 0; unit < frequencies.size(); ++unit)
+        characters.push_back(static_cast<char16_t>(unit));
+    HuffmanPathTree tree;
+    tree.deflateHuffman(frequencies.data(), characters);
+    EXPECT_GT(wordOf(tree, 0).size(), 2800U);
+    EXPECT_EQ(tree.generatePathFrom(tree.generateCodeFor(characters)), characters);
 }
 
 TEST(HuffmanCode, isNotDecodedWithoutACodingTree) {
@@ -239,11 +263,28 @@ TEST(HuffmanCode, decodesOneByteAsNoBits) {
     EXPECT_EQ(tree.generatePathFrom({7}), u"");
 }
 
-TEST(HuffmanCode, dropsTheBitsBehindTheLastWholeCodeWord) {
+TEST(HuffmanCode, dropsTheBitsAfterTheLastWholeCodeWord) {
     HuffmanPathTree tree;
     makeEqualCode(tree, u"abcd");  // a is 00, b 01, d 10, c 11
     EXPECT_EQ(tree.generatePathFrom({0b010, 3}), u"b");
     EXPECT_EQ(tree.generatePathFrom({0b1, 1}), u"");
+}
+
+TEST(HuffmanCode, isDecodedWhateverFollowsTheLastBit) {
+    HuffmanPathTree tree;
+    makeEqualCode(tree, u"xy");
+    EXPECT_EQ(tree.generatePathFrom({0b11111'010, 3}), u"xyx");
+    EXPECT_EQ(tree.generatePathFrom({0b10, 0xFF, 0}), u"xyxxxxxx");
+}
+
+TEST(HuffmanCode, isDecodedFromCodeBytesOfAnyNumber) {
+    HuffmanPathTree tree;
+    makeEqualCode(tree, u"abcd");
+    std::u16string text;
+    while (text.size() < 1300) {
+        text += text.size() % 3 == 0 ? u"b" : u"dc";
+        EXPECT_EQ(tree.generatePathFrom(tree.generateCodeFor(text)), text);
+    }
 }
 
 TEST(HuffmanCode, takesALeafStepOnlyAtLeaves) {

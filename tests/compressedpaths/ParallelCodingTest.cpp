@@ -20,10 +20,10 @@ std::u16string numbered(char16_t prefix, std::size_t number) {
     return text;
 }
 
-FolderEntries manyEntries() {
-    FolderEntries entries;
+TextEntries manyEntries() {
+    TextEntries entries;
     for (std::size_t i = 0; i < 300; ++i) {
-        FolderEntry entry{{u"data", numbered(u'd', i % 90)}, {}};
+        TextEntry entry{{u"data", numbered(u'd', i % 90)}, {}};
         for (std::size_t file = 0; file < i % 13; ++file)
             entry.files.push_back(numbered(u'f', i * 100 + file));
         entries.push_back(entry);
@@ -32,8 +32,8 @@ FolderEntries manyEntries() {
 }
 
 /// What coding each entry in turn on the calling thread gives.
-void addSerially(HuffmanPathTree& set, const FolderEntries& entries) {
-    for (const FolderEntry& entry : entries) {
+void addSerially(HuffmanPathTree& set, const TextEntries& entries) {
+    for (const TextEntry& entry : entries) {
         std::vector<Bytes> folder;
         std::vector<Bytes> files;
         for (const std::u16string& name : entry.folder) folder.push_back(set.generateCodeFor(name));
@@ -76,7 +76,7 @@ TEST(ParallelCoding, givesTheSameBytesWhateverTheNumberOfThreads) {
 
 TEST(ParallelCoding, addsEntriesInTheirOrder) {
     HuffmanPathTree set;
-    const FolderEntries entries = manyEntries();
+    const TextEntries entries = manyEntries();
     buildSet(set, entries);
     const TextPaths expected = pathsOf(entries);
     EXPECT_EQ(pathsByNumber(set, expected.size()), expected);
@@ -84,7 +84,7 @@ TEST(ParallelCoding, addsEntriesInTheirOrder) {
 
 TEST(ParallelCoding, keepsATrueMaximumOfTheCodeBytes) {
     for (const std::size_t longest : {std::size_t{0}, std::size_t{150}, std::size_t{299}}) {
-        FolderEntries entries(300, {{u"d"}, {u"f"}});
+        TextEntries entries(300, {{u"d"}, {u"f"}});
         entries[longest].files.push_back(std::u16string(500, u'a'));
         HuffmanPathTree set;
         buildSet(set, entries);
@@ -103,7 +103,7 @@ TEST(ParallelCoding, countsTheFolderComponentsForTheMaximumToo) {
 TEST(ParallelCoding, bringsTheExceptionOfAWorkerToTheCaller) {
     for (const std::size_t bad : {std::size_t{0}, std::size_t{150}, std::size_t{299}}) {
         HuffmanPathTree set;
-        FolderEntries entries = manyEntries();
+        TextEntries entries = manyEntries();
         entries[bad].files.emplace_back(u"A");
         EXPECT_THAT([&] { buildSet(set, entries); },
                     ThrowsMessage<CodeNotFoundException>("Code for the character not found."));
@@ -111,6 +111,66 @@ TEST(ParallelCoding, bringsTheExceptionOfAWorkerToTheCaller) {
         EXPECT_EQ(HuffmanPathTreePeer::maxCodeBytes(set), 0U);
         EXPECT_TRUE(HuffmanPathTreePeer::folderTracks(set).empty());
         EXPECT_EQ(HuffmanPathTreePeer::asyncFiles(set).size(), entries.size());
+    }
+}
+
+void expectNothingKeptAside(const HuffmanPathTree& set) {
+    EXPECT_TRUE(HuffmanPathTreePeer::asyncFolders(set).empty());
+    EXPECT_TRUE(HuffmanPathTreePeer::asyncFiles(set).empty());
+    EXPECT_TRUE(HuffmanPathTreePeer::asyncCodedFolders(set).empty());
+    EXPECT_TRUE(HuffmanPathTreePeer::asyncCodedFiles(set).empty());
+}
+
+TEST(ParallelCoding, keepsABatchThatFailsAsideUntilTheNext) {
+    for (const std::size_t count : {std::size_t{1}, std::size_t{300}}) {
+        HuffmanPathTree set;
+        TextEntries entries(count, {{u"d"}, {u"f", u"g"}});
+        entries.back().files.emplace_back(u"");
+        EXPECT_THAT([&] { buildSet(set, entries); },
+                    ThrowsMessage<NoCodeForEmptyString>("No code for an empty string."));
+        ASSERT_EQ(HuffmanPathTreePeer::asyncFolders(set).size(), count);
+        EXPECT_EQ(HuffmanPathTreePeer::asyncFolders(set).back(), entries.back().folder);
+        EXPECT_EQ(HuffmanPathTreePeer::asyncFiles(set).back(), entries.back().files);
+        EXPECT_EQ(HuffmanPathTreePeer::asyncCodedFolders(set).size(), count);
+        EXPECT_TRUE(HuffmanPathTreePeer::asyncCodedFiles(set).back().empty());
+        EXPECT_THROW(set.addPathToBTreeFromAsyncData(), IncompleteBatchException);
+        EXPECT_EQ(HuffmanPathTreePeer::pathCount(set), 0U);
+
+        entries.back().files.pop_back();
+        addBatch(set, entries);
+        EXPECT_EQ(pathsByNumber(set, 2 * count), pathsOf(entries));
+        expectNothingKeptAside(set);
+    }
+}
+
+TEST(ParallelCoding, leavesTheListsOfTheCallerAlone) {
+    std::vector<Names> folders(100, {u"usr", u"lib"});
+    std::vector<Names> files(100, {u"a", u"b"});
+    HuffmanPathTree set;
+    makeCode(set);
+    set.generateCodeAsyncAndAddPaths(folders, files);
+    EXPECT_EQ(folders, std::vector<Names>(100, {u"usr", u"lib"}));
+    EXPECT_EQ(files, std::vector<Names>(100, {u"a", u"b"}));
+    expectNothingKeptAside(set);
+}
+
+TEST(ParallelCoding, codesFoldersThatRepeatTheOneBeforeLikeAnyOther) {
+    const std::vector<Names> folders{
+        {u"a"}, {u"a"}, {u"a", u"b"}, {u"a", u"b", u"c"}, {u"a", u"b"}, {u"a", u"c"}, {u"b"},
+        {},     {u"b"}, {u"b", u"b"}, {u"b", u"b"},       {u"ab"},      {u"a", u"b"}, {},
+        {}};
+    for (const std::size_t rounds : {std::size_t{1}, std::size_t{2}, std::size_t{30}}) {
+        TextEntries entries;
+        for (std::size_t round = 0; round < rounds; ++round)
+            for (const Names& folder : folders)
+                entries.push_back({folder, {numbered(u'f', entries.size())}});
+        HuffmanPathTree parallel;
+        buildSet(parallel, entries);
+        HuffmanPathTree serial;
+        makeCode(serial);
+        addSerially(serial, entries);
+        EXPECT_EQ(savedForm(parallel), savedForm(serial));
+        EXPECT_EQ(pathsByNumber(parallel, entries.size()), pathsOf(entries));
     }
 }
 

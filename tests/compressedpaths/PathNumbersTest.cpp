@@ -15,7 +15,7 @@ using testing::ThrowsMessage;
 constexpr const char* kBadNumber =
     "The path number is not a whole number from 1 to the number of paths.";
 
-const FolderEntries kEntries{{{u"a"}, {u"1", u"2"}}, {{u"b"}, {u"3", u"4"}}, {{u"a"}, {u"5"}}};
+const TextEntries kEntries{{{u"a"}, {u"1", u"2"}}, {{u"b"}, {u"3", u"4"}}, {{u"a"}, {u"5"}}};
 
 struct Groups {
     TextPaths folders;

@@ -6,7 +6,6 @@
 #include <rapidcheck/gtest.h>
 
 #include <functional>
-#include <set>
 
 #include "tests/support/FolderHistories.hpp"
 #include "tests/support/PathSets.hpp"
@@ -22,43 +21,15 @@ rc::Gen<Names> namesUpTo(std::size_t least, std::size_t most) {
     });
 }
 
-rc::Gen<FolderEntries> entries(std::size_t leastFiles) {
+rc::Gen<TextEntries> entries(std::size_t leastFiles) {
     const auto entry = rc::gen::map(rc::gen::pair(namesUpTo(1, 4), namesUpTo(leastFiles, 4)),
                                     [](const std::pair<Names, Names>& lists) {
-                                        return FolderEntry{lists.first, lists.second};
+                                        return TextEntry{lists.first, lists.second};
                                     });
-    return rc::gen::container<FolderEntries>(entry);
+    return rc::gen::container<TextEntries>(entry);
 }
 
-TextPath pathOf(const FolderEntry& entry, const std::u16string& file) {
-    TextPath path = entry.folder;
-    path.push_back(file);
-    return path;
-}
-
-/// Entries whose folders lead only through folders and files of entries before, and that name each
-/// file once, as a listing of a file system does.
-FolderEntries listedEntries() {
-    std::vector<Names> known{{}};
-    std::set<TextPath> listed;
-    FolderEntries history;
-    for (auto left = *rc::gen::inRange(1, 12); left > 0; --left) {
-        FolderEntry entry{*rc::gen::elementOf(known), {}};
-        if (entry.folder.empty() || *rc::gen::arbitrary<bool>())
-            entry.folder.push_back(*rc::gen::element<std::u16string>(u"a", u"b", u"c"));
-        for (const std::u16string& file : *namesUpTo(1, 3))
-            if (listed.insert(pathOf(entry, file)).second) entry.files.push_back(file);
-        if (entry.files.empty()) continue;
-
-        known.push_back(entry.folder);
-        for (const std::u16string& file : entry.files) known.push_back(pathOf(entry, file));
-        history.push_back(entry);
-    }
-    RC_ASSERT(everyFolderWasListed(history));
-    return history;
-}
-
-void requirePaths(HuffmanPathTree& set, const FolderEntries& history) {
+void requirePaths(HuffmanPathTree& set, const TextEntries& history) {
     const TextPaths expected = pathsOf(history);
     RC_LOG() << describe(history) << std::endl;
     RC_ASSERT(pathsByNumber(set, expected.size()) == expected);
@@ -76,7 +47,8 @@ std::vector<Path> leavesOf(const BPathTree& tree) {
             above.pop_back();
         }
     };
-    visit(*BPathTreePeer::root(tree));
+    const auto root = BPathTreePeer::root(tree);
+    visit(*root);
     return leaves;
 }
 
@@ -88,28 +60,28 @@ std::vector<Path> walkedCodes(HuffmanPathTree& set) {
 }
 
 RC_GTEST_PROP(PathSetProperties, everyNumberGivesThePathThatWasAdded, ()) {
-    const FolderEntries history = *entries(0);
+    const TextEntries history = *entries(0);
     HuffmanPathTree set;
     addCoded(set, history);
     requirePaths(set, history);
 }
 
 RC_GTEST_PROP(PathSetProperties, everyNumberGivesTheSamePathInACopy, ()) {
-    const FolderEntries history = *entries(0);
-    const FolderEntries more = *entries(0);
+    const TextEntries history = *entries(0);
+    const TextEntries more = *entries(0);
     HuffmanPathTree set;
     addCoded(set, history);
     HuffmanPathTree copy;
     copy.copyTree(set);
     addBatch(copy, more);
     requirePaths(set, history);
-    FolderEntries all = history;
+    TextEntries all = history;
     all.insert(all.end(), more.begin(), more.end());
     requirePaths(copy, all);
 }
 
-RC_GTEST_PROP(PathSetProperties, everyNumberGivesItsPathAfterLoadingAListingOfEachFileOnce, ()) {
-    const FolderEntries history = listedEntries();
+RC_GTEST_PROP(PathSetProperties, everyNumberGivesItsPathAfterLoading, ()) {
+    const TextEntries history = *entries(0);
     HuffmanPathTree set;
     addCoded(set, history);
     HuffmanPathTree loaded;
@@ -118,7 +90,7 @@ RC_GTEST_PROP(PathSetProperties, everyNumberGivesItsPathAfterLoadingAListingOfEa
 }
 
 RC_GTEST_PROP(PathSetProperties, anyRequestGivesItsPathsInItsOrder, ()) {
-    const FolderEntries history = *entries(1);
+    const TextEntries history = *entries(1);
     const TextPaths paths = pathsOf(history);
     RC_PRE(!paths.empty());
     HuffmanPathTree set;
@@ -159,7 +131,7 @@ RC_GTEST_PROP(PathSetProperties, aSetOfSinglePathsWalksTheSameAfterLoading, ()) 
 }
 
 RC_GTEST_PROP(PathSetProperties, parallelCodingGivesTheBytesOfSerialCoding, ()) {
-    const FolderEntries history = *entries(0);
+    const TextEntries history = *entries(0);
     HuffmanPathTree serial;
     addCoded(serial, history);
     HuffmanPathTree parallel;

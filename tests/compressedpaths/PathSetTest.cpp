@@ -10,7 +10,7 @@ namespace {
 
 using testing::ThrowsMessage;
 
-const FolderEntries kTwoFolders{{{u"a"}, {u"f1", u"f2"}}, {{u"a", u"b"}, {u"f3"}}};
+const TextEntries kTwoFolders{{{u"a"}, {u"f1", u"f2"}}, {{u"a", u"b"}, {u"f3"}}};
 
 void expectEmptyBatch(const HuffmanPathTree& set) {
     EXPECT_TRUE(HuffmanPathTreePeer::asyncFolders(set).empty());
@@ -25,7 +25,6 @@ void expectEmptySet(const HuffmanPathTree& set) {
     EXPECT_EQ(HuffmanPathTreePeer::pathCount(set), 0U);
     EXPECT_TRUE(HuffmanPathTreePeer::partitionEnds(set).empty());
     EXPECT_TRUE(HuffmanPathTreePeer::folderTracks(set).empty());
-    EXPECT_TRUE(HuffmanPathTreePeer::trackEnds(set).empty());
     EXPECT_TRUE(BPathTreePeer::root(HuffmanPathTreePeer::pathTree(set))->children.empty());
 }
 
@@ -74,8 +73,8 @@ TEST(PathSet, givesFilesOfAFolderWithoutComponents) {
 
 TEST(PathSet, skipsEntriesWithoutFiles) {
     HuffmanPathTree set;
-    const FolderEntries entries{{{u"a"}, {}}, {{u"b"}, {u"c"}}, {{u"b"}, {}},
-                                {{u"d"}, {}}, {{u"a"}, {u"e"}}, {{u"b"}, {}}};
+    const TextEntries entries{{{u"a"}, {}}, {{u"b"}, {u"c"}}, {{u"b"}, {}},
+                              {{u"d"}, {}}, {{u"a"}, {u"e"}}, {{u"b"}, {}}};
     buildSet(set, entries);
     EXPECT_EQ(pathsByNumber(set, 2), pathsOf(entries));
 }
@@ -142,7 +141,7 @@ TEST(PathSet, startsTheWalkAtTheFirstPathAgain) {
     EXPECT_EQ(walkedPaths(set), pathsOf(kTwoFolders));
 }
 
-TEST(PathSet, hasNoNextPathBehindTheLastOrBeforeAReset) {
+TEST(PathSet, hasNoNextPathAfterTheLastOrBeforeAReset) {
     HuffmanPathTree set;
     buildSet(set, kTwoFolders);
     Path out;

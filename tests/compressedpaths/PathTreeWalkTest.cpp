@@ -34,7 +34,7 @@ TEST(PathTreeWalk, hasNoPathInAnEmptyTree) {
     expectNoNextPath(tree);
     tree.reset();
     expectNoNextPath(tree);
-    EXPECT_TRUE(BPathTreePeer::parentStack(tree).empty());
+    EXPECT_TRUE(BPathTreePeer::linkedWalk(tree).parentStack.empty());
 }
 
 TEST(PathTreeWalk, hasNoPathBeforeItIsStarted) {
@@ -43,15 +43,16 @@ TEST(PathTreeWalk, hasNoPathBeforeItIsStarted) {
     expectNoNextPath(tree);
 }
 
-TEST(PathTreeWalk, leavesNothingOpenBehindASinglePath) {
+TEST(PathTreeWalk, leavesNothingOpenAfterASinglePath) {
     BPathTree tree;
     addSingle(tree, path("a"));
     tree.reset();
     EXPECT_TRUE(tree.hasNextPath());
     EXPECT_EQ(next(tree), path("a"));
-    EXPECT_TRUE(BPathTreePeer::nodeStack(tree).empty());
-    EXPECT_TRUE(BPathTreePeer::parentStack(tree).empty());
-    EXPECT_TRUE(BPathTreePeer::currentPath(tree).empty());
+    const auto walk = BPathTreePeer::linkedWalk(tree);
+    EXPECT_TRUE(walk.nodeStack.empty());
+    EXPECT_TRUE(walk.parentStack.empty());
+    EXPECT_TRUE(walk.currentPath.empty());
     expectNoNextPath(tree);
 }
 
@@ -76,20 +77,24 @@ TEST(PathTreeWalk, keepsTheFoldersAboveTheNextNodeOpen) {
     BPathTree tree;
     addThreePaths(tree);
     tree.reset();
-    EXPECT_EQ(BPathTreePeer::nodeStack(tree).size(), 2U);
-    EXPECT_EQ(BPathTreePeer::parentStack(tree).size(), 1U);
+    auto walk = BPathTreePeer::linkedWalk(tree);
+    EXPECT_EQ(walk.nodeStack.size(), 2U);
+    EXPECT_EQ(walk.parentStack.size(), 1U);
     next(tree);
-    EXPECT_EQ(BPathTreePeer::currentPath(tree), path("a"));
-    EXPECT_EQ(BPathTreePeer::parentStack(tree).size(), 2U);
+    walk = BPathTreePeer::linkedWalk(tree);
+    EXPECT_EQ(walk.currentPath, path("a"));
+    EXPECT_EQ(walk.parentStack.size(), 2U);
+    EXPECT_EQ(walk.nodeStack.top(), walk.root->children[0]->children[1]);
     next(tree);
-    EXPECT_EQ(BPathTreePeer::currentPath(tree), Path{});
-    EXPECT_EQ(BPathTreePeer::parentStack(tree).size(), 1U);
-    EXPECT_EQ(BPathTreePeer::parentStack(tree).top(), BPathTreePeer::root(tree));
+    walk = BPathTreePeer::linkedWalk(tree);
+    EXPECT_EQ(walk.currentPath, Path{});
+    EXPECT_EQ(walk.parentStack.size(), 1U);
+    EXPECT_EQ(walk.parentStack.top(), walk.root);
     next(tree);
-    EXPECT_TRUE(BPathTreePeer::parentStack(tree).empty());
+    EXPECT_TRUE(BPathTreePeer::linkedWalk(tree).parentStack.empty());
 }
 
-TEST(PathTreeWalk, closesSeveralFoldersBehindTheirLastFile) {
+TEST(PathTreeWalk, closesSeveralFoldersAfterTheirLastFile) {
     BPathTree tree;
     for (const char* letters : {"abcd", "e", "fg"}) addSingle(tree, path(letters));
     EXPECT_EQ(walked(tree), (std::vector<Path>{path("abcd"), path("e"), path("fg")}));
@@ -164,13 +169,14 @@ TEST(PathTreeWalk, endsWheneverPathsAreAddedMeanwhile) {
 TEST(PathTreeWalk, pushesChildrenSoThatTheFirstIsOnTop) {
     BPathTree tree;
     for (const char* letters : {"a", "b", "c"}) addSingle(tree, path(letters));
+    const auto root = BPathTreePeer::root(tree);
     BPathTree::NodeStack stack;
-    tree.pushAllChildren(BPathTreePeer::root(tree), stack);
+    tree.pushAllChildren(root, stack);
     ASSERT_EQ(stack.size(), 3U);
     EXPECT_EQ(stack.top()->key, key('a'));
     EXPECT_TRUE(BPathTreePeer::nodeStack(tree).empty());
-    tree.pushAllChildren(BPathTreePeer::root(tree));
-    EXPECT_EQ(BPathTreePeer::nodeStack(tree).size(), 3U);
+    tree.pushAllChildren(root);
+    EXPECT_EQ(BPathTreePeer::nodeStack(tree), stack);
     const auto leaf = stack.top();
     tree.pushAllChildren(leaf, stack);
     EXPECT_EQ(stack.size(), 3U);
@@ -179,7 +185,8 @@ TEST(PathTreeWalk, pushesChildrenSoThatTheFirstIsOnTop) {
 TEST(PathTreeWalk, findsNoLastChildWithoutAParent) {
     BPathTree tree;
     addSingle(tree, path("a"));
-    const auto& child = BPathTreePeer::root(tree)->children[0];
+    const auto root = BPathTreePeer::root(tree);
+    const auto& child = root->children[0];
     BPathTree::NodeStack stack;
     EXPECT_FALSE(tree.isNodeAtEndOfParent(child, stack));
     EXPECT_FALSE(tree.isNodeAtEndOfParent(child));
@@ -194,19 +201,34 @@ TEST(PathTreeWalk, tellsTheLastChildByIdentity) {
     Track track;
     std::size_t prior = 0;
     tree.addPath(folder, files, track, prior);
-    const auto& parent = BPathTreePeer::root(tree)->children[0];
+    const auto root = BPathTreePeer::root(tree);
+    const auto& parent = root->children[0];
     BPathTree::NodeStack stack;
     stack.push(parent);
     EXPECT_FALSE(tree.isNodeAtEndOfParent(parent->children[0], stack));
     EXPECT_TRUE(tree.isNodeAtEndOfParent(parent->children[1], stack));
 }
 
-TEST(PathTreeWalk, comparesWithItsOwnParents) {
+TEST(PathTreeWalk, comparesWithTheParentsOfAWalkByHand) {
+    BPathTree tree;
+    addThreePaths(tree);
+    const auto root = BPathTreePeer::root(tree);
+    BPathTreePeer::parentStack(tree).push(root);
+    EXPECT_FALSE(tree.isNodeAtEndOfParent(root->children[0]));
+    EXPECT_TRUE(tree.isNodeAtEndOfParent(root->children[1]));
+}
+
+TEST(PathTreeWalk, isNotMovedByAWalkByHand) {
     BPathTree tree;
     addThreePaths(tree);
     tree.reset();
-    EXPECT_FALSE(tree.isNodeAtEndOfParent(BPathTreePeer::root(tree)->children[0]));
-    EXPECT_TRUE(tree.isNodeAtEndOfParent(BPathTreePeer::root(tree)->children[1]));
+    next(tree);
+    const auto root = BPathTreePeer::root(tree);
+    tree.pushAllChildren(root);
+    BPathTreePeer::parentStack(tree).push(root);
+    EXPECT_EQ(next(tree), path("acd"));
+    EXPECT_EQ(next(tree), path("e"));
+    expectNoNextPath(tree);
 }
 
 }  // namespace

@@ -39,11 +39,12 @@ std::vector<std::string> splitNames(const std::string& list) {
 const Texts kTexts =
     ZQ_TEXTS_OF(AlphabetTooSmallException, CodeNotFoundException, CodeWordsTooLongException,
                 CodingTreeExistsException, DescendingPathTotalsException, DamagedBlockException,
-                EmptyPathForTraverseException, ImplausibleLengthException, IncompleteBatchException,
-                IncompleteCodingTreeException, IncompleteTrieException, InvalidCodeException,
-                InvalidFileNumberException, InvalidPathNumberException, InvalidTrackException,
-                NoCodeForEmptyString, NoMorePathException, NoTreeToTraverseException,
-                NoUsableCodingTreeException, UnequalBatchListsException, UnknownNodeTypeException,
+                EmptyPathForTraverseException, ImageNotWrittenException, ImplausibleLengthException,
+                IncompleteBatchException, IncompleteCodingTreeException, IncompleteTrieException,
+                InvalidCodeException, InvalidFileNumberException, InvalidImageException,
+                InvalidPathNumberException, InvalidTrackException, NoCodeForEmptyString,
+                NoMorePathException, NoTreeToTraverseException, NoUsableCodingTreeException,
+                SetTooLargeException, UnequalBatchListsException, UnknownNodeTypeException,
                 sixpacks::InvalidUintConversionException, sixpacks::PrematureEndException);
 
 /// The page's rows of the core, whose errors have names of classes.

@@ -3,37 +3,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cctype>
-
 #include "compressedpaths/HuffmanPathTree.hpp"
 #include "compressedpaths/sixpacks/BitVectors.hpp"
 #include "compressedpaths/sixpacks/ByteReader.hpp"
 #include "compressedpaths/sixpacks/CompressedBlocks.hpp"
 #include "compressedpaths/sixpacks/PackedIntegers.hpp"
+#include "tests/docs/HexExample.hpp"
 #include "tests/docs/Page.hpp"
 
 namespace compressedpaths {
 namespace {
 
 using sixpacks::PackedSizeT;
-
-/// The bytes of an example. An offset in front of a line has to be that of its first byte.
-Bytes parseHex(const std::string& text) {
-    Bytes bytes;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        std::istringstream words(line.substr(0, line.find('#')));
-        for (std::string word; words >> word;) {
-            if (word.back() == ':')
-                EXPECT_EQ(std::stoul(word), bytes.size()) << line;
-            else if (word.size() == 2 && std::isxdigit(word[0]) && std::isxdigit(word[1]))
-                bytes.push_back(static_cast<std::uint8_t>(std::stoul(word, nullptr, 16)));
-            else
-                ADD_FAILURE() << "not two hex digits: " << word << " in: " << line;
-        }
-    }
-    return bytes;
-}
 
 void expectBits(const Bytes& example, const std::vector<bool>& bits) {
     Bytes packed;
@@ -180,6 +161,31 @@ void checkCompressedSet(const Bytes& example) {
     expectLoadsAsExampleSet(example, true);
 }
 
+// Of the example with first files, the last section takes so many bytes.
+constexpr std::size_t kFirstFileSectionSize = 11;
+
+std::vector<std::string> textsOf(Bytes form) {
+    HuffmanPathTree set;
+    set.deserialize(form, false);
+    set.inflateHuffman(u"cba");
+    std::vector<std::string> texts;
+    set.forEachText(1, set.size(), "/",
+                    [&texts](std::size_t, std::string_view text) { texts.emplace_back(text); });
+    return texts;
+}
+
+void checkFirstFiles(const Bytes& example) {
+    HuffmanPathTree set;
+    buildExampleCode(set);
+    std::vector<std::vector<std::u16string>> folders{{u"a"}, {u"a"}, {u"a", u"c"}};
+    std::vector<std::vector<std::u16string>> files{{u"b"}, {u"c"}, {u"b", u"a"}};
+    set.generateCodeAsyncAndAddPaths(folders, files);
+    EXPECT_EQ(saved(set, false), example);
+    EXPECT_THAT(textsOf(example), ::testing::ElementsAre("ab", "ac", "ac/b", "ac/a"));
+    const Bytes without(example.begin(), example.end() - kFirstFileSectionSize);
+    EXPECT_THAT(textsOf(without), ::testing::ElementsAre("ab", "ac/b", "ac/b", "ac/a"));
+}
+
 void checkEmptySet(const Bytes& example) {
     HuffmanPathTree set;
     EXPECT_EQ(saved(set, false), example);
@@ -229,6 +235,7 @@ const KnownExample kKnownExamples[] = {
     {"trie-keys", [](const Bytes& example) { EXPECT_EQ(flattenedExampleTrie().second, example); }},
     {"saved-set", checkSavedSet},
     {"saved-set-compressed", checkCompressedSet},
+    {"saved-set-first-files", checkFirstFiles},
     {"saved-set-empty", checkEmptySet},
     {"saved-set-unknown-section", [](const Bytes& example) { checkUnknownSection(example); }},
     {"refused-premature-end",
@@ -249,7 +256,7 @@ TEST_P(FormatExample, isWhatTheLibraryWritesAndReads) {
     const auto& blocks = page.blocksIn("hex");
     const auto block = blocks.find(GetParam().name);
     ASSERT_NE(block, blocks.end()) << "the page has no example of this name";
-    GetParam().check(parseHex(block->second));
+    GetParam().check(docs::parseHex(block->second));
 }
 
 INSTANTIATE_TEST_SUITE_P(ofThePage, FormatExample, ::testing::ValuesIn(kKnownExamples),

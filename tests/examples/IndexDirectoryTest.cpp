@@ -62,8 +62,8 @@ TEST(IndexDirectory, saysHowLongEachPhaseTookAndHowLargeTheSetIs) {
     EXPECT_THAT(run.output, ContainsRegex("text +6 bytes, 3.0 a path"));
     EXPECT_THAT(run.output, ContainsRegex("distinct characters +4"));
     EXPECT_THAT(run.output, ContainsRegex("code +2.00 bits a character"));  // a, b, c, separator
-    EXPECT_THAT(run.output, ContainsRegex("heap after adding +[0-9,]+ bytes, [0-9.]+ a path"));
-    EXPECT_THAT(run.output, ContainsRegex("saved +[0-9,]+ bytes, [0-9.]+ a path"));
+    EXPECT_THAT(run.output, ContainsRegex("heap after adding +[0-9,]+ bytes, [0-9,.]+ a path"));
+    EXPECT_THAT(run.output, ContainsRegex("saved +[0-9,]+ bytes, [0-9,.]+ a path"));
     EXPECT_THAT(run.output, ContainsRegex("single random access +[0-9,]+ ns"));
 }
 

@@ -164,7 +164,7 @@ void PathSetScript::state(Fields& step) {
         EXPECT_EQ(Peer::folderTracks(target), tracksOf(*value));
     }
     if (const Json* value = step.find("path_tracks")) {
-        const auto& tracks = Peer::pathTracks(target);
+        const auto tracks = Peer::pathTracks(target);
         EXPECT_EQ((std::map<std::size_t, Track>(tracks.begin(), tracks.end())),
                   recordedPathTracks(*value));
     }

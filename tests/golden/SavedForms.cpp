@@ -67,7 +67,13 @@ Counters widthTagsOf(const Bytes& form) {
         const std::uint64_t lengthTag = readTag(in, tags, "tD");
         for (std::uint64_t i = 0; i < trackCount; ++i) skipVector(in, positionTag, lengthTag);
         if (in.isAtEnd()) return tags;
-        EXPECT_EQ(in.readInteger(1), 0U);
+        std::uint64_t section = in.readInteger(1);
+        if (section == 2) {
+            skipVector(in, kByteTag, kCount8Tag);  // what each track ends with
+            if (in.isAtEnd()) return tags;
+            section = in.readInteger(1);
+        }
+        EXPECT_EQ(section, 0U);
     }
     readTag(in, tags, "tI");
     readTag(in, tags, "tL");

@@ -10,7 +10,8 @@ TrieRows rowsOf(const BPathTree& tree) {
         std::size_t nextChild;
     };
     TrieRows rows;
-    std::vector<Open> open{{BPathTreePeer::root(tree).get(), 0}};
+    const auto root = BPathTreePeer::root(tree);
+    std::vector<Open> open{{root.get(), 0}};
     while (!open.empty()) {
         Open& top = open.back();
         if (top.nextChild == top.node->children.size()) {

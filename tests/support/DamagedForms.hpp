@@ -27,7 +27,7 @@ inline SavedSample sampleOf(const std::string& name, HuffmanPathTree& set) {
     return {name, set.getTreeString(), savedForm(set, false), savedForm(set, true)};
 }
 
-inline SavedSample sampleOf(const std::string& name, const FolderEntries& entries) {
+inline SavedSample sampleOf(const std::string& name, const TextEntries& entries) {
     HuffmanPathTree set;
     makeCode(set, u"abcdef0123");
     addBatch(set, entries);
@@ -55,7 +55,7 @@ inline SavedSample sampleOfDuplicatesAlone() {
 
 /// Integers of two bytes for key lengths, positions and path numbers.
 inline SavedSample sampleOfSeveralWidths() {
-    FolderEntry many{{u"a"}, {std::u16string(900, u'a')}};
+    TextEntry many{{u"a"}, {std::u16string(900, u'a')}};
     for (int file = 0; file < 260; ++file) many.files.emplace_back(u"b");
     return sampleOf("several widths", {many, {{u"a"}, {u"c"}}, {{u"d"}, {u"e"}}});
 }
@@ -73,6 +73,8 @@ inline std::vector<SavedSample> savedSamples() {
                                  {{u"a", u"b"}, {}}}),
             sampleOf("a file that became a folder",
                      {{{u"a"}, {u"c"}}, {{u"a"}, {u"b", u"d"}}, {{u"a", u"b"}, {u"e"}}}),
+            sampleOf("a track that the rule misreads",
+                     {{{u"a"}, {u"c"}}, {{u"a"}, {u"b"}}, {{u"a", u"b"}, {u"e"}}}),
             sampleOf("files without folder", {{{}, {u"a", u"b"}}, {{u"c"}, {u"d"}}}),
             sampleWithDuplicates(),
             sampleOfDuplicatesAlone(),

@@ -2,9 +2,8 @@
 // Every short sequence of folder entries over the names a and b, in which files become folders and
 // folders are met again in all ways there are.
 //
-//     forAllHistories(limits, [](const FolderEntries& entries) { ... });
+//     forAllHistories(limits, [](const TextEntries& entries) { ... });
 
-#include <set>
 #include <string>
 #include <vector>
 
@@ -36,7 +35,7 @@ inline std::vector<Names> nameLists(std::size_t least, std::size_t most) {
 /// Calls `visit` with each sequence of at least one entry and returns how many there were.
 template <class Visit>
 std::size_t forAllHistories(const HistoryLimits& limits, Visit visit) {
-    FolderEntries entries;
+    TextEntries entries;
     for (const Names& folder : nameLists(1, limits.depth)) {
         for (const Names& files : nameLists(limits.leastFiles, limits.files))
             entries.push_back({folder, files});
@@ -50,7 +49,7 @@ std::size_t forAllHistories(const HistoryLimits& limits, Visit visit) {
             if (!choice.empty()) ++choice.back();
             continue;
         }
-        FolderEntries history;
+        TextEntries history;
         for (const std::size_t entry : choice) history.push_back(entries[entry]);
         visit(history);
         ++count;
@@ -63,29 +62,10 @@ std::size_t forAllHistories(const HistoryLimits& limits, Visit visit) {
     return count;
 }
 
-/// True if every folder that an entry leads through was an entry or a file of one before.
-inline bool everyFolderWasListed(const FolderEntries& entries) {
-    std::set<TextPath> listed;
-    for (const FolderEntry& entry : entries) {
-        TextPath above;
-        for (const std::u16string& component : entry.folder) {
-            if (!above.empty() && !listed.contains(above)) return false;
-            above.push_back(component);
-        }
-        listed.insert(entry.folder);
-        for (const std::u16string& file : entry.files) {
-            TextPath path = entry.folder;
-            path.push_back(file);
-            listed.insert(path);
-        }
-    }
-    return true;
-}
-
 /// Adds entries without the parallel coder, which costs more than a short history itself.
-inline void addCoded(HuffmanPathTree& set, const FolderEntries& entries) {
+inline void addCoded(HuffmanPathTree& set, const TextEntries& entries) {
     makeCode(set, u"abcd");
-    for (const FolderEntry& entry : entries) {
+    for (const TextEntry& entry : entries) {
         Path folder;
         std::vector<Bytes> files;
         for (const std::u16string& name : entry.folder) folder.push_back(set.generateCodeFor(name));
@@ -95,12 +75,12 @@ inline void addCoded(HuffmanPathTree& set, const FolderEntries& entries) {
 }
 
 /// `a/b: c d; a: e` for a message.
-inline std::string describe(const FolderEntries& entries) {
+inline std::string describe(const TextEntries& entries) {
     std::string text;
     const auto append = [&](const std::u16string& name) {
         for (const char16_t unit : name) text.push_back(static_cast<char>(unit));
     };
-    for (const FolderEntry& entry : entries) {
+    for (const TextEntry& entry : entries) {
         for (const std::u16string& component : entry.folder) {
             append(component);
             text += '/';

@@ -18,11 +18,11 @@ using Names = std::vector<std::u16string>;
 using TextPath = std::vector<std::u16string>;  // folder components, then the file name
 using TextPaths = std::vector<TextPath>;
 
-struct FolderEntry {
+struct TextEntry {
     Names folder;
     Names files;
 };
-using FolderEntries = std::vector<FolderEntry>;
+using TextEntries = std::vector<TextEntry>;
 
 /// What the code of every set built here can write.
 inline const std::u16string kAlphabet = u"abcdefghijklmnopqrstuvwxyz0123456789._-/";
@@ -35,10 +35,10 @@ inline void makeCode(HuffmanPathTree& set, const std::u16string& characters = kA
     set.deflateHuffman(frequencies.data(), characters);
 }
 
-inline void addBatch(HuffmanPathTree& set, const FolderEntries& entries) {
+inline void addBatch(HuffmanPathTree& set, const TextEntries& entries) {
     std::vector<Names> folders;
     std::vector<Names> files;
-    for (const FolderEntry& entry : entries) {
+    for (const TextEntry& entry : entries) {
         folders.push_back(entry.folder);
         files.push_back(entry.files);
     }
@@ -52,15 +52,15 @@ inline void addSinglePath(HuffmanPathTree& set, const TextPath& path) {
     set.addPathToBTree(coded);
 }
 
-inline void buildSet(HuffmanPathTree& set, const FolderEntries& entries) {
+inline void buildSet(HuffmanPathTree& set, const TextEntries& entries) {
     makeCode(set);
     addBatch(set, entries);
 }
 
 /// The paths of some entries in the order of their numbers.
-inline TextPaths pathsOf(const FolderEntries& entries) {
+inline TextPaths pathsOf(const TextEntries& entries) {
     TextPaths paths;
-    for (const FolderEntry& entry : entries) {
+    for (const TextEntry& entry : entries) {
         for (const std::u16string& file : entry.files) {
             paths.push_back(entry.folder);
             paths.back().push_back(file);

@@ -1,7 +1,10 @@
 #pragma once
-// What tests may see of the private state of the core's classes, one function a field:
+// What tests may see of the private state of the core's classes, one function a field. What the
+// classes make when it is asked for comes by value:
 //
 //     EXPECT_EQ(HuffmanPathTreePeer::maxCodeBytes(set), 2U);
+
+#include <memory>
 
 #include "compressedpaths/BPathTree.hpp"
 #include "compressedpaths/HuffmanPathTree.hpp"
@@ -10,10 +13,16 @@ namespace compressedpaths {
 
 class BPathTreePeer {
 public:
-    static const auto& root(const BPathTree& tree) { return tree.root; }
-    static const auto& nodeStack(const BPathTree& tree) { return tree.nodeStack; }
-    static const auto& parentStack(const BPathTree& tree) { return tree.parentStack; }
-    static const auto& currentPath(const BPathTree& tree) { return tree.currentPath; }
+    /// The trie and its walk as linked nodes, made anew: two calls share no node, the stacks of one
+    /// share those below its root.
+    static auto linkedWalk(const BPathTree& tree) { return tree.linkedWalk(); }
+    static std::shared_ptr<BPathTree::BNode> root(const BPathTree& tree) {
+        return tree.linkedWalk().root;
+    }
+
+    // Stacks of walks by hand, which pushAllChildren and isNodeAtEndOfParent use without a stack.
+    static BPathTree::NodeStack& nodeStack(BPathTree& tree) { return tree.nodeStack; }
+    static BPathTree::NodeStack& parentStack(BPathTree& tree) { return tree.parentStack; }
     static bool& flag(BPathTree& tree) { return tree.flag; }
 };
 
@@ -22,9 +31,9 @@ public:
     static const auto& boolTree(const HuffmanPathTree& set) { return set.boolTree; }
     static const auto& treeString(const HuffmanPathTree& set) { return set.treeString; }
     static BPathTree& pathTree(const HuffmanPathTree& set) { return *set.pathTree; }
-    static const auto& pathTracks(const HuffmanPathTree& set) { return set.pathTracks; }
-    static const auto& partitionEnds(const HuffmanPathTree& set) { return set.partitionEnds; }
-    static const auto& folderTracks(const HuffmanPathTree& set) { return set.folderTracks; }
+    static auto pathTracks(const HuffmanPathTree& set) { return set.pathTracks(); }
+    static auto partitionEnds(const HuffmanPathTree& set) { return set.partitionEnds(); }
+    static auto folderTracks(const HuffmanPathTree& set) { return set.folderTracks(); }
     static auto maxFolderDepth(const HuffmanPathTree& set) { return set.maxFolderDepth; }
     static auto maxTrackLength(const HuffmanPathTree& set) { return set.maxTrackLength; }
     static auto maxCodeBytes(const HuffmanPathTree& set) { return set.maxCodeBytes; }
@@ -42,7 +51,6 @@ public:
         return set.asyncCodedFolders;
     }
     static const auto& asyncCodedFiles(const HuffmanPathTree& set) { return set.asyncCodedFiles; }
-    static const auto& trackEnds(const HuffmanPathTree& set) { return set.trackEnds_; }
 };
 
 }  // namespace compressedpaths

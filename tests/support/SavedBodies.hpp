@@ -56,6 +56,13 @@ public:
         return *this;
     }
 
+    /// What each of the tracks ends with: true for the first file.
+    SavedBody& trackEnds(const std::vector<bool>& ends) {
+        Bytes packed;
+        sixpacks::boolVecToBytes(packed, ends);
+        return byte(2).count8(packed.size()).bytes(packed);
+    }
+
     /// The beginning of the track section; entries follow, each a number and a sized track.
     SavedBody& tracks() { return byte(0).byte(0).byte(0).byte(0); }
 

@@ -47,18 +47,14 @@ TEST(IncludeDirections, theCoreKnowsItselfAlone) {
     expectOnly(includesIn("compressedpaths"), {"compressedpaths/"});
 }
 
-TEST(IncludeDirections, sixpacksKnowsOfTheCoreWhatItSaves) {
-    for (const Include& include : includesIn("compressedpaths/sixpacks")) {
-        // Members that save a class stand here, behind the header of the class.
-        const bool isOfAClass = include.source.ends_with("/SerializedPathSet.cpp") ||
-                                include.source.ends_with("/SerializedPathTrie.cpp");
-        Folders allowed{"compressedpaths/sixpacks/"};
-        if (isOfAClass)
-            allowed.insert(allowed.end(),
-                           {"compressedpaths/HuffmanPathTree.hpp", "compressedpaths/BPathTree.hpp",
-                            "compressedpaths/WideFolders.hpp"});
-        expectOnly({include}, allowed);
-    }
+TEST(IncludeDirections, sixpacksKnowsBytesOnly) {
+    expectOnly(includesIn("compressedpaths/sixpacks"), {"compressedpaths/sixpacks/"});
+}
+
+TEST(IncludeDirections, theStoreKnowsNothingOfCodesAndNumbers) {
+    expectOnly(includesIn("compressedpaths/store"),
+               {"compressedpaths/store/", "compressedpaths/sixpacks/",
+                "compressedpaths/SavedForm.hpp", "compressedpaths/BPathTreeExceptions.hpp"});
 }
 
 TEST(IncludeDirections, theHostKnowsNothingOfPaths) {
@@ -106,6 +102,8 @@ TEST(IncludeDirections, aLibraryThatCanBeReplacedIsKnownToOneSource) {
                 ElementsAre("compressedpaths/sixpacks/CompressedBlocks.cpp"));
     EXPECT_THAT(whoIncludes(libraries, {"oneapi/", "tbb/"}),
                 ElementsAre("compressedpaths/ParallelCoding.cpp"));
+    EXPECT_THAT(whoIncludes(libraries, {"xxhash.h"}),
+                ElementsAre("compressedpaths/store/Hashing.cpp"));
     EXPECT_THAT(whoIncludes({"tools"}, {"CLI/"}), ElementsAre("tools/zqpaths/Arguments.cpp"));
     EXPECT_THAT(whoIncludes({"tools"}, {"sqlite3.h"}), ElementsAre("tools/zqpaths/Database.cpp"));
     EXPECT_THAT(whoIncludes({"tools"}, {"zlib.h"}), ElementsAre("tools/zqpaths/ZlibStream.cpp"));

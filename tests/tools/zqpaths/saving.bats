@@ -121,9 +121,9 @@ files() {
     [ "$(zqpaths list folder/s.zqp)" = a ]
 }
 
-@test "want of memory is a limit, not a damage, and leaves the set whole" {
+@test "lack of memory is a limit, not a damage, and leaves the set whole" {
     (ulimit -v 16000000 && zqpaths --version) || skip "a sanitizer takes all addresses there are"
-    random_list 200000 >list
+    random_list 400000 >list
     zqpaths index -q s.zqp --list list
     local kilobytes
     for kilobytes in 30000 35000 40000; do

@@ -17,7 +17,7 @@ using sixpacks::PrematureEndException;
 using testing::ThrowsMessage;
 
 const std::vector<bool> kShape{false, true, true};  // of the characters x and y
-const FolderEntries kEntries{
+const TextEntries kEntries{
     {{u"a"}, {u"b", u"c"}}, {{u"a"}, {u"d"}}, {{u"e", u"f"}, {u"g"}}, {{u"a"}, {}}};
 
 /// Keys of one character each, x for false.
@@ -69,7 +69,7 @@ TEST(SerializedPathSet, hasAFolderSectionAloneForFolderEntries) {
     EXPECT_EQ(walkedPaths(loaded), walkedPaths(set));
 }
 
-TEST(SerializedPathSet, endsBehindTheKeysWithoutIndexData) {
+TEST(SerializedPathSet, endsAfterTheKeysWithoutIndexData) {
     HuffmanPathTree set;
     const std::vector<double> frequencies{1, 1};
     set.deflateHuffman(frequencies.data(), u"xy");
@@ -192,7 +192,7 @@ TEST(SerializedPathSet, countsItsMaximaAnew) {
 // The counter of the depth holds only folders that were met again.
 TEST(SerializedPathSet, doesNotCutTheTrackOfADeepFolderMetOnce) {
     for (const std::size_t depth : {255U, 256U, 300U, 70'000U}) {
-        const FolderEntries entries{{Names(depth, u"a"), {u"b"}}};
+        const TextEntries entries{{Names(depth, u"a"), {u"b"}}};
         HuffmanPathTree set;
         buildSet(set, entries);
         HuffmanPathTree loaded;
@@ -208,7 +208,7 @@ TEST(SerializedPathSet, doesNotCutNamesThatWereAddedThroughACopy) {
     HuffmanPathTree copy;
     copy.copyTree(set);
     const std::u16string longName(1000, u'a');
-    FolderEntry many{{u"a"}, {longName}};
+    TextEntry many{{u"a"}, {longName}};
     for (int file = 0; file < 300; ++file) many.files.emplace_back(u"f");
     addBatch(copy, {many});
     EXPECT_LT(HuffmanPathTreePeer::maxCodeBytes(set), 256U);
@@ -235,7 +235,7 @@ TEST(SerializedPathSet, doesNotCutKeysThatAnotherObjectCoded) {
 }
 
 TEST(SerializedPathSet, takesWiderIntegersOnlyWhereDataOrCountersNeedThem) {
-    FolderEntry entry{{u"a"}, {}};
+    TextEntry entry{{u"a"}, {}};
     for (int file = 0; file < 256; ++file) entry.files.emplace_back(u"f");
     HuffmanPathTree set;
     buildSet(set, {entry, {{u"a"}, {u"g"}}});
@@ -278,7 +278,7 @@ TEST(SerializedPathSet, refusesToEndEarlyAtEveryLength) {
     for (std::size_t length = 0; length < whole.size(); ++length) {
         Bytes bytes(whole.begin(), whole.begin() + std::ptrdiff_t(length));
         HuffmanPathTree set;
-        // Behind the trie, the folders and the widths of the tracks the form may end.
+        // After the trie, the folders and the widths of the tracks the form may end.
         const bool mayEnd =
             length == endOfTrie || length == endOfFolders || length == endOfFolders + 4;
         if (mayEnd) {

@@ -1,0 +1,386 @@
+#pragma once
+// PathArena is the store of a trie: flat arrays that hold offsets only, and nothing for a file but
+// its coded name.
+//
+// The children of a folder are items in the order of their positions: a run of files, or a folder.
+// A run stands in the bytes of the names, its files one after the other; a folder has a record.
+// Items form a ring, so that the one link that a folder has, to its last item, leads to the first
+// as well:
+//
+//     record of "usr"   last ──▶ run [bin, lib] ──▶ folder "share" ──▶ run [src] ─┐
+//                                      ▲                                          │
+//                                      └──────────────────────────────────────────┘
+//
+// A file that becomes a folder keeps its name in its run and gets a record that is in no ring; a
+// table finds it by folder and position. What stands in the arrays, byte by byte, is drawn in
+// docs/image.md: an image holds them as they are.
+//
+// Everything that is read is checked where it is used, since arrays may come from an image; what
+// leads nowhere throws InvalidImageException.
+//
+// Threads: reading (const) is safe from many threads while nobody adds.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+#include "compressedpaths/store/FlatArray.hpp"
+#include "compressedpaths/store/IdTable.hpp"
+#include "compressedpaths/store/Lazy.hpp"
+#include "compressedpaths/store/StoredName.hpp"
+
+namespace compressedpaths {
+
+/// A folder of a trie; the root is 0. Stays valid for the life of the trie.
+enum class FolderId : std::uint32_t {};
+
+class PathArena {
+public:
+    using Id = std::uint32_t;    // of a folder record
+    using Link = std::uint32_t;  // an item: the offset of a run, or kFolderLink and a folder's id
+    static constexpr Id kRoot = 0;
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;  // no folder, no item
+    static constexpr Link kFolderLink = 0x80000000;
+
+    struct Folder {
+        Id parent;           // less than its own id; of the root itself
+        std::uint32_t name;  // where its position, a varint, and its name stand; kNone of the root
+        Link next;           // the item after it in its ring
+        Link last;           // its own last item, kNone without children
+    };
+
+    /// A run as it stands in the names.
+    struct Run {
+        Link link;
+        Link next;
+        Id folder;
+        std::uint32_t first;    // position of its first file
+        std::uint32_t count;    // files, at least one
+        std::uint32_t countAt;  // where count and flags stand
+        std::uint32_t samples;  // where the offsets of every eighth name stand
+        std::uint32_t names;    // where the first name stands
+        bool hasWideSamples;
+    };
+
+    /// A child: a file in its run, or a folder (index 0).
+    struct Place {
+        Link link;
+        std::uint32_t index;
+
+        bool operator==(const Place&) const = default;
+    };
+
+    /// A child of a folder, on the way through all of them.
+    struct Cursor {
+        Id folder;
+        std::uint32_t position;
+        Link link;
+        std::uint32_t index = 0;  // in run
+        std::uint32_t name = 0;   // where the name of the file stands, if it is one
+        Run run{};                // if the item is one; a copy that its next and count may outgrow
+
+        bool isFile() const noexcept { return (link & kFolderLink) == 0; }
+        Place place() const noexcept { return {link, index}; }
+    };
+
+    /// The arrays, for who writes and reads images.
+    struct Arrays {
+        FlatArray<std::uint8_t> names;
+        FlatArray<Folder> folders;
+        IdTable formerFiles;  // ids of folders that were files, by parent and position
+    };
+
+    PathArena();  // with the root alone
+    PathArena(Arrays arrays, std::uint64_t seed) noexcept;
+    PathArena(const PathArena&) = delete;
+    PathArena& operator=(const PathArena&) = delete;
+
+    const Arrays& arrays() const noexcept { return arrays_; }
+    std::uint64_t seed() const noexcept { return seed_; }
+    std::uint32_t folderCount() const noexcept {
+        return static_cast<std::uint32_t>(arrays_.folders.size());
+    }
+    std::size_t heapByteSize() const noexcept;
+
+    /// Most bytes of names and most folders, for tests: offsets have 31 bits.
+    void limitTo(std::size_t nameBytes, std::size_t folders) noexcept;
+
+    // --- Reading.
+
+    std::uint32_t childCount(Id folder) const;
+    Id parentOf(Id folder) const;
+    std::uint32_t positionOf(Id folder) const;  // not of the root
+    NameView nameOf(Id folder) const;           // not of the root
+
+    Run runAt(Link link) const;
+    std::uint32_t nameOffset(const Run& run, std::uint32_t index) const;
+    NameView nameAt(std::uint32_t offset) const;
+    std::uint32_t nameAfter(std::uint32_t offset) const;  // where the next one stands
+    NameView nameOf(const Place& place) const;
+    NameView nameOf(const Cursor& child) const {
+        return child.isFile() ? nameAt(child.name) : nameOf(child.link & ~kFolderLink);
+    }
+    Id folderOf(const Place& place) const;  // that the child is in
+    std::uint32_t positionOf(const Place& place) const;
+
+    /// The first child of a folder that has any; the next of a cursor whose folder has one.
+    /// O(1) and O(1).
+    Cursor firstChild(Id folder) const;
+    void advance(Cursor& cursor) const;
+    /// True if a file of the run has become a folder since it was added. O(1).
+    bool hasFormerFiles(const Run& run) const noexcept;
+
+    /// The folder that a child is, also one that was a file once; kNone of a file. O(1), expected.
+    Id folderAt(const Cursor& cursor) const;
+    Id folderAt(const Place& place) const;
+
+    /// The last item of a folder that has children; the item after one that is not the last.
+    Link lastItemOf(Id id) const { return folder(id).last; }
+    Link itemAfter(Link link) const;
+
+    /// The child at a position, or nothing. Goes through the items of the folder from `from` on, an
+    /// item of it, or from the first. O(items + 8).
+    std::optional<Place> childAt(Id folder, std::uint64_t position, Link from = kNone) const;
+
+    /// Asks for the record of a folder, or the names at an offset, before they are read.
+    void prefetchFolder(Id folder) const noexcept {
+        __builtin_prefetch(arrays_.folders.data() + folder);
+    }
+    void prefetchName(Id id) const {
+        const std::uint32_t offset = folder(id).name;
+        if (offset < arrays_.names.size()) __builtin_prefetch(arrays_.names.data() + offset);
+    }
+
+    /// The ids of the folders from the first level down to `folder`, which is the last; none for
+    /// the root. Replaces `chain`. O(depth).
+    void chainTo(Id folder, std::vector<Id>& chain) const;
+
+    /// The first child folder with this stored name, or kNone. Builds an order of all folders when
+    /// it is first called after adding. O(log folders).
+    Id findFolder(Id parent, std::span<const std::uint8_t> storedName) const;
+    /// The folders in a folder, ascending. O(log folders + folders in it).
+    std::vector<Id> foldersIn(Id parent) const;
+    const FlatArray<Id>& foldersByName() const;
+    bool isOrderedByName() const;
+    void setFoldersByName(FlatArray<Id> order) noexcept { foldersByName_.set(std::move(order)); }
+
+    // --- Adding, as one step that happens as a whole or not at all.
+
+    /// Files that have been appended: `skip` files of the run stand before them.
+    struct Appended {
+        Link run;
+        std::uint32_t skip;
+    };
+
+    class Transaction {
+    public:
+        /// Throws only std::bad_alloc. O(1), or O(folders) the first time.
+        explicit Transaction(PathArena& arena);
+        Transaction(const Transaction&) = delete;
+        Transaction& operator=(const Transaction&) = delete;
+        ~Transaction();  // undoes what was done unless it was committed
+
+        void commit() noexcept { isCommitted_ = true; }
+
+        /// The first child with this stored name: a folder's id, or the place of a file, or
+        /// neither.
+        struct Found {
+            Id folder = kNone;
+            Place file{kNone, 0};
+
+            bool isThere() const noexcept { return folder != kNone || file.link != kNone; }
+        };
+        Found find(Id parent, std::span<const std::uint8_t> storedName);
+
+        /// A folder in `parent` at the end of its children; one for a file that is there.
+        Id makeFolder(Id parent, std::span<const std::uint8_t> storedName);
+        Id makeFolderOf(const Place& file);
+
+        /// Appends `count` files, at least one, whose stored names stand one after the other.
+        Appended appendFiles(Id folder, std::span<const std::uint8_t> storedNames,
+                             std::uint32_t count);
+
+    private:
+        /// What to undo: a folder's link to its last item, the files of a run, a former file.
+        struct Change {
+            enum class Kind : std::uint8_t { kLastItem, kRunCount, kFormerFile } kind;
+            std::uint32_t of;
+            std::uint32_t before;
+        };
+
+        Id addFolder(Id parent, std::uint32_t position, std::span<const std::uint8_t> storedName);
+        void extendOpenRun(const Run& run, std::span<const std::uint8_t> storedNames,
+                           std::uint32_t count);
+        void noteLastItem(Id folder);
+        void undo(const Change& change) noexcept;
+
+        PathArena& arena_;
+        std::size_t namesBefore_;
+        std::size_t foldersBefore_;
+        std::vector<Change> changes_;
+        bool isCommitted_ = false;
+    };
+
+private:
+    friend class TrieBuilder;
+    friend class Transaction;
+
+    /// The files of a folder with many children, by the hash of their names, and its runs.
+    struct WideFolder {
+        Link seen = kNone;            // the item taken in last
+        std::uint32_t seenInRun = 0;  // files of it that have been taken in
+        FlatArray<Link> runs;         // ascending
+        IdTable names;                // offsets; of equal names the first
+    };
+    static constexpr std::uint32_t kWideFolder = 64;  // children; with fewer a scan is as fast
+
+    [[noreturn]] static void refuse();
+    std::uint32_t readNumber(const std::uint8_t*& in) const;
+    void advanceToNextItem(Cursor& cursor) const;
+    const Folder& folder(Id id) const;
+    std::uint32_t placeOf(Link link) const;
+    Link nextOf(Link link) const;
+    void setNext(Link link, Link next) noexcept;
+    Cursor cursorAt(Id folder, std::uint32_t position, Link link) const;
+    std::uint64_t hashOfName(Id parent, std::span<const std::uint8_t> storedName) const noexcept;
+    std::uint64_t hashOfFolder(Id folder) const;
+    std::uint64_t hashOfFormerFile(Id folder) const;
+    std::span<const std::uint8_t> storedNameAt(std::uint32_t offset) const;
+    std::uint32_t storedNameOffset(Id folder) const;
+    bool hasName(std::uint32_t offset, std::span<const std::uint8_t> storedName) const noexcept;
+    Id formerFileAt(Id parent, std::uint32_t position) const;
+
+    void prepareForAdding();
+    void requireRoom(std::size_t nameBytes, std::size_t folders) const;
+    Link beginRun(Id folder, std::uint32_t first, std::uint32_t count, std::size_t namesSize);
+    void finishRun(Link link);
+    void makeFormerFile(Id folder, Link run);
+    void finishLoading() noexcept;
+    void writeFolder(Id parent, std::uint32_t position, std::span<const std::uint8_t> storedName);
+    void appendItem(Id folder, Link link) noexcept;
+    Place findFile(Id parent, std::span<const std::uint8_t> storedName);
+    Place findFileByTable(Id parent, std::span<const std::uint8_t> storedName);
+    void takeInChildren(Id parent, WideFolder& wide);
+    FlatArray<Id> orderFolders() const;
+    bool isBefore(Id a, Id b) const;
+    int compareNames(Id a, std::span<const std::uint8_t> storedName) const;
+
+    Arrays arrays_;
+    std::uint64_t seed_;
+    std::size_t maxNameBytes_ = kFolderLink - 64;
+    std::size_t maxFolders_ = kFolderLink - 1;
+
+    // For adding only.
+    IdTable folders_;  // all folders but the root, by parent and name
+    bool hasFolderTable_ = false;
+    Id loadedFolders_ = 1;             // those below may have a file of the same name before them
+    std::vector<bool> isTwinChecked_;  // by id; true if it is known which comes first
+    Link openRun_ = kNone;             // whose files end where the names end
+    std::unordered_map<Id, WideFolder> wideFolders_;
+
+    Lazy<FlatArray<Id>> foldersByName_;
+};
+
+// What fetching a path goes through, here so that it is inlined.
+
+namespace arena {
+
+inline constexpr std::size_t kLinkSize = sizeof(PathArena::Link);
+inline constexpr std::uint32_t kHasFormerFiles = 1;  // a file of the run has become a folder
+inline constexpr std::uint32_t kWideSamples = 2;     // of four bytes, not of two
+inline constexpr unsigned kCountShift = 2;
+inline constexpr std::uint32_t kSampleDistance = 8;  // names
+inline constexpr std::uint32_t kMaxPlainRun = 16;    // files of a run without samples
+
+template <class T>
+T load(const std::uint8_t* from) noexcept {
+    T value;
+    std::memcpy(&value, from, sizeof value);
+    return value;
+}
+
+}  // namespace arena
+
+inline const PathArena::Folder& PathArena::folder(Id id) const {
+    if (id >= arrays_.folders.size()) refuse();
+    return arrays_.folders[id];
+}
+
+inline PathArena::Id PathArena::parentOf(Id id) const {
+    const Id parent = folder(id).parent;
+    if (parent >= id && id != kRoot) refuse();  // ids ascend downwards, so that every way up ends
+    return parent;
+}
+
+inline NameView PathArena::nameAt(std::uint32_t offset) const {
+    if (offset >= arrays_.names.size()) refuse();
+    const NameView name = viewName(arrays_.names.data() + offset, arrays_.names.end());
+    if (name.data == nullptr) refuse();
+    return name;
+}
+
+inline std::uint32_t PathArena::nameAfter(std::uint32_t offset) const {
+    if (offset >= arrays_.names.size()) refuse();
+    const std::uint32_t head = arrays_.names[offset];
+    if (head < kLongName) return offset + 1 + (head + 7) / 8;
+    return static_cast<std::uint32_t>(nameAt(offset).end() - arrays_.names.data());
+}
+
+/// A varint of the names, which ends in them.
+inline std::uint32_t PathArena::readNumber(const std::uint8_t*& in) const {
+    if (in != arrays_.names.end() && *in < 0x80) return *in++;
+    std::uint64_t number = 0;
+    in = readVarint(in, arrays_.names.end(), number);
+    if (in == nullptr || number > 0xFFFFFFFF) refuse();
+    return static_cast<std::uint32_t>(number);
+}
+
+inline PathArena::Run PathArena::runAt(Link link) const {
+    const std::size_t size = arrays_.names.size();
+    if (link >= size || size - link <= arena::kLinkSize) refuse();
+    const std::uint8_t* const begin = arrays_.names.data();
+    const std::uint8_t* in = begin + link + arena::kLinkSize;
+
+    Run run;
+    run.link = link;
+    run.next = arena::load<Link>(begin + link);
+    run.folder = readNumber(in);
+    run.first = readNumber(in);
+    run.countAt = static_cast<std::uint32_t>(in - begin);
+    const std::uint32_t countAndFlags = readNumber(in);
+    run.count = countAndFlags >> arena::kCountShift;
+    run.hasWideSamples = (countAndFlags & arena::kWideSamples) != 0;
+    run.samples = static_cast<std::uint32_t>(in - begin);
+    const std::uint64_t sampleCount =
+        run.count <= arena::kMaxPlainRun ? 0 : (run.count - 1) / arena::kSampleDistance;
+    const std::uint64_t names = run.samples + sampleCount * (run.hasWideSamples ? 4 : 2);
+    if (names >= size || run.count == 0 || std::uint64_t{run.first} + run.count > kFolderLink)
+        refuse();
+    run.names = static_cast<std::uint32_t>(names);
+    return run;
+}
+
+inline bool PathArena::hasFormerFiles(const Run& run) const noexcept {
+    return (arrays_.names[run.countAt] & arena::kHasFormerFiles) != 0;
+}
+
+inline void PathArena::advance(Cursor& cursor) const {
+    if (cursor.isFile() && cursor.index + 1 < cursor.run.count) {
+        ++cursor.index;
+        ++cursor.position;
+        cursor.name = nameAfter(cursor.name);
+    } else {
+        advanceToNextItem(cursor);
+    }
+}
+
+inline PathArena::Id PathArena::folderAt(const Cursor& cursor) const {
+    if (!cursor.isFile()) return cursor.link & ~kFolderLink;
+    return hasFormerFiles(cursor.run) ? formerFileAt(cursor.folder, cursor.position) : kNone;
+}
+
+}  // namespace compressedpaths
