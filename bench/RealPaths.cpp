@@ -1,10 +1,12 @@
 #include "bench/RealPaths.hpp"
 
-#include <malloc.h>
-
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <iostream>
+#include <memory>
+#include <random>
 
 #include "tools/zqpaths/DirectoryWalk.hpp"
 #include "tools/zqpaths/PathComponents.hpp"
@@ -30,9 +32,13 @@ std::vector<std::string> readPaths() {
     return lines;
 }
 
-const std::vector<std::string>& lines() {
-    static const std::vector<std::string> all = readPaths();
-    return all;
+/// What `make(order)` gives, once for each order.
+template <class Value>
+Value& perOrder(Order order, const std::function<Value(Order)>& make) {
+    static std::array<std::unique_ptr<Value>, kOrders.size()> made;
+    auto& value = made.at(static_cast<std::size_t>(order));
+    if (!value) value = std::make_unique<Value>(make(order));
+    return *value;
 }
 
 std::u16string toUtf16(std::string_view bytes) {
@@ -48,11 +54,11 @@ std::vector<std::u16string> toUtf16(const std::vector<std::string_view>& compone
     return texts;
 }
 
-std::vector<Batch> makeBatches() {
+std::vector<Batch> makeBatches(Order order) {
     std::vector<Batch> all;
     std::size_t roomLeft = 0;
     std::string_view lastFolder;
-    for (const std::string& line : lines()) {
+    for (const std::string& line : texts(order)) {
         const std::string_view folder(line.data(), zqpaths::folderLength(line));
         const zqpaths::CutPath cut = zqpaths::cutPath(line);
         if (roomLeft == 0) {
@@ -87,27 +93,47 @@ std::unordered_map<char16_t, double> countCharacters() {
 
 }  // namespace
 
-const std::vector<std::u16string>& paths() {
-    static const std::vector<std::u16string> all = [] {
-        std::vector<std::u16string> texts;
-        for (const std::string& line : lines()) texts.push_back(toUtf16(line));
-        return texts;
-    }();
-    return all;
+std::size_t pathCount() {
+    return texts().size();
 }
 
-const std::string& text() {
-    static const std::string all = [] {
-        std::string joined;
-        for (const std::string& line : lines()) joined.append(line).push_back('\n');
-        return joined;
-    }();
-    return all;
+const std::vector<std::string>& texts(Order order) {
+    return perOrder<std::vector<std::string>>(order, [](Order wanted) {
+        if (wanted == Order::kListed) return readPaths();
+        std::vector<std::string> all = texts(Order::kListed);
+        std::shuffle(all.begin(), all.end(), std::mt19937_64(1));
+        return all;
+    });
 }
 
-const std::vector<Batch>& batches() {
-    static const std::vector<Batch> all = makeBatches();
-    return all;
+TextBlob makeBlob(const std::vector<std::string>& paths) {
+    TextBlob made;
+    std::size_t size = 0;
+    for (const std::string& path : paths) size += path.size() + 1;
+    made.text.reserve(size);
+    made.begins.reserve(paths.size() + 1);
+    made.begins.push_back(0);
+    for (const std::string& path : paths) {
+        made.text.append(path).push_back('\n');
+        made.begins.push_back(static_cast<std::uint32_t>(made.text.size()));
+    }
+    return made;
+}
+
+const TextBlob& blob(Order order) {
+    return perOrder<TextBlob>(order, [](Order wanted) { return makeBlob(texts(wanted)); });
+}
+
+const std::vector<std::u16string>& paths(Order order) {
+    return perOrder<std::vector<std::u16string>>(order, [](Order wanted) {
+        std::vector<std::u16string> all;
+        for (const std::string& text : texts(wanted)) all.push_back(toUtf16(text));
+        return all;
+    });
+}
+
+std::vector<Batch>& batches(Order order) {
+    return perOrder<std::vector<Batch>>(order, makeBatches);
 }
 
 const std::unordered_map<char16_t, double>& frequencies() {
@@ -115,17 +141,31 @@ const std::unordered_map<char16_t, double>& frequencies() {
     return frequencyOf;
 }
 
-void fill(compressedpaths::HuffmanPathTree& set) {
+void fill(compressedpaths::HuffmanPathTree& set, Order order) {
     set.deflateHuffman(frequencies());
-    for (const Batch& batch : batches()) {
-        Batch copy = batch;
-        set.generateCodeAsyncAndAddPaths(copy.folders, copy.files);
-    }
+    for (Batch& batch : batches(order))
+        set.generateCodeAsyncAndAddPaths(batch.folders, batch.files);
 }
 
-std::size_t heapBytes() {
-    const auto info = mallinfo2();
-    return info.uordblks + info.hblkhd;
+compressedpaths::HuffmanPathTree& filledSet(Order order) {
+    using Set = std::unique_ptr<compressedpaths::HuffmanPathTree>;
+    return *perOrder<Set>(order, [](Order wanted) {
+        auto set = std::make_unique<compressedpaths::HuffmanPathTree>();
+        fill(*set, wanted);
+        return set;
+    });
+}
+
+std::string_view withoutMarker(std::string_view text) noexcept {
+    return text.starts_with('\0') ? text.substr(1) : text;
+}
+
+void countPaths(benchmark::State& state) {
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(pathCount()));
+}
+
+void countBytes(benchmark::State& state, const char* name, double bytes) {
+    state.counters[name] = bytes / static_cast<double>(pathCount());
 }
 
 }  // namespace bench

@@ -1,4 +1,5 @@
 // Coding and decoding of components, next to doing so by the code words and the coding tree alone.
+// The rate is that of names; that of characters is a counter.
 
 #include <benchmark/benchmark.h>
 
@@ -8,7 +9,10 @@
 namespace {
 
 using compressedpaths::Bytes;
+using compressedpaths::CodeTables;
+using compressedpaths::FlatArray;
 using compressedpaths::HuffmanPathTree;
+using compressedpaths::NameView;
 
 const std::vector<std::u16string>& fileNames() {
     static const std::vector<std::u16string> names = [] {
@@ -20,12 +24,26 @@ const std::vector<std::u16string>& fileNames() {
     return names;
 }
 
+/// Tells how many names and characters an iteration has coded or decoded.
+void countNames(benchmark::State& state) {
+    static const std::size_t characters = [] {
+        std::size_t sum = 0;
+        for (const std::u16string& name : fileNames()) sum += name.size();
+        return sum;
+    }();
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(fileNames().size()));
+    state.counters["time a character"] = benchmark::Counter(
+        static_cast<double>(characters),
+        benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
 struct CodedNames {
     HuffmanPathTree set;
     std::vector<HuffmanPathTree::HNode> nodes;
     std::uint32_t root = 0;
     std::vector<std::vector<bool>> words;  // by character
     std::vector<Bytes> codes;
+    FlatArray<std::uint8_t> stored;
 
     CodedNames() : words(0x10000) {
         bench::fill(set);
@@ -35,7 +53,10 @@ struct CodedNames {
             nodes[node.index] = node;
         });
         collectWords(root, {});
-        for (const std::u16string& name : fileNames()) codes.push_back(set.generateCodeFor(name));
+        for (const std::u16string& name : fileNames()) {
+            codes.push_back(set.generateCodeFor(name));
+            set.codeTables().appendCode(name, stored);
+        }
     }
 
     void collectWords(std::uint32_t index, std::vector<bool> word) {
@@ -56,14 +77,26 @@ CodedNames& codedNames() {
     return coded;
 }
 
+void codingToStored(benchmark::State& state) {
+    const CodeTables& tables = codedNames().set.codeTables();
+    FlatArray<std::uint8_t> names;
+    for (auto _ : state) {
+        names.truncate(0);
+        for (const std::u16string& name : fileNames()) tables.appendCode(name, names);
+        benchmark::DoNotOptimize(names.data());
+    }
+    countNames(state);
+}
+BENCHMARK(codingToStored)->Name("coding/stored form")->Unit(benchmark::kMillisecond);
+
 void coding(benchmark::State& state) {
     HuffmanPathTree& set = codedNames().set;
     for (auto _ : state)
         for (const std::u16string& name : fileNames())
             benchmark::DoNotOptimize(set.generateCodeFor(name));
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(fileNames().size()));
+    countNames(state);
 }
-BENCHMARK(coding)->Name("coding/table")->Unit(benchmark::kMillisecond);
+BENCHMARK(coding)->Name("coding/code bytes")->Unit(benchmark::kMillisecond);
 
 void codingBitByBit(benchmark::State& state) {
     const CodedNames& coded = codedNames();
@@ -79,18 +112,42 @@ void codingBitByBit(benchmark::State& state) {
             benchmark::DoNotOptimize(code);
         }
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(fileNames().size()));
+    countNames(state);
 }
 BENCHMARK(codingBitByBit)->Name("coding/bit by bit")->Unit(benchmark::kMillisecond);
+
+/// Decodes the stored names, each in the place of the one before.
+template <class Text>
+void decodingStored(benchmark::State& state) {
+    const CodedNames& coded = codedNames();
+    const CodeTables& tables = coded.set.codeTables();
+    Text text;
+    for (auto _ : state) {
+        for (const std::uint8_t* next = coded.stored.data(); next < coded.stored.end();) {
+            const NameView name = compressedpaths::viewName(next, coded.stored.end());
+            next = name.end();
+            text.clear();
+            tables.appendText(name, text);
+            benchmark::DoNotOptimize(text.data());
+        }
+    }
+    countNames(state);
+}
+BENCHMARK(decodingStored<std::string>)
+    ->Name("decoding/stored form, bytes")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(decodingStored<std::u16string>)
+    ->Name("decoding/stored form, UTF-16")
+    ->Unit(benchmark::kMillisecond);
 
 void decoding(benchmark::State& state) {
     const CodedNames& coded = codedNames();
     for (auto _ : state)
         for (const Bytes& code : coded.codes)
             benchmark::DoNotOptimize(coded.set.generatePathFrom(code));
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(coded.codes.size()));
+    countNames(state);
 }
-BENCHMARK(decoding)->Name("decoding/table")->Unit(benchmark::kMillisecond);
+BENCHMARK(decoding)->Name("decoding/code bytes")->Unit(benchmark::kMillisecond);
 
 void decodingByTree(benchmark::State& state) {
     const CodedNames& coded = codedNames();
@@ -109,7 +166,7 @@ void decodingByTree(benchmark::State& state) {
             benchmark::DoNotOptimize(text);
         }
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(coded.codes.size()));
+    countNames(state);
 }
 BENCHMARK(decodingByTree)->Name("decoding/tree walk")->Unit(benchmark::kMillisecond);
 

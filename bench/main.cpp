@@ -15,10 +15,9 @@ public:
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs) {
             if (run.error_occurred || run.run_type != Run::RT_Iteration) continue;
-            const std::string name = run.benchmark_name();
+            const std::string& name = run.run_name.function_name;
             const std::string subject = name.substr(0, name.find('/'));
-            const double seconds =
-                run.real_accumulated_time / static_cast<double>(run.iterations) / itemsOf(run);
+            const double seconds = secondsOf(run);
             const double base = baseOf_.try_emplace(subject, seconds).first->second;
             ratios_.emplace_back(name, seconds / base);
         }
@@ -31,11 +30,12 @@ public:
     }
 
 private:
-    /// Items of one iteration, which benchmarks state as a rate; 1 if they do not.
-    static double itemsOf(const Run& run) {
+    /// Seconds of an item, or of an iteration where no items are counted; of the processor, or of
+    /// the clock where the benchmark uses more than one thread.
+    static double secondsOf(const Run& run) {
         const auto rate = run.counters.find("items_per_second");
-        if (rate == run.counters.end()) return 1;
-        return rate->second.value * run.real_accumulated_time / static_cast<double>(run.iterations);
+        if (rate != run.counters.end()) return 1 / rate->second.value;
+        return run.cpu_accumulated_time / static_cast<double>(run.iterations);
     }
 
     std::map<std::string, double> baseOf_;

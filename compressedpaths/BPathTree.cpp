@@ -205,7 +205,7 @@ PathArena::Place BPathTree::childAt(PathArena::Id folder, std::size_t position) 
         if (last == arena_->lastItemOf(folder)) break;
         items.push(arena_->itemAfter(last));
     }
-    const auto after = std::partition_point(
+    const PathArena::Link* const after = std::partition_point(
         items.data(), items.end(), [&](PathArena::Link link) { return firstOf(link) <= position; });
     return {*(after - 1), static_cast<std::uint32_t>(position - firstOf(*(after - 1)))};
 }

@@ -162,12 +162,12 @@ private:
     void writeTracks() {
         const FlatArray<std::uint32_t> depths = depthsOf(set_.arena());
         std::size_t longest = set_.maxFolderDepth;
-        forEachPlace([&](const FolderEntries::Place& place, std::uint64_t pathCount) {
+        forEachPlace([&](const FolderEntries::Place& place, std::uint64_t fileCount) {
             const PathArena::Id folder = set_.folderOfEntry(place);
             longest = std::max<std::size_t>(longest, depths[folder] + (place.existed ? 1U : 0U));
-            if (!isMisread_ && pathCount > 0)
+            if (!isMisread_ && fileCount > 0)
                 isMisread_ =
-                    readsAsFirstFile(place, folder, depths[folder], pathCount) != place.existed;
+                    readsAsFirstFile(place, folder, depths[folder], fileCount) != place.existed;
         });
         out_.integer(set_.entries_.size() + set_.entries_.unpairedPlaces().size(), kCount8);
         const unsigned positionSize = byteSizeOf(out_.widthTag(maxFanOut_));
@@ -190,14 +190,14 @@ private:
 
     /// Whether a reader takes the last position of an entry's track for its first file.
     bool readsAsFirstFile(const FolderEntries::Place& place, PathArena::Id folder,
-                          std::size_t depth, std::uint64_t pathCount) const {
+                          std::size_t depth, std::uint64_t fileCount) const {
         const PathArena& arena = set_.arena();
         if (!place.existed) {
             if (depth <= 1) return false;
             return readsTrackAsFirstFile(
                 arena.childCount(folder),
                 arena.childCount(arena.parentOf(folder)) - std::uint64_t{arena.positionOf(folder)},
-                pathCount);
+                fileCount);
         }
         const std::uint64_t first = set_.firstChildOf(place);
         const std::uint32_t siblings = arena.childCount(folder);
@@ -207,7 +207,7 @@ private:
                                : arena.childAt(folder, first);
         const PathArena::Id inside = arena.folderAt(*child);
         return readsTrackAsFirstFile(inside == PathArena::kNone ? 0 : arena.childCount(inside),
-                                     siblings - first, pathCount);
+                                     siblings - first, fileCount);
     }
 
     void writeFirstFiles() {

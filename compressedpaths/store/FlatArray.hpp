@@ -24,9 +24,14 @@
 
 namespace compressedpaths {
 
-/// A block of the heap with another size, or a new one for null. Where there is no memory it asks the
-/// new-handler, as operator new does, and throws std::bad_alloc.
-void* growBlock(void* block, std::size_t byteSize);
+/// Bytes from which on a block has pages of its own.
+inline constexpr std::size_t kMappedSize = std::size_t{1} << 18;
+
+/// A block with another size and the same bytes, or a new one for null and 0. Where there is no
+/// memory it asks the new-handler, as operator new does, and throws std::bad_alloc; the block is
+/// then as it was. O(byteSize) below kMappedSize, and once above.
+void* resizeBlock(void* block, std::size_t oldByteSize, std::size_t byteSize);
+void freeBlock(void* block, std::size_t byteSize) noexcept;
 
 template <class T>
 class FlatArray {
@@ -54,7 +59,7 @@ public:
         return *this;
     }
     ~FlatArray() {
-        if (!isBorrowed_) std::free(data_);
+        if (!isBorrowed_) freeBlock(data_, blockSize(capacity_));
     }
 
     /// An array of values that belong to somebody else and outlive it, with kReadableBytes after
@@ -151,10 +156,11 @@ public:
     /// Gives room that is not used back to the heap. What cannot be given back stays.
     void shrink() noexcept {
         if (isBorrowed_ || capacity_ == size_) return;
-        void* const block = std::realloc(data_, size_ * sizeof(T) + kReadableBytes);
-        if (block == nullptr) return;
-        data_ = static_cast<T*>(block);
-        capacity_ = size_;
+        try {
+            resizeTo(size_);
+        } catch (const std::bad_alloc&) {
+            return;  // no less than what it had
+        }
     }
 
     void swap(FlatArray& other) noexcept {
@@ -167,10 +173,19 @@ public:
 private:
     static constexpr std::size_t kFirstGrowth = 4;  // values; an eighth of few is none
 
+    /// Bytes of a block for so many values; none has no block.
+    static std::size_t blockSize(std::size_t capacity) noexcept {
+        return capacity == 0 ? 0 : capacity * sizeof(T) + kReadableBytes;
+    }
+
     void reserveExactly(std::size_t capacity) {
-        if (capacity > (std::numeric_limits<std::size_t>::max() - kReadableBytes) / sizeof(T))
+        if (capacity > (std::numeric_limits<std::size_t>::max() / 2) / sizeof(T))
             throw std::bad_alloc();
-        data_ = static_cast<T*>(growBlock(data_, capacity * sizeof(T) + kReadableBytes));
+        resizeTo(capacity);
+    }
+
+    void resizeTo(std::size_t capacity) {
+        data_ = static_cast<T*>(resizeBlock(data_, blockSize(capacity_), blockSize(capacity)));
         capacity_ = capacity;
     }
 

@@ -147,7 +147,7 @@ FolderEntries::Cursor FolderEntries::at(std::size_t number) const {
 
 std::optional<FolderEntries::Cursor> FolderEntries::holding(std::uint64_t pathNumber) const {
     if (pathNumber == 0 || pathNumber > pathCount_) return std::nullopt;
-    const auto after = std::partition_point(
+    const Block* const after = std::partition_point(
         blocks_.data(), blocks_.end(),
         [pathNumber](const Block& block) { return block.pathsBefore < pathNumber; });
     if (after == blocks_.data()) throw InvalidImageException();

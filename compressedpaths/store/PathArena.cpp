@@ -17,7 +17,7 @@ using namespace arena;
 
 // A run is a link to the next item, three varints, samples and names. The last varint is the count
 // with two flags below it.
-constexpr std::size_t kMaxRunHead = kLinkSize + 3 * 5;
+constexpr std::size_t kMaxRunHead = kLinkSize + std::size_t{3} * 5;
 
 constexpr std::uint32_t sampleCount(std::uint32_t fileCount) noexcept {
     return fileCount <= kMaxPlainRun ? 0 : (fileCount - 1) / kSampleDistance;
@@ -514,6 +514,8 @@ PathArena::Transaction::Transaction(PathArena& arena) : arena_(arena) {
     foldersBefore_ = arena.arrays_.folders.size();
 }
 
+// What is undone was made or looked at by this transaction, so that reading it again refuses
+// nothing. NOLINTNEXTLINE(bugprone-exception-escape): said above
 PathArena::Transaction::~Transaction() {
     if (isCommitted_) return;
     for (auto change = changes_.rbegin(); change != changes_.rend(); ++change) undo(*change);
@@ -527,6 +529,7 @@ PathArena::Transaction::~Transaction() {
     arena_.wideFolders_.clear();
 }
 
+// NOLINTNEXTLINE(bugprone-exception-escape): as for the destructor
 void PathArena::Transaction::undo(const Change& change) noexcept {
     Arrays& arrays = arena_.arrays_;
     switch (change.kind) {

@@ -182,6 +182,7 @@ public:
         explicit Transaction(PathArena& arena);
         Transaction(const Transaction&) = delete;
         Transaction& operator=(const Transaction&) = delete;
+        // NOLINTNEXTLINE(bugprone-exception-escape): see there
         ~Transaction();  // undoes what was done unless it was committed
 
         void commit() noexcept { isCommitted_ = true; }
@@ -216,6 +217,7 @@ public:
         void extendOpenRun(const Run& run, std::span<const std::uint8_t> storedNames,
                            std::uint32_t count);
         void noteLastItem(Id folder);
+        // NOLINTNEXTLINE(bugprone-exception-escape): see there
         void undo(const Change& change) noexcept;
 
         PathArena& arena_;

@@ -1,6 +1,9 @@
 #include "tests/support/HeapMeter.hpp"
 
 #include <malloc.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
@@ -19,11 +22,14 @@ namespace {
 std::atomic<std::size_t> live{0};
 std::atomic<std::size_t> highest{0};
 
-void* counted(void* block) noexcept {
-    const std::size_t size = malloc_usable_size(block);
+void raise(std::size_t size) noexcept {
     const std::size_t now = live.fetch_add(size) + size;
     for (std::size_t seen = highest; now > seen && !highest.compare_exchange_weak(seen, now);) {
     }
+}
+
+void* counted(void* block) noexcept {
+    raise(malloc_usable_size(block));
     return block;
 }
 
@@ -67,6 +73,27 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexce
 void free(void* block) noexcept {
     uncount(block);
     __libc_free(block);
+}
+
+// Large arrays of the core have pages of their own.
+
+void* mmap(void* at, std::size_t size, int protection, int flags, int file, off_t offset) noexcept {
+    const long pages = syscall(SYS_mmap, at, size, protection, flags, file, offset);
+    if (pages != -1) raise(size);
+    return reinterpret_cast<void*>(pages);
+}
+
+void* mremap(void* block, std::size_t oldSize, std::size_t size, int flags, ...) noexcept {
+    const long pages = syscall(SYS_mremap, block, oldSize, size, flags);
+    if (pages == -1) return MAP_FAILED;
+    live -= oldSize;
+    raise(size);
+    return reinterpret_cast<void*>(pages);
+}
+
+int munmap(void* block, std::size_t size) noexcept {
+    live -= size;
+    return static_cast<int>(syscall(SYS_munmap, block, size));
 }
 }
 
