@@ -123,9 +123,9 @@ std::optional<std::size_t> HuffmanPathTree::numberOf(FolderId folder,
     std::optional<std::size_t> found;
     forEachEntryOf(id, [&](const FolderEntries::Cursor& entry) {
         FileNames files(*this, entry.entry, 0);
-        for (std::uint64_t index = 0; index < entry.entry.pathCount; ++index, files.advance()) {
+        for (std::uint64_t index = 0; index < entry.entry.pathCount; ++index) {
             if (!files.isThere()) break;
-            if (!isSameName(files.get().name, wanted)) continue;
+            if (!isSameName(files.next().name, wanted)) continue;
             found = entry.pathsBefore + index + 1;
             return false;
         }
@@ -210,11 +210,10 @@ void HuffmanPathTree::forEachNameWith(std::u16string_view text, NumberRange rang
                 if (number == end) break;
             }
             name.clear();
-            const NameView view = files.get().name;
+            const NameView view = files.next().name;
             if (!view.isAnyKey) codeTables_.appendText(view, name);
             if (name.find(text) != std::u16string::npos) visit(number);
             ++number;
-            files.advance();
         }
         if (number > range.last || entry->number + 1 == entries_.size()) break;
         entries_.advance(*entry);
@@ -231,6 +230,7 @@ std::uint64_t HuffmanPathTree::FileNames::skipTo(Find find, std::uint64_t most) 
         std::min<std::uint64_t>(most, run_.count - entry_.place.skip - index_);
     const auto last = static_cast<std::uint32_t>(entry_.place.skip + index_ + inRun - 1);
     const std::uint32_t end = arena.nameAfter(arena.nameOffset(run_, last));
+    if (end > arena.arrays().names.size()) throw InvalidImageException();
     const std::uint8_t* const names = arena.arrays().names.data();
     const auto hit = static_cast<std::uint32_t>(find(names + offset_, names + end) - names);
     std::uint64_t passed = 0;

@@ -183,16 +183,19 @@ public:
     /// The number of paths; they are numbered from 1.
     std::size_t size() const noexcept { return pathCount; }
 
-    /// Appends the path with this number to `text`. Throws InvalidPathNumberException, also for one
-    /// that was added on its own, and what decoding throws if a damaged set was loaded; `text` is
-    /// then as it was. O(log entries + characters).
+    /// Appends the path that getPath gives for this number. Paths that were added on their own
+    /// shift the numbers of the entry after them, whose last ones are then those of no file. Throws
+    /// InvalidPathNumberException beyond all entries, InvalidFileNumberException beyond the files
+    /// of a folder, and what decoding throws if a damaged set was loaded; `text` is then as it was.
+    /// O(log entries + characters).
     void appendText(std::size_t number, std::string_view separator, std::string& text) const;
     void appendText(std::size_t number, std::u16string_view separator, std::u16string& text) const;
 
     /// Calls `visit` for the paths numbered `first` to `last`, in that order, or for none if last
-    /// is below first. The text is gone after the call. Numbers of paths that were added on their
-    /// own are passed over. Throws as appendText, and InvalidPathNumberException before the first
-    /// call. O(characters).
+    /// is below first. The text is gone after the call. Numbers beyond all entries, of paths that
+    /// were added on their own, are passed over. Throws InvalidPathNumberException before the first
+    /// call unless the set has both numbers, and as appendText at a number that is that of no file.
+    /// O(characters).
     void forEachText(
         std::size_t first, std::size_t last, std::string_view separator,
         const std::function<void(std::size_t number, std::string_view text)>& visit) const;
@@ -236,7 +239,8 @@ public:
     FolderId parentOf(FolderId folder) const;
 
     /// Calls `visit` for the numbers of a range whose file name holds `text`, ascending. Names are
-    /// not decoded: the code bits of the text are looked for. O(bytes of the coded names).
+    /// not decoded: the code bits of the text are looked for. Throws as forEachText. O(bytes of the
+    /// coded names).
     void forEachNameWith(std::u16string_view text, NumberRange range,
                          const std::function<void(std::size_t number)>& visit) const;
 
@@ -368,7 +372,7 @@ private:
 
         bool isThere() const;
         FileName get() const;
-        void advance();
+        FileName next();  // the same, and goes on
         template <class Find>
         std::uint64_t skipTo(Find find, std::uint64_t most);
 

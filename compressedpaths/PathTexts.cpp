@@ -109,6 +109,34 @@ HuffmanPathTree::FileName HuffmanPathTree::fileNameOf(const FolderEntries::Entry
     return {arena().folderOf(file), arena().nameOf(file)};
 }
 
+HuffmanPathTree::FileNames::FileNames(const HuffmanPathTree& set, const FolderEntries::Entry& entry,
+                                      std::uint64_t index)
+    : set_(set), entry_(entry), index_(index) {
+    if (entry.place.run == PathArena::kNone) return;
+    run_ = set.arena().runAt(entry.place.run);
+    if (isInRun())
+        offset_ =
+            set.arena().nameOffset(run_, static_cast<std::uint32_t>(entry.place.skip + index));
+}
+
+/// False past the files that the folder has.
+bool HuffmanPathTree::FileNames::isThere() const {
+    return isInRun() || set_.findFile(entry_, index_).has_value();
+}
+
+HuffmanPathTree::FileName HuffmanPathTree::FileNames::get() const {
+    if (isInRun()) return {run_.folder, set_.arena().nameAt(offset_)};
+    return set_.fileNameOf(entry_, index_);
+}
+
+HuffmanPathTree::FileName HuffmanPathTree::FileNames::next() {
+    const FileName file = get();
+    if (isInRun())
+        offset_ = static_cast<std::uint32_t>(file.name.end() - set_.arena().arrays().names.data());
+    ++index_;
+    return file;
+}
+
 void HuffmanPathTree::forEachText(
     std::size_t first, std::size_t last, std::string_view separator,
     const std::function<void(std::size_t number, std::string_view text)>& visit) const {
@@ -130,8 +158,8 @@ void HuffmanPathTree::forEachText(
     for (std::size_t number = first;;) {
         const std::size_t end = std::min<std::uint64_t>(last, entry->pathsUpTo()) + 1;
         FileNames files(*this, entry->entry, number - entry->pathsBefore - 1);
-        for (; number < end; ++number, files.advance()) {
-            const FileName file = files.get();
+        for (; number < end; ++number) {
+            const FileName file = files.next();
             setFolder(file.folder);
             text.resize(folderSize);
             codeTables_.appendText(file.name, text);
@@ -141,31 +169,6 @@ void HuffmanPathTree::forEachText(
         entries_.advance(*entry);
     }
     if (last > entries_.pathCount()) static_cast<void>(entryHolding(last));
-}
-
-HuffmanPathTree::FileNames::FileNames(const HuffmanPathTree& set, const FolderEntries::Entry& entry,
-                                      std::uint64_t index)
-    : set_(set), entry_(entry), index_(index) {
-    if (entry.place.run == PathArena::kNone) return;
-    run_ = set.arena().runAt(entry.place.run);
-    if (isInRun())
-        offset_ =
-            set.arena().nameOffset(run_, static_cast<std::uint32_t>(entry.place.skip + index));
-}
-
-/// False past the files that the folder has.
-bool HuffmanPathTree::FileNames::isThere() const {
-    return isInRun() || set_.findFile(entry_, index_).has_value();
-}
-
-HuffmanPathTree::FileName HuffmanPathTree::FileNames::get() const {
-    if (isInRun()) return {run_.folder, set_.arena().nameAt(offset_)};
-    return set_.fileNameOf(entry_, index_);
-}
-
-void HuffmanPathTree::FileNames::advance() {
-    if (isInRun()) offset_ = set_.arena().nameAfter(offset_);
-    ++index_;
 }
 
 /// Makes the text that of other folders. What is the same at the front stays.

@@ -164,6 +164,7 @@ private:
         std::size_t longest = set_.maxFolderDepth;
         forEachPlace([&](const FolderEntries::Place& place, std::uint64_t fileCount) {
             const PathArena::Id folder = set_.folderOfEntry(place);
+            if (folder >= depths.size()) throw InvalidImageException();
             longest = std::max<std::size_t>(longest, depths[folder] + (place.existed ? 1U : 0U));
             if (!isMisread_ && fileCount > 0)
                 isMisread_ =

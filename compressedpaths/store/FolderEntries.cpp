@@ -115,7 +115,8 @@ FolderEntries::Cursor FolderEntries::startOf(std::size_t block) const {
 void FolderEntries::read(Cursor& cursor) const {
     if (cursor.offset >= bytes_.size()) throw InvalidImageException();
     const std::uint8_t* in = bytes_.data() + cursor.offset;
-    const auto readNumber = [&](std::uint64_t largest) {
+    const auto readNumber = [&](std::uint64_t largest) -> std::uint64_t {
+        if (in != bytes_.end() && *in < 0x80) return *in++;
         std::uint64_t number = 0;
         in = readVarint(in, bytes_.end(), number);
         if (in == nullptr || number > largest) throw InvalidImageException();
@@ -147,11 +148,15 @@ FolderEntries::Cursor FolderEntries::at(std::size_t number) const {
 
 std::optional<FolderEntries::Cursor> FolderEntries::holding(std::uint64_t pathNumber) const {
     if (pathNumber == 0 || pathNumber > pathCount_) return std::nullopt;
-    const Block* const after = std::partition_point(
-        blocks_.data(), blocks_.end(),
-        [pathNumber](const Block& block) { return block.pathsBefore < pathNumber; });
-    if (after == blocks_.data()) throw InvalidImageException();
-    Cursor cursor = startOf(static_cast<std::size_t>(after - blocks_.data() - 1));
+    // The last block that begins before the number. No branch depends on what is compared: half of
+    // them would be guessed wrong.
+    const Block* block = blocks_.data();
+    for (std::size_t left = blocks_.size(); left > 1;) {
+        const std::size_t half = left / 2;
+        block += block[half].pathsBefore < pathNumber ? half : 0;
+        left -= half;
+    }
+    Cursor cursor = startOf(static_cast<std::size_t>(block - blocks_.data()));
     while (cursor.pathsUpTo() < pathNumber) {
         if (cursor.number + 1 == size_) throw InvalidImageException();
         advance(cursor);

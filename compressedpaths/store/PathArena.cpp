@@ -106,7 +106,9 @@ std::uint32_t PathArena::nameOffset(const Run& run, std::uint32_t index) const {
 
 NameView PathArena::nameOf(const Place& place) const {
     if ((place.link & kFolderLink) != 0) return nameOf(place.link & ~kFolderLink);
-    return nameAt(nameOffset(runAt(place.link), place.index));
+    const Run run = runAt(place.link);
+    if (place.index >= run.count) refuse();
+    return nameAt(nameOffset(run, place.index));
 }
 
 PathArena::Id PathArena::folderOf(const Place& place) const {
@@ -173,7 +175,7 @@ PathArena::Id PathArena::folderAt(const Place& place) const {
 
 PathArena::Id PathArena::formerFileAt(Id parent, std::uint32_t position) const {
     return arrays_.formerFiles.find(hashOf(parent, position, seed_), [&](Id id) {
-        return parentOf(id) == parent && positionOf(id) == position;
+        return parentOf(id) == parent && positionOf(id) == position && folder(id).next == kNone;
     });
 }
 
@@ -346,6 +348,7 @@ PathArena::Place PathArena::findFile(Id parent, std::span<const std::uint8_t> st
     for (Link link = nextOf(last);; link = itemAfter(link)) {
         if ((link & kFolderLink) == 0) {
             const Run run = runAt(link);
+            if (run.folder != parent) refuse();
             std::uint32_t name = run.names;
             for (std::uint32_t index = 0; index < run.count; ++index, name = nameAfter(name))
                 if (hasName(name, storedName)) return {link, index};
@@ -394,6 +397,7 @@ void PathArena::takeInChildren(Id parent, WideFolder& wide) {
     while (true) {
         if ((wide.seen & kFolderLink) == 0) {
             const Run run = runAt(wide.seen);
+            if (run.folder != parent) refuse();
             std::uint32_t offset = nameOffset(run, std::min(wide.seenInRun, run.count - 1));
             if (wide.seenInRun == run.count) offset = nameAfter(offset);
             for (; wide.seenInRun < run.count; ++wide.seenInRun, offset = nameAfter(offset)) {
@@ -540,6 +544,7 @@ void PathArena::Transaction::undo(const Change& change) noexcept {
             break;
         }
         case Change::Kind::kRunCount:
+        case Change::Kind::kRunFlags:
             arrays.names.at(change.of) = static_cast<std::uint8_t>(change.before);
             break;
         case Change::Kind::kFormerFile: {
@@ -575,7 +580,10 @@ PathArena::Transaction::Found PathArena::Transaction::find(
     // In a trie that was loaded, a file of the same name may stand before the folder: the first
     // equal child is the one.
     const Place file = arena_.findFile(parent, storedName);
-    if (file.link != kNone && arena_.positionOf(file) < arena_.positionOf(id)) return {kNone, file};
+    if (file.link != kNone && arena_.positionOf(file) < arena_.positionOf(id)) {
+        const Id former = arena_.folderAt(file);
+        return former != kNone ? Found{former, {kNone, 0}} : Found{kNone, file};
+    }
     arena_.isTwinChecked_[id] = true;
     return {id, {kNone, 0}};
 }
@@ -606,7 +614,7 @@ PathArena::Id PathArena::Transaction::makeFolder(Id parent,
 }
 
 PathArena::Id PathArena::Transaction::makeFolderOf(const Place& file) {
-    if (changes_.size() == changes_.capacity()) changes_.reserve(2 * changes_.size() + 1);
+    if (changes_.size() + 2 > changes_.capacity()) changes_.reserve(2 * changes_.size() + 2);
     const auto hash = [this](Id other) { return arena_.hashOfFormerFile(other); };
     arena_.arrays_.formerFiles.reserveForOne(hash);
     const Run run = arena_.runAt(file.link);
@@ -616,6 +624,7 @@ PathArena::Id PathArena::Transaction::makeFolderOf(const Place& file) {
 
     const Id id = addFolder(run.folder, run.first + file.index, name);
     arena_.arrays_.formerFiles.insert(hash(id), id);
+    changes_.push_back({Change::Kind::kRunFlags, run.countAt, arena_.arrays_.names[run.countAt]});
     arena_.arrays_.names.at(run.countAt) |= kHasFormerFiles;
     const std::uint64_t nameHash = arena_.hashOfName(run.folder, name);
     const Id twin = arena_.folders_.find(nameHash, [&](Id other) {

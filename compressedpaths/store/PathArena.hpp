@@ -208,7 +208,7 @@ public:
     private:
         /// What to undo: a folder's link to its last item, the files of a run, a former file.
         struct Change {
-            enum class Kind : std::uint8_t { kLastItem, kRunCount, kFormerFile } kind;
+            enum class Kind : std::uint8_t { kLastItem, kRunCount, kRunFlags, kFormerFile } kind;
             std::uint32_t of;
             std::uint32_t before;
         };
