@@ -145,25 +145,25 @@ void HuffmanPathTree::forEachText(
     std::optional<FolderEntries::Cursor> entry = entryHolding(first);
     if (!entry) return;
 
-    std::string text;
-    Id folder = PathArena::kNone;
+    FolderText folder;
+    std::vector<Id> chain;
+    Id current = PathArena::kNone;
     std::size_t folderSize = 0;
     const auto setFolder = [&](Id next) {
-        if (next == folder) return;
-        text.clear();
-        appendFolder(arena(), codeTables_, Chain(arena(), next), separator, text);
-        folder = next;
-        folderSize = text.size();
+        arena().chainTo(next, chain);
+        setFolders(folder, chain, separator);
+        folderSize = folder.text.size();
+        current = next;
     };
     for (std::size_t number = first;;) {
         const std::size_t end = std::min<std::uint64_t>(last, entry->pathsUpTo()) + 1;
         FileNames files(*this, entry->entry, number - entry->pathsBefore - 1);
         for (; number < end; ++number) {
             const FileName file = files.next();
-            setFolder(file.folder);
-            text.resize(folderSize);
-            codeTables_.appendText(file.name, text);
-            visit(number, text);
+            if (file.folder != current) setFolder(file.folder);
+            folder.text.resize(folderSize);
+            codeTables_.appendText(file.name, folder.text);
+            visit(number, folder.text);
         }
         if (number > last || entry->number + 1 == entries_.size()) break;
         entries_.advance(*entry);

@@ -26,7 +26,7 @@ void BPathTree::reset() {
 
 bool BPathTree::hasNextPath() {
     dropFinishedFrames();
-    return !frames_.empty() && arena_->childCount(PathArena::kRoot) > 0;
+    return !frames_.empty() && arena_->hasChildren(PathArena::kRoot);
 }
 
 void BPathTree::dropFinishedFrames() noexcept {
@@ -64,8 +64,10 @@ void BPathTree::visitNextPath(const PathVisitor& visit) {
 void BPathTree::visitNext(const PathVisitor& visit) {
     while (true) {
         const PathArena::Cursor child = frames_.back().next;
-        const bool isLast = isLastOfParent({child.folder, child.position});
-        if (--frames_.back().left > 0) arena_->advance(frames_.back().next);
+        // With more children to visit it cannot be the last one, which takes longer to find out.
+        const bool isMoreToVisit = --frames_.back().left > 0;
+        const bool isLast = !isMoreToVisit && isLastOfParent({child.folder, child.position});
+        if (isMoreToVisit) arena_->advance(frames_.back().next);
 
         const PathArena::Id folder = arena_->folderAt(child);
         const std::uint32_t count = folder == PathArena::kNone ? 0 : arena_->childCount(folder);

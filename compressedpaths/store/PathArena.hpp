@@ -112,6 +112,7 @@ public:
     // --- Reading.
 
     std::uint32_t childCount(Id folder) const;
+    bool hasChildren(Id id) const { return folder(id).last != kNone; }
     Id parentOf(Id folder) const;
     std::uint32_t positionOf(Id folder) const;  // not of the root
     NameView nameOf(Id folder) const;           // not of the root
