@@ -11,7 +11,9 @@ namespace compressedpaths::sixpacks {
 namespace {
 
 constexpr std::size_t kPieceSize = std::size_t{1} << 18;
+// A body grows in few steps: each copies what there is. It may be far smaller than what is stated.
 constexpr std::size_t kFirstSize = std::size_t{1} << 12;
+constexpr std::size_t kGrowth = 8;
 constexpr std::size_t kMaxInput = std::size_t{1} << 30;  // zlib counts in 32 bits
 
 }  // namespace
@@ -111,7 +113,7 @@ InflatedBlock inflateBlock(std::span<const std::uint8_t> block, std::uint64_t ma
             block = block.subspan(count);
         }
         if (size == bytes.size()) {
-            const std::uint64_t grown = bytes.size() + bytes.size() / 2 + kFirstSize;
+            const std::uint64_t grown = bytes.empty() ? kFirstSize : kGrowth * bytes.size();
             bytes.resize(static_cast<std::size_t>(std::min(grown, maxSize)));
         }
         const std::size_t room = std::min(bytes.size() - size, kMaxInput);
