@@ -104,9 +104,9 @@ public:
     }
 
 private:
-    // The width tags of all sections are those of the counters, which may lag behind the data: a
-    // copy that shares the trie adds names and children, a first-met folder does not count for the
-    // depth, coded components may come from elsewhere. So each is raised to what the data need.
+    // The width tags of all sections are those of the counters, which may be smaller than the data
+    // need: a copy that shares the trie adds names and children, a first-met folder does not count
+    // for the depth, coded components may come from elsewhere. So each is raised to that.
 
     void writeTrie() {
         Bytes structure;
