@@ -244,7 +244,7 @@ TEST(PathTexts, areReadByManyThreadsAtOnce) {
     HuffmanPathTree set;
     TextEntries entries = kEntries;
     TextEntry many{{u"many"}, {}};
-    for (int i = 0; i < 100; ++i) many.files.push_back(u"n" + std::u16string(i % 7, u'x'));
+    for (std::size_t i = 0; i < 100; ++i) many.files.push_back(u"n" + std::u16string(i % 7, u'x'));
     entries.push_back(many);
     buildSet(set, entries);
     const Numbered expected = textsBetween(set, 1, set.size());

@@ -70,7 +70,7 @@ TEST(StoredName, givesBackCodeBytesOfEveryLength) {
 }
 
 TEST(StoredName, givesBackAnyKey) {
-    for (const std::size_t size : {0, 1, 3, 127, 128, 300}) {
+    for (const std::size_t size : {0U, 1U, 3U, 127U, 128U, 300U}) {
         SCOPED_TRACE(size);
         expectRoundTrip(Bytes(size, 0xEE));
     }
