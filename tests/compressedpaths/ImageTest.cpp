@@ -58,6 +58,22 @@ TEST(Image, opensAsASetOfNothing) {
     }
 }
 
+// A saved form tells by totals alone where in the root the files of an entry without folder begin,
+// and paths that were added singly count among them.
+TEST(Image, holdsPlacesThatTotalsPutPastTheChildrenOfTheRoot) {
+    HuffmanPathTree set;
+    buildSet(set, {{{}, {u"a"}}});
+    for (const char16_t* name : {u"x", u"y", u"z"}) addSinglePath(set, {u"s", name});
+    addBatch(set, {{{}, {u"b"}}, {{}, {u"c"}}});
+    HuffmanPathTree loaded;
+    reload(set, loaded);
+
+    const ImageBytes image(loaded);
+    EXPECT_NO_THROW(HuffmanPathTree::verifyImage(image.span()));
+    const auto opened = image.open();
+    EXPECT_EQ(savedForm(*opened), savedForm(loaded));
+}
+
 TEST(Image, opensWithTheTablesThatManyPathsHave) {
     HuffmanPathTree set;
     buildManyPaths(set);
