@@ -49,11 +49,6 @@ private:
     std::vector<std::size_t> ends_;
 };
 
-/// The folder that a child is or becomes by more being added inside.
-PathArena::Id enter(PathArena::Transaction& adding, const PathArena::Transaction::Found& child) {
-    return child.folder != PathArena::kNone ? child.folder : adding.makeFolderOf(child.file);
-}
-
 }  // namespace
 
 // Pointer reversal (Schorr and Waite, 1967): on the way down, the slot that a child leaves in its
@@ -117,7 +112,7 @@ bool BPathTree::addPath(Path& components, std::vector<std::size_t>& existingIndi
                    ? PathArena::Place{PathArena::kFolderLink | child.folder, 0}
                    : child.file;
         found.push_back(arena_->positionOf(last));
-        if (level + 1 < components.size()) folder = enter(adding, child);
+        if (level + 1 < components.size()) folder = adding.enter(child);
     }
     const bool existed = level == components.size();
     for (std::size_t created = level; created + 1 < components.size(); ++created)
@@ -150,7 +145,7 @@ bool BPathTree::addPath(Path& folderComponents, std::vector<Bytes>& fileNames,
         if (foundCount == level) child = adding.find(folder, keys[level]);
         if (child.isThere()) {
             ++foundCount;
-            folder = enter(adding, child);
+            folder = adding.enter(child);
         } else {
             folder = adding.makeFolder(folder, keys[level]);
         }

@@ -55,11 +55,6 @@ struct StoredEntry {
     }
 };
 
-/// The folder that a child is or becomes by more being added inside.
-Id enter(Transaction& adding, const Transaction::Found& child) {
-    return child.folder != PathArena::kNone ? child.folder : adding.makeFolderOf(child.file);
-}
-
 void moveTo(std::vector<Path>& out, std::vector<Path>& paths) noexcept {
     out.insert(out.end(), std::make_move_iterator(paths.begin()),
                std::make_move_iterator(paths.end()));
@@ -149,7 +144,7 @@ std::size_t HuffmanPathTree::addEntry(Transaction& adding, std::vector<Id>& chai
         Transaction::Found child;
         if (foundCount == level) child = adding.find(parent, storedName);
         foundCount += child.isThere() ? 1 : 0;
-        chain.push_back(child.isThere() ? enter(adding, child)
+        chain.push_back(child.isThere() ? adding.enter(child)
                                         : adding.makeFolder(parent, storedName));
         name = end;
     }

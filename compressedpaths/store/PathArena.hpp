@@ -201,6 +201,10 @@ public:
         /// A folder in `parent` at the end of its children; one for a file that is there.
         Id makeFolder(Id parent, std::span<const std::uint8_t> storedName);
         Id makeFolderOf(const Place& file);
+        /// The folder that a child is, or becomes by something being added inside.
+        Id enter(const Found& child) {
+            return child.folder != kNone ? child.folder : makeFolderOf(child.file);
+        }
 
         /// Appends `count` files, at least one, whose stored names stand one after the other.
         Appended appendFiles(Id folder, std::span<const std::uint8_t> storedNames,
