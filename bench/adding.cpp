@@ -5,8 +5,8 @@
 #include <memory>
 #include <set>
 
-#include "bench/HeapUse.hpp"
 #include "bench/RealPaths.hpp"
+#include "tests/support/HeapMeter.hpp"
 
 namespace {
 
@@ -77,7 +77,7 @@ auto adding(Fill<Container> fill) {
     return [fill](benchmark::State& state, Order order) {
         prepare(order);
         {
-            bench::HeapUse use;
+            compressedpaths::HeapMeter use;
             Container container;
             fill(container, order);
             bench::countBytes(state, "heap_bytes_a_path", static_cast<double>(use.now()));

@@ -9,8 +9,8 @@
 #include <sstream>
 #include <streambuf>
 
-#include "bench/HeapUse.hpp"
 #include "bench/RealPaths.hpp"
+#include "tests/support/HeapMeter.hpp"
 
 namespace {
 
@@ -79,7 +79,7 @@ void openImage(benchmark::State& state, Order order) {
     const std::size_t number = (bench::pathCount() + 1) / 2;
     std::string text;
     file.map([&](std::span<const std::byte> bytes) {
-        const bench::HeapUse use;
+        const compressedpaths::HeapMeter use;
         const auto set = HuffmanPathTree::openImage(bytes);
         set->appendText(number, "/", text);
         state.counters["heap_bytes"] = static_cast<double>(use.now());

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "bench/HeapUse.hpp"
 #include "bench/RealPaths.hpp"
+#include "tests/support/HeapMeter.hpp"
 
 namespace {
 
@@ -41,7 +41,7 @@ Bytes deflatedText(Order order) {
 template <class Run>
 void measure(benchmark::State& state, Run run) {
     {
-        bench::HeapUse use;
+        compressedpaths::HeapMeter use;
         const auto result = run();
         bench::countBytes(state, "heap_bytes_a_path", static_cast<double>(use.now()));
         bench::countBytes(state, "peak_bytes_a_path", static_cast<double>(use.peak()));

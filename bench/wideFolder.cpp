@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "bench/HeapUse.hpp"
 #include "bench/RealPaths.hpp"
+#include "tests/support/HeapMeter.hpp"
 
 namespace {
 
@@ -50,7 +50,7 @@ template <class Container>
 void add(benchmark::State& state, void (*fill)(Container&)) {
     wideBatches();
     {
-        const bench::HeapUse use;
+        const compressedpaths::HeapMeter use;
         Container container;
         fill(container);
         const auto folders = static_cast<double>(kFolderCount);

@@ -217,20 +217,11 @@ PathArena::Place BPathTree::locate(const std::vector<std::size_t>& track, std::s
     return place;
 }
 
-/// Appends the keys of the folders on the way to a child, and its own.
-void BPathTree::appendKeys(const PathArena::Place& place, Path& keys) const {
-    std::vector<PathArena::Id> chain;
-    arena_->chainTo(arena_->folderOf(place), chain);
-    keys.reserve(keys.size() + chain.size() + 1);
-    for (const PathArena::Id folder : chain) keys.push_back(keyOf(arena_->nameOf(folder)));
-    keys.push_back(keyOf(arena_->nameOf(place)));
-}
-
 void BPathTree::traversePath(const std::vector<std::size_t>& track, Path& components) {
     if (arena_->childCount(PathArena::kRoot) == 0) throw NoTreeToTraverseException();
     if (track.empty()) throw EmptyPathForTraverseException();
     Path keys;
-    appendKeys(locate(track, track.size()), keys);
+    arena_->appendKeysOf(locate(track, track.size()), keys);
     components.insert(components.end(), std::make_move_iterator(keys.begin()),
                       std::make_move_iterator(keys.end()));
 }
@@ -280,9 +271,10 @@ void BPathTree::getFiles(const std::vector<std::size_t>& track,
     }
     if (folder == PathArena::kRoot) return;
     if (folder == PathArena::kNone)
-        appendKeys(locate(track, track.size() - 1), folderKeys);  // a file, met as a folder
+        arena_->appendKeysOf(locate(track, track.size() - 1),
+                             folderKeys);  // a file, met as a folder
     else
-        appendKeys(PathArena::Place{PathArena::kFolderLink | folder, 0}, folderKeys);
+        arena_->appendKeysTo(folder, folderKeys);
 }
 
 }  // namespace compressedpaths

@@ -168,7 +168,6 @@ private:
 
     PathArena::Place childAt(PathArena::Id folder, std::size_t position);
     PathArena::Place locate(const std::vector<std::size_t>& track, std::size_t levels);
-    void appendKeys(const PathArena::Place& place, Path& keys) const;
     void getFiles(const std::vector<std::size_t>& track,
                   const std::vector<std::size_t>& fileNumbers, Path& folderKeys,
                   std::vector<Bytes>& fileKeys);

@@ -62,11 +62,16 @@ void HuffmanPathTree::inflateHuffman(const std::u16string& characters) {
     inflated.generateCode();
 
     treeString.swap(inflated.treeString);
-    std::swap(rootIndex, inflated.rootIndex);
-    nodes.swap(inflated.nodes);
-    codes.swap(inflated.codes);
-    parents.swap(inflated.parents);
+    takeCodingTree(inflated);
     codeTables_ = std::move(inflated.codeTables_);
+}
+
+/// Takes nodes and codes over from a set that has made them.
+void HuffmanPathTree::takeCodingTree(HuffmanPathTree& made) const noexcept {
+    std::swap(rootIndex, made.rootIndex);
+    nodes.swap(made.nodes);
+    codes.swap(made.codes);
+    parents.swap(made.parents);
 }
 
 /// Makes the coding tree of a set whose tables came without it.
@@ -76,11 +81,7 @@ void HuffmanPathTree::ensureCodingTree() const {
         HuffmanPathTree inflated;
         inflated.boolTree = boolTree;
         inflated.inflateHuffman(treeString);
-
-        std::swap(rootIndex, inflated.rootIndex);
-        nodes.swap(inflated.nodes);
-        codes.swap(inflated.codes);
-        parents.swap(inflated.parents);
+        takeCodingTree(inflated);
     });
 }
 

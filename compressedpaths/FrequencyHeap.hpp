@@ -3,7 +3,7 @@
 // out. Equal elements come out in an order that only these steps decide, and that order decides
 // code words and with them saved bytes: the standard library's heap takes other steps.
 //
-//     FrequencyHeap<double, std::greater<>> heap;  // `Behind`: whether the first comes after
+//     FrequencyHeap<double, std::greater<>> heap;  // `After`: whether the first comes after
 //     heap.push(2); heap.push(1);
 //     heap.pop();  // 1
 //
@@ -15,7 +15,7 @@
 
 namespace compressedpaths {
 
-template <class Element, class Behind>
+template <class Element, class After>
 class FrequencyHeap {
 public:
     std::size_t size() const noexcept { return elements_.size(); }
@@ -44,12 +44,12 @@ public:
     }
 
 private:
-    /// Moves the element at `position` up as long as its parent is behind it; equals stay.
+    /// Moves the element at `position` up as long as its parent comes after it; equals stay.
     void siftUp(std::size_t position) {
         const Element element = elements_[position];
         while (position > 0) {
             const std::size_t parent = (position - 1) / 2;
-            if (!behind_(elements_[parent], element)) break;
+            if (!after_(elements_[parent], element)) break;
             elements_[position] = elements_[parent];
             position = parent;
         }
@@ -61,7 +61,7 @@ private:
     std::size_t sinkHole() {
         std::size_t hole = 0;
         for (std::size_t child = 1; child < elements_.size(); child = 2 * hole + 1) {
-            if (child + 1 < elements_.size() && behind_(elements_[child], elements_[child + 1]))
+            if (child + 1 < elements_.size() && after_(elements_[child], elements_[child + 1]))
                 ++child;
             elements_[hole] = elements_[child];
             hole = child;
@@ -70,7 +70,7 @@ private:
     }
 
     std::vector<Element> elements_;
-    [[no_unique_address]] Behind behind_;
+    [[no_unique_address]] After after_;
 };
 
 }  // namespace compressedpaths

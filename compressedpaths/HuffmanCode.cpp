@@ -45,10 +45,7 @@ void HuffmanPathTree::deflateHuffman(const double* characterFrequencies,
     boolTree.swap(built.boolTree);
     treeString.swap(built.treeString);
     frequencies.swap(built.frequencies);
-    std::swap(rootIndex, built.rootIndex);
-    nodes.swap(built.nodes);
-    codes.swap(built.codes);
-    parents.swap(built.parents);
+    takeCodingTree(built);
     codeTables_ = std::move(built.codeTables_);
 }
 

@@ -118,7 +118,7 @@ public:
     void setTreeString(const std::u16string& characters);
     std::vector<bool> getBoolTree() const;             // the shape in pre-order: true is a leaf
     std::vector<double> getFrequencies() const;        // of the leaves in pre-order
-    void setFrequencies(std::vector<double>& values);  // takes the values over, leaves none behind
+    void setFrequencies(std::vector<double>& values);  // takes the values, which are empty then
 
     /// Rebuilds the coding tree from shape and tree string; decoding works then, coding does not.
     /// An empty shape gives no tree. Throws IncompleteCodingTreeException and
@@ -306,6 +306,7 @@ private:
     void generateCode();
     void addCode(const HNode& leaf);
     void ensureCodingTree() const;
+    void takeCodingTree(HuffmanPathTree& made) const noexcept;
     void buildCodeTables();
     void verifyCode() const;
     void verifyIndex() const;
@@ -332,8 +333,6 @@ private:
     std::uint64_t firstChildOf(const FolderEntries::Place& place) const;
     std::vector<std::size_t> trackTo(PathArena::Id folder) const;
     std::vector<std::size_t> trackOfEntry(const FolderEntries::Place& place) const;
-    void appendKeys(const PathArena::Place& place, Path& keys) const;
-    void appendKeysTo(PathArena::Id folder, Path& keys) const;
     Path pathOfTrack(std::size_t number) const;
     template <class Visit>
     void forEachEntry(Visit visit) const;

@@ -346,19 +346,6 @@ std::optional<FolderEntries::Cursor> HuffmanPathTree::entryHolding(std::size_t n
     return std::nullopt;  // a path that was added on its own
 }
 
-void HuffmanPathTree::appendKeys(const PathArena::Place& place, Path& keys) const {
-    appendKeysTo(arena().folderOf(place), keys);
-    keys.push_back(keyOf(arena().nameOf(place)));
-}
-
-/// Appends the keys of a folder's components.
-void HuffmanPathTree::appendKeysTo(Id folder, Path& keys) const {
-    std::vector<Id> chain;
-    arena().chainTo(folder, chain);
-    keys.reserve(keys.size() + chain.size() + 1);
-    for (const Id id : chain) keys.push_back(keyOf(arena().nameOf(id)));
-}
-
 /// What a track leads to in a set that has tracks but no totals.
 Path HuffmanPathTree::pathOfTrack(std::size_t number) const {
     if (number > entries_.unpairedPlaces().size()) throw InvalidPathNumberException();
@@ -367,7 +354,7 @@ Path HuffmanPathTree::pathOfTrack(std::size_t number) const {
     if (arena().childCount(PathArena::kRoot) == 0) throw NoTreeToTraverseException();
     if (folder == PathArena::kRoot && !place.existed) throw EmptyPathForTraverseException();
     Path keys;
-    appendKeysTo(folder, keys);
+    arena().appendKeysTo(folder, keys);
     if (!place.existed) return keys;
     const auto child = arena().childAt(folder, firstChildOf(place));
     if (!child) throw InvalidTrackException();
@@ -392,7 +379,7 @@ void HuffmanPathTree::getPath(std::vector<Path>& foldersOut, std::vector<Path>& 
             if (!isSameEntry) entry = entryHolding(number);
             if (!entry) continue;
             if (!isSameEntry || number < previous) {
-                appendKeysTo(folderOfEntry(entry->entry.place), folders.emplace_back());
+                arena().appendKeysTo(folderOfEntry(entry->entry.place), folders.emplace_back());
                 files.emplace_back();
             }
             const PathArena::Place file = fileOf(entry->entry, number - entry->pathsBefore - 1);
@@ -428,7 +415,7 @@ void HuffmanPathTree::getNextPathFromBTree(Path& out) {
     stepWalk([&](const RepeatedPath* repeated) {
         if (repeated == nullptr) return pathTree->getNextPath(out);
         Path keys;
-        appendKeys(repeated->place, keys);
+        arena().appendKeysOf(repeated->place, keys);
         out.reserve(out.size() + keys.size());
         out.insert(out.end(), std::make_move_iterator(keys.begin()),
                    std::make_move_iterator(keys.end()));

@@ -184,6 +184,19 @@ void PathArena::chainTo(Id id, std::vector<Id>& chain) const {
     std::reverse(chain.begin(), chain.end());
 }
 
+void PathArena::appendKeysTo(Id folder, std::vector<std::vector<std::uint8_t>>& keys) const {
+    std::vector<Id> chain;
+    chainTo(folder, chain);
+    keys.reserve(keys.size() + chain.size() + 1);
+    for (const Id id : chain) keys.push_back(keyOf(nameOf(id)));
+}
+
+void PathArena::appendKeysOf(const Place& child,
+                             std::vector<std::vector<std::uint8_t>>& keys) const {
+    appendKeysTo(folderOf(child), keys);
+    keys.push_back(keyOf(nameOf(child)));
+}
+
 // --- The order of all folders by parent and name.
 
 std::span<const std::uint8_t> PathArena::storedNameAt(std::uint32_t offset) const {

@@ -159,6 +159,10 @@ public:
     /// The ids of the folders from the first level down to `folder`, which is the last; none for
     /// the root. Replaces `chain`. O(depth).
     void chainTo(Id folder, std::vector<Id>& chain) const;
+    /// Appends the keys of these folders, or those of the folders above a child and its own.
+    /// O(depth).
+    void appendKeysTo(Id folder, std::vector<std::vector<std::uint8_t>>& keys) const;
+    void appendKeysOf(const Place& child, std::vector<std::vector<std::uint8_t>>& keys) const;
 
     /// The first child folder with this stored name, or kNone. Builds an order of all folders when
     /// it is first called after adding. O(log folders).

@@ -5,6 +5,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 
@@ -19,22 +20,34 @@ void __libc_free(void* block);
 
 namespace {
 
-std::atomic<std::size_t> live{0};
-std::atomic<std::size_t> highest{0};
+constexpr std::memory_order kRelaxed = std::memory_order_relaxed;
 
-void raise(std::size_t size) noexcept {
-    const std::size_t now = live.fetch_add(size) + size;
-    for (std::size_t seen = highest; now > seen && !highest.compare_exchange_weak(seen, now);) {
+std::atomic<bool> isCounting{false};
+std::atomic<std::ptrdiff_t> live{0};
+std::atomic<std::ptrdiff_t> highest{0};
+
+/// Bytes that the allocator takes for a block.
+std::ptrdiff_t sizeOf(void* block) noexcept {
+    return block == nullptr
+               ? 0
+               : static_cast<std::ptrdiff_t>(malloc_usable_size(block) + sizeof(std::size_t));
+}
+
+/// True if a block has pages of its own. glibc keeps that in the second bit of the word before it.
+bool hasOwnPages(void* block) noexcept {
+    return (static_cast<const std::size_t*>(block)[-1] & 2) != 0;
+}
+
+void add(std::ptrdiff_t size) noexcept {
+    const std::ptrdiff_t now = live.fetch_add(size, kRelaxed) + size;
+    std::ptrdiff_t seen = highest.load(kRelaxed);
+    while (now > seen && !highest.compare_exchange_weak(seen, now, kRelaxed)) {
     }
 }
 
 void* counted(void* block) noexcept {
-    raise(malloc_usable_size(block));
+    if (isCounting.load(kRelaxed)) add(sizeOf(block));
     return block;
-}
-
-void uncount(void* block) noexcept {
-    live -= malloc_usable_size(block);
 }
 
 }  // namespace
@@ -50,11 +63,16 @@ void* calloc(std::size_t count, std::size_t size) noexcept {
 }
 
 void* realloc(void* block, std::size_t size) noexcept {
-    const std::size_t before = malloc_usable_size(block);
+    if (!isCounting.load(kRelaxed)) return __libc_realloc(block, size);
+    const std::ptrdiff_t before = sizeOf(block);
+    const bool isRemapped = block != nullptr && hasOwnPages(block);
     void* const grown = __libc_realloc(block, size);
     if (grown == nullptr && size > 0) return nullptr;
-    live -= before;
-    return counted(grown);
+    const bool isCopied = grown != block && !(isRemapped && grown != nullptr && hasOwnPages(grown));
+    if (!isCopied) live.fetch_sub(before, kRelaxed);
+    add(sizeOf(grown));
+    if (isCopied) live.fetch_sub(before, kRelaxed);
+    return grown;
 }
 
 void* memalign(std::size_t alignment, std::size_t size) noexcept {
@@ -70,41 +88,52 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexce
     return *block == nullptr ? ENOMEM : 0;
 }
 
-void free(void* block) noexcept {
-    uncount(block);
-    __libc_free(block);
-}
-
 // Large arrays of the core have pages of their own.
 
 void* mmap(void* at, std::size_t size, int protection, int flags, int file, off_t offset) noexcept {
     const long pages = syscall(SYS_mmap, at, size, protection, flags, file, offset);
-    if (pages != -1) raise(size);
+    if (pages != -1 && isCounting.load(kRelaxed)) add(static_cast<std::ptrdiff_t>(size));
     return reinterpret_cast<void*>(pages);
 }
 
 void* mremap(void* block, std::size_t oldSize, std::size_t size, int flags, ...) noexcept {
     const long pages = syscall(SYS_mremap, block, oldSize, size, flags);
-    if (pages == -1) return MAP_FAILED;
-    live -= oldSize;
-    raise(size);
+    if (pages != -1 && isCounting.load(kRelaxed)) {
+        live.fetch_sub(static_cast<std::ptrdiff_t>(oldSize), kRelaxed);
+        add(static_cast<std::ptrdiff_t>(size));
+    }
     return reinterpret_cast<void*>(pages);
 }
 
 int munmap(void* block, std::size_t size) noexcept {
-    live -= size;
+    if (isCounting.load(kRelaxed)) live.fetch_sub(static_cast<std::ptrdiff_t>(size), kRelaxed);
     return static_cast<int>(syscall(SYS_munmap, block, size));
+}
+
+void free(void* block) noexcept {
+    if (isCounting.load(kRelaxed)) live.fetch_sub(sizeOf(block), kRelaxed);
+    __libc_free(block);
 }
 }
 
 namespace compressedpaths {
 
-HeapMeter::HeapMeter() noexcept : before_(live) {
-    highest = before_;
+HeapMeter::HeapMeter() noexcept {
+    live = 0;
+    highest = 0;
+    isCounting = true;
+}
+
+HeapMeter::~HeapMeter() {
+    isCounting = false;
+}
+
+std::size_t HeapMeter::now() const noexcept {
+    return static_cast<std::size_t>(std::max<std::ptrdiff_t>(live, 0));
 }
 
 std::size_t HeapMeter::peak() const noexcept {
-    return highest - before_;
+    return static_cast<std::size_t>(highest);
 }
 
 }  // namespace compressedpaths

@@ -64,6 +64,19 @@ TEST(IdTable, findsTheFirstThatIsEqualInTheOrderOfProbing) {
     EXPECT_EQ(tables.table().find(5, [](std::uint32_t id) { return id > 2; }), IdTable::kNone);
 }
 
+TEST(IdTable, passesNumbersOfAnotherHashWithoutALookAtThem) {
+    TwoTables tables;
+    const std::uint64_t sameSlot = std::uint64_t{1} << 60 | 5;
+    tables.insert(1, 5);
+    tables.insert(2, sameSlot);
+    std::vector<std::uint32_t> looked;
+    tables.table().find(sameSlot, [&](std::uint32_t id) {
+        looked.push_back(id);
+        return false;
+    });
+    EXPECT_EQ(looked, std::vector<std::uint32_t>{2});
+}
+
 TEST(IdTable, findsAllThatItHeldBeforeItGrew) {
     TwoTables tables;
     for (std::uint32_t id = 0; id < 1000; ++id) tables.insert(id, id * 0x9E3779B97F4A7C15);
