@@ -1,19 +1,23 @@
 #pragma once
 // IdTable finds numbers by the hash of what they stand for: open addressing with linear probing in
-// a flat array. The table knows neither keys nor hashes; who asks says both. Beside each number
-// stands a tag, seven bits of its hash, so that a number met on the way to another is passed
-// without a look at what it stands for, which is a miss of the cache:
-//
-//     slots     7  -  9  4  -          five bytes a slot, at most three quarters of them taken
-//     tags     a1  0 c3 88  0          0 where no number stands
+// a flat array, four bytes a slot. The table knows neither keys nor hashes; who asks says both.
 //
 //     IdTable table;
-//     table.reserveForOne(hashOfId);                   // the one step that can throw
+//     table.reserveForOne(7, hashOfId);                // the one step that can throw
 //     table.insert(hashOfId(7), 7);
 //     table.find(hash, [&](std::uint32_t id) { return nameOf(id) == name; });
 //
+// The bits of a slot that its number does not need can hold bits of its hash, a tag, so that a
+// number met on the way to another is passed without a look at what it stands for, which is a miss
+// of the cache. With numbers below 2^20:
+//
+//     bit 31     20 19              0
+//       [ tag      ][ number         ]     all ones: an empty slot
+//
 // Threads: as a std::vector.
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -25,13 +29,16 @@ class IdTable {
 public:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-    IdTable() = default;
+    enum class Tags { kNone, kInSlots };
 
-    /// A table on slots from outside, a power of two of them, or none. It has no tags, and is only
-    /// looked into.
+    /// Slots without tags are the numbers themselves.
+    explicit IdTable(Tags tags = Tags::kNone) noexcept : idMask_(tags == Tags::kNone ? kNone : 0) {}
+
+    /// A table without tags, on slots from outside: a power of two of them, or none.
     IdTable(FlatArray<std::uint32_t> slots, std::size_t count) noexcept
         : slots_(std::move(slots)), count_(count) {}
 
+    /// The slots of a table without tags.
     const FlatArray<std::uint32_t>& slots() const noexcept { return slots_; }
     std::size_t count() const noexcept { return count_; }
 
@@ -40,44 +47,49 @@ public:
     template <class IsEqual>
     std::uint32_t find(std::uint64_t hash, IsEqual isEqual) const {
         if (slots_.isEmpty()) return kNone;
-        const bool hasTags = !tags_.isEmpty();
+        const std::uint32_t tag = tagOf(hash);
         std::size_t slot = hash & mask();
         for (std::size_t left = slots_.size(); left > 0; --left, slot = (slot + 1) & mask()) {
-            if (hasTags && tags_[slot] != tagOf(hash)) {
-                if (tags_[slot] == kNoTag) return kNone;
-                continue;
-            }
-            const std::uint32_t id = slots_[slot];
-            if (id == kNone || isEqual(id)) return id;
+            const std::uint32_t word = slots_[slot];
+            if (word == kNone) return kNone;
+            if ((word & ~idMask_) == tag && isEqual(word & idMask_)) return word & idMask_;
         }
         return kNone;
     }
 
-    /// Makes room for one number more. `hashOf(id)` is the hash of a number in the table. Throws
-    /// only std::bad_alloc; nothing has changed then. Amortised O(1).
+    /// Makes room for one number, `newId`. `hashOf(id)` is the hash of a number in the table.
+    /// Throws only std::bad_alloc; nothing has changed then. Amortised O(1).
     template <class HashOf>
-    void reserveForOne(HashOf hashOf) {
-        if ((count_ + 1) * 4 <= tags_.size() * 3) return;
+    void reserveForOne(std::uint32_t newId, HashOf hashOf) {
+        slots_.own();
+        const bool isFull = (count_ + 1) * 4 > slots_.size() * 3;
+        if (!isFull && newId < idMask_) return;
         IdTable larger;
-        const std::size_t size = slots_.isEmpty() ? 16 : slots_.size() * 2;
+        const std::size_t size =
+            isFull ? std::max<std::size_t>(16, 2 * slots_.size()) : slots_.size();
+        if (idMask_ != kNone) {
+            const std::uint64_t ids =
+                std::max<std::uint64_t>({size, newId + std::uint64_t{2}, idMask_});
+            larger.idMask_ = static_cast<std::uint32_t>(std::bit_ceil(ids) - 1);
+        }
         larger.slots_.assign(size, kNone);
-        larger.tags_.assign(size, kNoTag);
-        for (const std::uint32_t id : slots_.values())
-            if (id != kNone) larger.insert(hashOf(id), id);
+        for (const std::uint32_t word : slots_.values())
+            if (word != kNone) larger.insert(hashOf(word & idMask_), word & idMask_);
         *this = std::move(larger);
     }
 
     /// Adds a number that is not there. Requires room.
     void insert(std::uint64_t hash, std::uint32_t id) noexcept {
         std::size_t slot = hash & mask();
-        while (tags_[slot] != kNoTag) slot = (slot + 1) & mask();
-        put(slot, id, tagOf(hash));
+        while (slots_[slot] != kNone) slot = (slot + 1) & mask();
+        slots_.at(slot) = tagOf(hash) | id;
         ++count_;
     }
 
-    /// Puts another number of the same hash in the place of one that is there.
+    /// Puts another number of the same hash, for which there is room, in the place of one that is
+    /// there.
     void replace(std::uint64_t hash, std::uint32_t id, std::uint32_t newId) noexcept {
-        slots_.at(slotOf(hash, id)) = newId;
+        slots_.at(slotOf(hash, id)) = tagOf(hash) | newId;
     }
 
     /// Removes a number that is there. Those that it had pushed on move up, so that each is still
@@ -85,41 +97,34 @@ public:
     template <class HashOf>
     void erase(std::uint32_t id, HashOf hashOf) noexcept {
         std::size_t hole = slotOf(hashOf(id), id);
-        for (std::size_t slot = (hole + 1) & mask(); tags_[slot] != kNoTag;
+        for (std::size_t slot = (hole + 1) & mask(); slots_[slot] != kNone;
              slot = (slot + 1) & mask()) {
-            const std::size_t wanted = hashOf(slots_[slot]) & mask();
+            const std::size_t wanted = hashOf(slots_[slot] & idMask_) & mask();
             if (((slot - wanted) & mask()) < ((slot - hole) & mask())) continue;
-            put(hole, slots_[slot], tags_[slot]);
+            slots_.at(hole) = slots_[slot];
             hole = slot;
         }
-        put(hole, kNone, kNoTag);
+        slots_.at(hole) = kNone;
         --count_;
     }
 
 private:
-    static constexpr std::uint8_t kNoTag = 0;
-
-    /// Of the upper bits, since the lower ones choose the slot.
-    static std::uint8_t tagOf(std::uint64_t hash) noexcept {
-        return static_cast<std::uint8_t>(hash >> 57 | 0x80);
-    }
-
     std::size_t mask() const noexcept { return slots_.size() - 1; }
 
-    void put(std::size_t slot, std::uint32_t id, std::uint8_t tag) noexcept {
-        slots_.at(slot) = id;
-        tags_.at(slot) = tag;
+    /// Of the upper half of the hash, since the lower one chooses the slot.
+    std::uint32_t tagOf(std::uint64_t hash) const noexcept {
+        return static_cast<std::uint32_t>(hash >> 32) & ~idMask_;
     }
 
     std::size_t slotOf(std::uint64_t hash, std::uint32_t id) const noexcept {
         std::size_t slot = hash & mask();
-        while (slots_[slot] != id) slot = (slot + 1) & mask();
+        while (slots_[slot] != (tagOf(hash) | id)) slot = (slot + 1) & mask();
         return slot;
     }
 
-    FlatArray<std::uint32_t> slots_;  // a power of two
-    FlatArray<std::uint8_t> tags_;    // one a slot; none where the slots came from outside
+    FlatArray<std::uint32_t> slots_;  // a power of two, at most three quarters of them taken
     std::size_t count_ = 0;
+    std::uint32_t idMask_ = kNone;  // the bits of a number, which is below it; all without tags
 };
 
 }  // namespace compressedpaths

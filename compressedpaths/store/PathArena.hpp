@@ -242,10 +242,10 @@ private:
 
     /// The files of a folder with many children, by the hash of their names, and its runs.
     struct WideFolder {
-        Link seen = kNone;            // the item taken in last
-        std::uint32_t seenInRun = 0;  // files of it that have been taken in
-        FlatArray<Link> runs;         // ascending
-        IdTable names;                // offsets; of equal names the first
+        Link seen = kNone;                       // the item taken in last
+        std::uint32_t seenInRun = 0;             // files of it that have been taken in
+        FlatArray<Link> runs;                    // ascending
+        IdTable names{IdTable::Tags::kInSlots};  // offsets; of equal names the first
     };
     static constexpr std::uint32_t kWideFolder = 64;  // children; with fewer a scan is as fast
 
@@ -286,7 +286,7 @@ private:
     std::size_t maxFolders_ = kFolderLink - 1;
 
     // For adding only.
-    IdTable folders_;  // all folders but the root, by parent and name
+    IdTable folders_{IdTable::Tags::kInSlots};  // all folders but the root, by parent and name
     bool hasFolderTable_ = false;
     Id loadedFolders_ = 1;             // those below may have a file of the same name before them
     std::vector<bool> isTwinChecked_;  // by id; true if it is known which comes first

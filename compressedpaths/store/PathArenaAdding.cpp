@@ -65,10 +65,10 @@ void PathArena::prepareForAdding() {
     const auto formerHash = [this](Id id) { return hashOfFormerFile(id); };
     for (const Id id : arrays_.formerFiles.slots().values()) {
         if (id == IdTable::kNone) continue;
-        formerFiles.reserveForOne(formerHash);
+        formerFiles.reserveForOne(id, formerHash);
         formerFiles.insert(formerHash(id), id);
     }
-    IdTable table;
+    IdTable table(IdTable::Tags::kInSlots);
     std::vector<bool> isTwinChecked(loadedFolders_, false);
     const auto hash = [this](Id id) { return hashOfFolder(id); };
     for (Id id = 1; id < folderCount(); ++id) {
@@ -79,7 +79,7 @@ void PathArena::prepareForAdding() {
                    hasName(storedNameOffset(other), name);
         });
         if (first != IdTable::kNone) continue;  // of equal names, the first child is found
-        table.reserveForOne(hash);
+        table.reserveForOne(id, hash);
         table.insert(hash(id), id);
     }
     arrays_.formerFiles = std::move(formerFiles);
@@ -152,7 +152,7 @@ void PathArena::takeInChildren(Id parent, WideFolder& wide) {
             if (wide.seenInRun == run.count) offset = nameAfter(offset);
             for (; wide.seenInRun < run.count; ++wide.seenInRun, offset = nameAfter(offset)) {
                 const std::span<const std::uint8_t> name = storedNameAt(offset);
-                wide.names.reserveForOne(hash);
+                wide.names.reserveForOne(offset, hash);
                 const bool isThere = wide.names.find(hash(offset), [&](std::uint32_t other) {
                     return hasName(other, name);
                 }) != IdTable::kNone;
@@ -217,7 +217,7 @@ void PathArena::finishRun(Link link) {
 /// Enters a folder record as that of a file of a run.
 void PathArena::makeFormerFile(Id id, Link run) {
     const auto hash = [this](Id other) { return hashOfFormerFile(other); };
-    arrays_.formerFiles.reserveForOne(hash);
+    arrays_.formerFiles.reserveForOne(id, hash);
     arrays_.formerFiles.insert(hash(id), id);
     arrays_.names.at(runAt(run).countAt) |= kHasFormerFiles;
 }
@@ -342,8 +342,8 @@ PathArena::Transaction::Found PathArena::Transaction::find(
 PathArena::Id PathArena::Transaction::addFolder(Id parent, std::uint32_t position,
                                                 std::span<const std::uint8_t> storedName) {
     const auto hash = [this](Id other) { return arena_.hashOfFolder(other); };
-    arena_.folders_.reserveForOne(hash);
     const auto id = static_cast<Id>(arena_.arrays_.folders.size());
+    arena_.folders_.reserveForOne(id, hash);
     arena_.writeFolder(parent, position, storedName);
     arena_.foldersByName_.reset();
     return id;
@@ -366,7 +366,8 @@ PathArena::Id PathArena::Transaction::makeFolder(Id parent,
 PathArena::Id PathArena::Transaction::makeFolderOf(const Place& file) {
     if (changes_.size() + 2 > changes_.capacity()) changes_.reserve(2 * changes_.size() + 2);
     const auto hash = [this](Id other) { return arena_.hashOfFormerFile(other); };
-    arena_.arrays_.formerFiles.reserveForOne(hash);
+    const auto newId = static_cast<Id>(arena_.arrays_.folders.size());
+    arena_.arrays_.formerFiles.reserveForOne(newId, hash);
     const Run run = arena_.runAt(file.link);
     const std::span<const std::uint8_t> stored =
         arena_.storedNameAt(arena_.nameOffset(run, file.index));
