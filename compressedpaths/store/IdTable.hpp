@@ -65,8 +65,9 @@ public:
         const bool isFull = (count_ + 1) * 4 > slots_.size() * 3;
         if (!isFull && newId < idMask_) return;
         IdTable larger;
-        const std::size_t size =
-            isFull ? std::max<std::size_t>(16, 2 * slots_.size()) : slots_.size();
+        const std::size_t size = !isFull            ? slots_.size()
+                                 : slots_.isEmpty() ? 16
+                                                    : 2 * slots_.size();
         if (idMask_ != kNone) {
             const std::uint64_t ids =
                 std::max<std::uint64_t>({size, newId + std::uint64_t{2}, idMask_});
