@@ -69,8 +69,7 @@ public:
                                  : slots_.isEmpty() ? 16
                                                     : 2 * slots_.size();
         if (idMask_ != kNone) {
-            const std::uint64_t ids =
-                std::max<std::uint64_t>({size, newId + std::uint64_t{2}, idMask_});
+            const auto ids = std::max<std::uint64_t>({size, newId + std::uint64_t{2}, idMask_});
             larger.idMask_ = static_cast<std::uint32_t>(std::bit_ceil(ids) - 1);
         }
         larger.slots_.assign(size, kNone);
