@@ -1,10 +1,7 @@
-// Finding folders, files and names without going through the whole set.
+// Finding folders, and files by their names, without going through the whole set.
 
 #include <algorithm>
-#include <array>
-#include <bitset>
 #include <cstring>
-#include <memory>
 #include <numeric>
 #include <utility>
 
@@ -17,6 +14,16 @@ using Id = PathArena::Id;
 
 constexpr Id idOf(FolderId folder) noexcept {
     return static_cast<Id>(folder);
+}
+
+/// True if the bits of a name begin with those of another. No code word begins another, so that the
+/// characters do then, too.
+bool beginsWith(const NameView& name, const NameView& text) noexcept {
+    if (name.isAnyKey || name.length < text.length) return false;
+    const std::size_t whole = text.length / 8;
+    if (std::memcmp(name.data, text.data, whole) != 0) return false;
+    const unsigned rest = (1U << text.length % 8) - 1;
+    return rest == 0 || ((name.data[whole] ^ text.data[whole]) & rest) == 0;
 }
 
 }  // namespace
@@ -58,6 +65,44 @@ std::vector<FolderId> HuffmanPathTree::foldersIn(FolderId folder) const {
     return folders;
 }
 
+std::vector<FolderId> HuffmanPathTree::foldersNamed(FolderId folder, std::u16string_view name,
+                                                    char16_t filler) const {
+    std::vector<FolderId> found;
+    const std::span<const Id> inFolder = arena().foldersByNameIn(existing(folder));
+    for (std::u16string wanted(name);; wanted += filler) {
+        const auto stored = storedNameOf(wanted);
+        if (!stored && !wanted.empty()) break;
+        if (!stored) continue;
+        if (*stored->data() >= kLongName) {
+            appendLongNamed(inFolder, name, filler, found);
+            break;
+        }
+        const std::span<const Id> from = arena().fromName(inFolder, stored->values());
+        // Shorter names come first: once there is none from here on, there is no longer one.
+        if (from.empty()) break;
+        for (const Id id : from) {
+            if (!arena().isNamed(id, stored->values())) break;
+            found.push_back(FolderId{id});
+        }
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+/// Long names are the last of a folder. They are in no order that says how long they are.
+void HuffmanPathTree::appendLongNamed(std::span<const PathArena::Id> inFolder,
+                                      std::u16string_view name, char16_t filler,
+                                      std::vector<FolderId>& found) const {
+    const std::uint8_t shortest = kLongName;
+    for (const Id id : arena().fromName(inFolder, {&shortest, 1})) {
+        if (arena().nameOf(id).isAnyKey) continue;  // no name that is text
+        const std::u16string whole = nameOf(FolderId{id});
+        if (whole.starts_with(name) &&
+            whole.find_first_not_of(filler, name.size()) == std::u16string::npos)
+            found.push_back(FolderId{id});
+    }
+}
+
 std::u16string HuffmanPathTree::nameOf(FolderId folder) const {
     std::u16string name;
     if (existing(folder) != PathArena::kRoot)
@@ -66,7 +111,8 @@ std::u16string HuffmanPathTree::nameOf(FolderId folder) const {
 }
 
 FolderId HuffmanPathTree::parentOf(FolderId folder) const {
-    return FolderId{arena().parentOf(existing(folder))};
+    const Id id = existing(folder);  // of the root, what its record holds says nothing
+    return FolderId{id == PathArena::kRoot ? id : arena().parentOf(id)};
 }
 
 /// The entries in the order of their folders, those of one folder in the order of their numbers.
@@ -134,113 +180,55 @@ std::optional<std::size_t> HuffmanPathTree::numberOf(FolderId folder,
     return found;
 }
 
-// --- Names that hold a text.
-
-namespace {
-
-/// The code bits of a text, and where they can stand in coded names. A text of many bits covers
-/// whole bytes wherever it begins in a byte; the first two of these, or one, are looked up at each
-/// byte of the names, for all eight beginnings at once.
-class BitPattern {
-public:
-    explicit BitPattern(const NameView& text) {
-        const std::size_t covered = text.length < 7 ? 0 : (text.length - 7) / 8;
-        width_ = covered >= 2 ? 2 : static_cast<unsigned>(covered);
-        if (width_ == 0) return;
-        for (unsigned shift = 0; shift < 8; ++shift) {
-            // The whole bytes of a text that begins at bit `shift` hold its bits from `skipped` on.
-            const unsigned skipped = (8 - shift) % 8;
-            unsigned bits = 0;
-            for (unsigned bit = 0; bit < 8 * width_; ++bit) {
-                const std::size_t at = skipped + bit;
-                bits |= static_cast<unsigned>(text.data[at / 8] >> at % 8 & 1) << bit;
-            }
-            canStand_.set(bits);
-        }
-    }
-
-    /// True if names have to be decoded, each of them, to know.
-    bool isTooShort() const noexcept { return width_ == 0; }
-
-    /// The first place from `from` on, before `end`, where the text can stand; `end` if there is
-    /// none. One byte past `end` is readable.
-    const std::uint8_t* find(const std::uint8_t* from, const std::uint8_t* end) const noexcept {
-        const unsigned mask = width_ == 2 ? 0xFFFF : 0xFF;
-        for (; from < end; ++from) {
-            std::uint16_t bits = 0;
-            std::memcpy(&bits, from, sizeof bits);
-            if (canStand_[bits & mask]) return from;
-        }
-        return end;
-    }
-
-private:
-    unsigned width_ = 0;  // bytes that are looked up
-    std::bitset<0x10000> canStand_;
-};
-
-}  // namespace
-
-void HuffmanPathTree::forEachNameWith(std::u16string_view text, NumberRange range,
-                                      const std::function<void(std::size_t number)>& visit) const {
-    if (range.last < range.first) return;
-    if (range.first == 0 || range.last > pathCount) throw InvalidPathNumberException();
-    std::optional<FolderEntries::Cursor> entry = entryHolding(range.first);
-    if (!entry) return;
-    FlatArray<std::uint8_t> coded;
-    if (!text.empty()) {
-        auto name = storedNameOf(text);
-        if (!name) return;
-        coded = std::move(*name);
-    }
-    const auto pattern = std::make_unique<BitPattern>(
-        coded.isEmpty() ? NameView{} : viewName(coded.data(), coded.end()));
-
-    std::u16string name;
-    for (std::size_t number = range.first;;) {
-        const std::size_t end = std::min<std::uint64_t>(range.last, entry->pathsUpTo()) + 1;
-        FileNames files(*this, entry->entry, number - entry->pathsBefore - 1);
-        while (number < end) {
-            if (!pattern->isTooShort()) {
-                const std::uint64_t passed =
-                    files.skipTo([&](const std::uint8_t* from,
-                                     const std::uint8_t* to) { return pattern->find(from, to); },
-                                 end - number);
-                number += static_cast<std::size_t>(passed);
-                if (number == end) break;
-            }
-            name.clear();
+std::vector<std::size_t> HuffmanPathTree::numbersNamed(FolderId folder, std::u16string_view name,
+                                                       char16_t filler) const {
+    const Id id = existing(folder);
+    std::vector<std::size_t> numbers;
+    const auto begin = storedNameOf(name.empty() ? std::u16string_view(&filler, 1) : name);
+    if (!begin) return numbers;
+    const NameView wanted = viewName(begin->data(), begin->end());
+    std::u16string whole;
+    forEachEntryOf(id, [&](const FolderEntries::Cursor& entry) {
+        FileNames files(*this, entry.entry, 0);
+        for (std::uint64_t index = 0; index < entry.entry.pathCount; ++index) {
+            if (!files.isThere()) break;
             const NameView view = files.next().name;
-            if (!view.isAnyKey) codeTables_.appendText(view, name);
-            if (name.find(text) != std::u16string::npos) visit(number);
-            ++number;
+            if (!beginsWith(view, wanted)) continue;
+            whole.clear();
+            codeTables_.appendText(view, whole);
+            if (whole.find_first_not_of(filler, name.size()) == std::u16string::npos)
+                numbers.push_back(entry.pathsBefore + index + 1);
         }
-        if (number > range.last || entry->number + 1 == entries_.size()) break;
-        entries_.advance(*entry);
-    }
+        return true;
+    });
+    return numbers;
 }
 
-/// Passes over names up to one in which `find` finds something, or over `most`; returns how many.
-/// Names that are in no run are not looked into, so that they stop it.
-template <class Find>
-std::uint64_t HuffmanPathTree::FileNames::skipTo(Find find, std::uint64_t most) {
-    if (!isInRun()) return 0;
-    const PathArena& arena = set_.arena();
-    const std::uint64_t inRun =
-        std::min<std::uint64_t>(most, run_.count - entry_.place.skip - index_);
-    const auto last = static_cast<std::uint32_t>(entry_.place.skip + index_ + inRun - 1);
-    const std::uint32_t end = arena.nameAfter(arena.nameOffset(run_, last));
-    if (end > arena.arrays().names.size()) throw InvalidImageException();
-    const std::uint8_t* const names = arena.arrays().names.data();
-    const auto hit = static_cast<std::uint32_t>(find(names + offset_, names + end) - names);
-    std::uint64_t passed = 0;
-    for (std::uint32_t next = 0; passed < inRun; ++passed) {
-        next = arena.nameAfter(offset_);
-        if (next > hit) break;
-        offset_ = next;
+// --- Going through entries.
+
+/// The entry that a range begins in, if any entry has numbers of it.
+std::optional<FolderEntries::Cursor> HuffmanPathTree::firstEntryOf(NumberRange range) const {
+    if (range.last < range.first) return std::nullopt;
+    if (range.first == 0 || range.last > pathCount) throw InvalidPathNumberException();
+    return entryHolding(range.first);
+}
+
+void HuffmanPathTree::forEachEntry(
+    NumberRange range,
+    const std::function<void(FolderId folder, NumberRange numbers)>& visit) const {
+    std::optional<FolderEntries::Cursor> entry = firstEntryOf(range);
+    if (!entry) return;
+    while (entry->pathsBefore < range.last) {
+        const NumberRange numbers{std::max<std::uint64_t>(range.first, entry->pathsBefore + 1),
+                                  std::min<std::uint64_t>(range.last, entry->pathsUpTo())};
+        if (numbers.first <= numbers.last) {
+            const Id folder = folderOfEntry(entry->entry.place);
+            if (folder >= arena().folderCount()) throw InvalidImageException();
+            visit(FolderId{folder}, numbers);
+        }
+        if (entry->number + 1 == entries_.size()) return;
+        entries_.advance(*entry);
     }
-    index_ += passed;
-    return passed;
 }
 
 }  // namespace compressedpaths

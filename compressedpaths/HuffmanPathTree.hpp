@@ -224,8 +224,14 @@ public:
     std::optional<FolderId> folderOf(const std::vector<std::u16string>& components) const;
 
     /// The folders in a folder, in the order in which they were made. Throws InvalidTrackException
-    /// if there is no such folder, as do the next two. O(log folders + sub-folders).
+    /// if there is no such folder, as do all that are asked about one. O(log folders +
+    /// sub-folders).
     std::vector<FolderId> foldersIn(FolderId folder) const;
+    /// Those of them whose name is `name`, or `name` and any number of `filler` after it. Does not
+    /// look at others, but for those whose names take more than 247 bits. O(log folders), for each
+    /// `filler` that the longest name has room for.
+    std::vector<FolderId> foldersNamed(FolderId folder, std::u16string_view name,
+                                       char16_t filler) const;
 
     /// The numbers of the files that were added to a folder, ascending. O(log entries + ranges).
     std::vector<NumberRange> entriesOf(FolderId folder) const;
@@ -233,10 +239,30 @@ public:
     /// The lowest number of a file of this name in a folder. O(log entries + names of the folder).
     std::optional<std::size_t> numberOf(FolderId folder, const std::u16string& fileName) const;
 
+    /// The numbers of all files in a folder whose name is `name`, or `name` and any number of
+    /// `filler` after it, ascending. O(log entries + names of the folder).
+    std::vector<std::size_t> numbersNamed(FolderId folder, std::u16string_view name,
+                                          char16_t filler) const;
+
     /// The name of a folder: its last component, empty for the root. O(characters).
     std::u16string nameOf(FolderId folder) const;
     /// The folder that a folder is in; of the root, the root. O(1).
     FolderId parentOf(FolderId folder) const;
+
+    /// Folders have the ids from 0 on. The folder that one is in has a lower id than itself.
+    std::size_t folderCount() const noexcept { return arena().folderCount(); }
+
+    /// Which folders have a name that holds `text`, by their ids; the root has an empty name. Names
+    /// are not decoded: the code bits of the text are looked for. O(folders + bytes of their coded
+    /// names).
+    std::vector<bool> foldersNamedWith(std::u16string_view text) const;
+
+    /// Calls `visit` for the files of a range, ascending: a folder, and the numbers of files in it
+    /// that were added together. Throws InvalidPathNumberException before the first call unless the
+    /// set has both numbers, InvalidImageException for a folder that there is not. Numbers beyond
+    /// all entries are passed over. O(log entries + entries of the range).
+    void forEachEntry(NumberRange range,
+                      const std::function<void(FolderId folder, NumberRange numbers)>& visit) const;
 
     /// Calls `visit` for the numbers of a range whose file name holds `text`, ascending. Names are
     /// not decoded: the code bits of the text are looked for. Throws as forEachText. O(bytes of the
@@ -372,14 +398,16 @@ private:
         bool isThere() const;
         FileName get() const;
         FileName next();  // the same, and goes on
+        /// True if this file is in the run that the entry begins in, as most are; and if those
+        /// after it are, up to an index.
+        bool isInRun() const noexcept { return isInRunUpTo(index_ + 1); }
+        bool isInRunUpTo(std::uint64_t index) const noexcept {
+            return entry_.place.run != PathArena::kNone && entry_.place.skip + index <= run_.count;
+        }
         template <class Find>
         std::uint64_t skipTo(Find find, std::uint64_t most);
 
     private:
-        bool isInRun() const noexcept {
-            return entry_.place.run != PathArena::kNone && entry_.place.skip + index_ < run_.count;
-        }
-
         const HuffmanPathTree& set_;
         FolderEntries::Entry entry_;
         std::uint64_t index_;
@@ -390,8 +418,12 @@ private:
     template <class Text, class Separator>
     void appendPath(std::size_t number, Separator separator, Text& text) const;
 
+    class NameSearch;
     std::optional<FlatArray<std::uint8_t>> storedNameOf(std::u16string_view component) const;
+    std::optional<FolderEntries::Cursor> firstEntryOf(NumberRange range) const;
     PathArena::Id existing(FolderId folder) const;
+    void appendLongNamed(std::span<const PathArena::Id> inFolder, std::u16string_view name,
+                         char16_t filler, std::vector<FolderId>& found) const;
     const FlatArray<std::uint32_t>& entriesByFolder() const;
     FolderEntries::Cursor entryAt(std::uint32_t number) const;
     template <class Visit>

@@ -9,8 +9,8 @@
 #include "compressedpaths/HuffmanPathTree.hpp"
 #include "compressedpaths/Image.hpp"
 #include "compressedpaths/sixpacks/ByteReader.hpp"
-#include "compressedpaths/store/Hashing.hpp"
 #include "fuzz/Require.hpp"
+#include "tests/support/ImageSums.hpp"
 #include "tests/support/Peers.hpp"
 
 using namespace compressedpaths;
@@ -26,21 +26,6 @@ std::vector<std::uint64_t> wordsOf(const std::uint8_t* data, std::size_t size) {
     std::vector<std::uint64_t> words(size / 8 + 1);
     if (size > 0) std::memcpy(words.data(), data, size);
     return words;
-}
-
-void putSumsRight(std::span<std::byte> image) {
-    image::Header header{};
-    if (image.size() < sizeof header) return;
-    std::memcpy(&header, image.data(), sizeof header);
-    const image::Extent sums = header[image::Part::kSums];
-    if (sums.offset > image.size() || sums.byteSize > image.size() - sums.offset) return;
-    for (std::uint64_t i = 0; i < sums.byteSize / 8 && i * image::kSummedSize < sums.offset; ++i) {
-        const std::uint64_t begin = i * image::kSummedSize;
-        const std::uint64_t sum =
-            hashOf(reinterpret_cast<const std::uint8_t*>(image.data() + begin),
-                   std::min<std::size_t>(sums.offset - begin, image::kSummedSize), 0);
-        std::memcpy(image.data() + sums.offset + i * 8, &sum, sizeof sum);
-    }
 }
 
 /// True unless `step` refuses what it met.
@@ -144,7 +129,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0) return 0;
     std::vector<std::uint64_t> words = wordsOf(data + 1, size - 1);
     const auto image = std::as_writable_bytes(std::span(words)).first(size - 1);
-    if (data[0] % 2 == 1) putSumsRight(image);
+    if (data[0] % 2 == 1) putImageSumsRight(image);
 
     const bool isVerified = isTaken([&] { HuffmanPathTree::verifyImage(image); });
     std::unique_ptr<HuffmanPathTree> set;

@@ -265,13 +265,26 @@ PathArena::Id PathArena::findFolder(Id parent, std::span<const std::uint8_t> sto
     return *found;
 }
 
-std::vector<PathArena::Id> PathArena::foldersIn(Id parent) const {
+std::span<const PathArena::Id> PathArena::foldersByNameIn(Id parent) const {
     const std::span<const Id> order = foldersByName().values();
     const auto begin = std::lower_bound(order.begin(), order.end(), parent,
                                         [this](Id id, Id wanted) { return parentOf(id) < wanted; });
     const auto end = std::upper_bound(begin, order.end(), parent,
                                       [this](Id wanted, Id id) { return wanted < parentOf(id); });
-    std::vector<Id> ids(begin, end);
+    return {begin, end};
+}
+
+std::span<const PathArena::Id> PathArena::fromName(std::span<const Id> byName,
+                                                   std::span<const std::uint8_t> storedName) const {
+    return {
+        std::lower_bound(byName.begin(), byName.end(), storedName,
+                         [this](Id id, const auto& name) { return compareNames(id, name) < 0; }),
+        byName.end()};
+}
+
+std::vector<PathArena::Id> PathArena::foldersIn(Id parent) const {
+    const std::span<const Id> byName = foldersByNameIn(parent);
+    std::vector<Id> ids(byName.begin(), byName.end());
     std::sort(ids.begin(), ids.end());
     return ids;
 }

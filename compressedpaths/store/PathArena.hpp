@@ -167,8 +167,16 @@ public:
     /// The first child folder with this stored name, or kNone. Builds an order of all folders when
     /// it is first called after adding. O(log folders).
     Id findFolder(Id parent, std::span<const std::uint8_t> storedName) const;
-    /// The folders in a folder, ascending. O(log folders + folders in it).
+    /// The folders in a folder, in the order of their names, or ascending. O(log folders), and
+    /// O(folders in it * log) for the latter.
+    std::span<const Id> foldersByNameIn(Id parent) const;
     std::vector<Id> foldersIn(Id parent) const;
+    /// Those of some folders by name that do not come before a stored name. O(log folders).
+    std::span<const Id> fromName(std::span<const Id> byName,
+                                 std::span<const std::uint8_t> storedName) const;
+    bool isNamed(Id folder, std::span<const std::uint8_t> storedName) const {
+        return compareNames(folder, storedName) == 0;
+    }
     const FlatArray<Id>& foldersByName() const;
     bool isOrderedByName() const;
     void setFoldersByName(FlatArray<Id> order) noexcept { foldersByName_.set(std::move(order)); }

@@ -39,6 +39,8 @@ int answersOfReading(HuffmanPathTree& set) {
         answers([&] { set.entriesOf(folder); });
         answers([&] { set.nameOf(folder); });
         answers([&] { set.numberOf(folder, u"of-one-name"); });
+        answers([&] { set.foldersNamed(folder, u"a", u'/'); });
+        answers([&] { set.numbersNamed(folder, u"of-one-name", u'/'); });
     }
     int count = 0;
     for (const Names& folder : {Names{u"a", u"c"}, Names{u"many"}})
@@ -47,6 +49,11 @@ int answersOfReading(HuffmanPathTree& set) {
         answers([&] { set.forEachText(1, set.size(), "/", [](std::size_t, std::string_view) {}); });
     for (const char16_t* const part : {u"", u"d", u"one-name"})
         count += answers([&] { set.forEachNameWith(part, {1, set.size()}, [](std::size_t) {}); });
+    count += answers([&] {
+        set.forEachEntry({1, set.size()},
+                         [](HuffmanPathTree::FolderId, HuffmanPathTree::NumberRange) {});
+    });
+    count += answers([&] { set.foldersNamedWith(u"any"); });
     count += answers([&] { walkedPaths(set); });
     count += answers([&] {
         for (set.resetPathsToBTree(); set.hasNextPathFromBTree();)
@@ -89,7 +96,7 @@ int answersOf(const ImageBytes& image) {
     return count;
 }
 
-constexpr int kQuestions = 10 + 7 + 3;
+constexpr int kQuestions = 12 + 7 + 3;
 
 void expectDamageIsFound(const ImageBytes& image, std::size_t begin, std::size_t end) {
     for (std::size_t position = begin; position < end; ++position) {
@@ -211,6 +218,15 @@ TEST(DamagedImage, isNotReadPastTheEndOfItsNames) {
     addSinglePath(*opened, {u"a", u"first-name"});  // was there; the names are copied
     EXPECT_THROW(opened->forEachNameWith(u"other-names", {1, 2}, [](std::size_t) {}),
                  InvalidImageException);
+}
+
+TEST(DamagedImage, hasTheRootInTheRootWhateverItsRecordHolds) {
+    HuffmanPathTree set;
+    buildSample(set);
+    ImageBytes image(set);
+    std::memset(image.data() + image.header()[image::Part::kFolders].offset, 0x7F, 4);
+    const HuffmanPathTree::FolderId root{0};
+    EXPECT_EQ(image.open()->parentOf(root), root);
 }
 
 }  // namespace

@@ -111,7 +111,55 @@ TEST(FindingPaths, refusesFoldersThatThereAreNot) {
         EXPECT_THROW(set.numberOf(id, u"b"), InvalidTrackException);
         EXPECT_THROW(set.nameOf(id), InvalidTrackException);
         EXPECT_THROW(set.parentOf(id), InvalidTrackException);
+        EXPECT_THROW(set.foldersNamed(id, u"b", u'/'), InvalidTrackException);
     }
+}
+
+Names namesNamed(const HuffmanPathTree& set, FolderId parent, std::u16string_view name) {
+    Names names;
+    for (const FolderId id : set.foldersNamed(parent, name, u'/')) names.push_back(set.nameOf(id));
+    return names;
+}
+
+TEST(FoldersNamed, areThoseWithAnyNumberOfFillersAfterTheName) {
+    HuffmanPathTree set;
+    const Names all{u"b//", u"b", u"bb", u"c", u"b/", u"b/c", u"/b", u"//", u"b////", u"/"};
+    TextEntries entries;
+    for (const std::u16string& name : all) entries.push_back({{u"a", name}, {u"x"}});
+    buildSet(set, entries);
+    const FolderId a = folder(set, {u"a"});
+    EXPECT_EQ(namesNamed(set, a, u"b"), (Names{u"b//", u"b", u"b/", u"b////"}));
+    EXPECT_EQ(namesNamed(set, a, u"b/"), (Names{u"b//", u"b/", u"b////"}));
+    EXPECT_EQ(namesNamed(set, a, u""), (Names{u"//", u"/"}));
+    EXPECT_EQ(namesNamed(set, a, u"bb"), Names{u"bb"});
+    for (const std::u16string_view name : {u"d", u"\u00E9", u"ccc", u"x"})
+        EXPECT_EQ(namesNamed(set, a, name), Names{});
+    EXPECT_EQ(namesNamed(set, folder(set, {u"a", u"b"}), u"b"), Names{});
+    EXPECT_EQ(namesNamed(HuffmanPathTree(), FolderId{0}, u"b"), Names{});
+}
+
+TEST(FoldersNamed, mayHaveNamesOfAnyLength) {
+    HuffmanPathTree set;
+    TextEntries entries;
+    Names expected;
+    for (std::size_t length = 1; length <= 120; length += 7) {
+        for (std::size_t count : {0, 1, 30, 90}) {
+            const std::u16string name = std::u16string(length, u'n') + std::u16string(count, u'/');
+            entries.push_back({{name}, {u"x"}});
+            if (length == 43) expected.push_back(name);
+        }
+    }
+    buildSet(set, entries);
+    EXPECT_EQ(namesNamed(set, FolderId{0}, std::u16string(43, u'n')), expected);
+}
+
+// Without a code for it nothing can follow the name.
+TEST(FoldersNamed, needNoCodeForTheFiller) {
+    HuffmanPathTree set;
+    makeCode(set, u"ab");
+    addBatch(set, {{{u"a"}, {u"b"}}});
+    EXPECT_EQ(namesNamed(set, FolderId{0}, u"a"), Names{u"a"});
+    EXPECT_EQ(namesNamed(set, FolderId{0}, u""), Names{});
 }
 
 TEST(FindingPaths, findsInALoadedSetWhatItFoundBefore) {
@@ -129,7 +177,88 @@ TEST(FindingPaths, findsInALoadedSetWhatItFoundBefore) {
     }
 }
 
+TEST(NumbersNamed, areThoseOfAllFilesWithAnyNumberOfFillersAfterTheName) {
+    HuffmanPathTree set;
+    buildSet(set, {{{u"a"}, {u"b", u"b//", u"bb", u"/", u"b"}},
+                   {{u"c"}, {u"b"}},
+                   {{u"a"}, {u"/b", u"b/c", u"b/", u"//"}}});
+    const FolderId a = folder(set, {u"a"});
+    EXPECT_EQ(set.numbersNamed(a, u"b", u'/'), (Numbers{1, 2, 5, 9}));
+    EXPECT_EQ(set.numbersNamed(a, u"b/", u'/'), (Numbers{2, 9}));
+    EXPECT_EQ(set.numbersNamed(a, u"", u'/'), (Numbers{4, 10}));
+    EXPECT_EQ(set.numbersNamed(a, u"bb", u'/'), Numbers{3});
+    EXPECT_EQ(set.numbersNamed(a, u"b", u'\u00E9'), (Numbers{1, 5}));
+    for (const std::u16string_view name : {u"c", u"\u00E9", u"bbb"})
+        EXPECT_EQ(set.numbersNamed(a, name, u'/'), Numbers{});
+    EXPECT_EQ(set.numbersNamed(a, u"", u'\u00E9'), Numbers{});
+    EXPECT_EQ(set.numbersNamed(FolderId{0}, u"b", u'/'), Numbers{});
+    EXPECT_THROW(set.numbersNamed(FolderId{9}, u"b", u'/'), InvalidTrackException);
+}
+
+// --- Entries.
+
+struct VisitedEntry {
+    FolderId folder;
+    NumberRange numbers;
+
+    bool operator==(const VisitedEntry&) const = default;
+};
+
+std::vector<VisitedEntry> entriesIn(const HuffmanPathTree& set, NumberRange range) {
+    std::vector<VisitedEntry> entries;
+    set.forEachEntry(range, [&](FolderId id, NumberRange numbers) {
+        entries.push_back({id, numbers});
+    });
+    return entries;
+}
+
+TEST(EachEntry, isGivenInTheOrderOfTheNumbers) {
+    HuffmanPathTree set;
+    buildSet(set, kEntries);
+    const FolderId a = folder(set, {u"a"});
+    const std::vector<VisitedEntry> all{
+        {a, {1, 2}}, {folder(set, {u"a", u"b"}), {3, 3}}, {folder(set, {u"c"}), {4, 5}},
+        {a, {6, 8}}, {folder(set, {u"a", u"y"}), {9, 9}}, {FolderId{0}, {10, 10}}};
+    EXPECT_EQ(entriesIn(set, {1, 10}), all);
+    EXPECT_EQ(entriesIn(set, {2, 4}),
+              (std::vector<VisitedEntry>{{a, {2, 2}}, all[1], {all[2].folder, {4, 4}}}));
+    EXPECT_EQ(entriesIn(set, {7, 7}), (std::vector<VisitedEntry>{{a, {7, 7}}}));
+    EXPECT_EQ(entriesIn(set, {5, 4}), std::vector<VisitedEntry>{});
+}
+
+TEST(EachEntry, isRefusedForNumbersThatThereAreNot) {
+    HuffmanPathTree set;
+    buildSet(set, kEntries);
+    EXPECT_THROW(entriesIn(set, {0, 3}), InvalidPathNumberException);
+    EXPECT_THROW(entriesIn(set, {3, 11}), InvalidPathNumberException);
+    EXPECT_THROW(entriesIn(HuffmanPathTree(), {1, 1}), InvalidPathNumberException);
+}
+
+TEST(EachEntry, passesOverNumbersOfPathsThatWereAddedOnTheirOwn) {
+    HuffmanPathTree set;
+    buildSet(set, {{{u"a"}, {u"b", u"c"}}});
+    addSinglePath(set, {u"a", u"d"});
+    EXPECT_EQ(entriesIn(set, {1, 3}), (std::vector<VisitedEntry>{{folder(set, {u"a"}), {1, 2}}}));
+    EXPECT_EQ(entriesIn(set, {3, 3}), std::vector<VisitedEntry>{});
+}
+
 // --- Names that hold a text.
+
+TEST(FoldersNamedWith, areThoseWhoseOwnNamesHoldTheText) {
+    HuffmanPathTree set;
+    buildSet(set, {{{u"needle-work", u"inside"}, {u"needle"}},
+                   {{u"nee", u"dle", u"needle"}, {u"x"}},
+                   {{}, {u"needle"}}});
+    std::vector<bool> expected(set.folderCount(), false);
+    ASSERT_EQ(expected.size(), 6U);
+    EXPECT_EQ(set.foldersNamedWith(u"needles"), expected);
+    EXPECT_EQ(set.foldersNamedWith(u"\u00E9"), expected);
+    for (const Names& components : {Names{u"needle-work"}, Names{u"nee", u"dle", u"needle"}})
+        expected[static_cast<std::size_t>(folder(set, components))] = true;
+    EXPECT_EQ(set.foldersNamedWith(u"needle"), expected);
+    EXPECT_EQ(set.foldersNamedWith(u""), std::vector<bool>(6, true));
+    EXPECT_EQ(HuffmanPathTree().foldersNamedWith(u"a"), std::vector<bool>{false});
+}
 
 Numbers numbersWith(const HuffmanPathTree& set, std::u16string_view text, NumberRange range) {
     Numbers numbers;
@@ -168,6 +297,33 @@ TEST(NamesWith, areThoseOfTheRange) {
     EXPECT_EQ(numbersWith(set, u"longer", {5, 4}), Numbers{});
     EXPECT_THROW(numbersWith(set, u"longer", {0, 4}), InvalidPathNumberException);
     EXPECT_THROW(numbersWith(set, u"longer", {4, 42}), InvalidPathNumberException);
+}
+
+// A loaded set has its runs in the order of the trie, not in that of the numbers.
+TEST(NamesWith, areFoundWhereverTheRunsOfTheEntriesAre) {
+    std::mt19937 random(23);
+    for (int round = 0; round < 20; ++round) {
+        TextEntries entries;
+        for (int i = 0; i < 300; ++i) {
+            const auto digit = static_cast<char16_t>(u'0' + random() % 10);
+            TextEntry entry{{u"dir", std::u16string(1 + random() % 2, digit)}, {}};
+            for (std::size_t left = 1 + random() % 4; left > 0; --left)
+                entry.files.push_back(random() % 40 == 0 ? u"file-needle" : u"file-needed");
+            entries.push_back(entry);
+        }
+        HuffmanPathTree set;
+        buildSet(set, entries);
+        HuffmanPathTree loaded;
+        reload(set, loaded);
+        const TextPaths paths = pathsOf(entries);
+        const NumberRange range{1 + random() % 100, paths.size() - random() % 100};
+        Numbers expected;
+        for (std::size_t number = range.first; number <= range.last; ++number)
+            if (paths[number - 1].back().find(u"needle") != std::u16string::npos)
+                expected.push_back(number);
+        EXPECT_EQ(numbersWith(set, u"needle", range), expected) << round;
+        EXPECT_EQ(numbersWith(loaded, u"needle", range), expected) << round;
+    }
 }
 
 // In front of the text stand 0 to 15 characters of one bit each, so that it begins at every bit of
