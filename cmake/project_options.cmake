@@ -28,3 +28,15 @@ if(ZQ_FUZZ)
         -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(zq_options INTERFACE -fsanitize=address,undefined)
 endif()
+
+# Puts what is installed into the folders bin and lib of the build tree, where it finds its libraries
+# by the same relative way as it does once it is installed. Otherwise CMake would write the folders of
+# the build tree into the file, to be replaced on installation, and end them with a colon, which for
+# the loader is one more: the working directory.
+function(zq_place_as_installed target runtime_path)
+    set_target_properties(${target} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin
+        LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib
+        BUILD_WITH_INSTALL_RPATH ON
+        INSTALL_RPATH "${runtime_path}")
+endfunction()

@@ -1,0 +1,309 @@
+#include "zqpaths/PathSetWriter.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/TemporaryTree.hpp"
+#include "tests/zqpaths/SavedPaths.hpp"
+#include "tests/zqpaths/set/OddPaths.hpp"
+#include "zqpaths/set/CollectedPaths.hpp"
+#include "zqpaths/set/SegmentJoining.hpp"
+
+namespace zqpaths {
+namespace {
+
+using Form = PathSetWriter::Form;
+using Mode = PathSetWriter::Mode;
+using Paths = std::vector<std::string>;
+using testing::HasSubstr;
+
+class PathSetWriterTest : public testing::Test {
+protected:
+    void write(const Paths& paths, Mode mode, Form form = Form::kImage) const {
+        PathSetWriter writer(file_, mode, form);
+        for (const std::string& path : paths) writer.add(path);
+        writer.commit();
+    }
+
+    std::string bytes() const {
+        std::ifstream in(file_, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+
+    std::vector<SegmentEntry> segments() const { return SetFile::open(file_)->segments(); }
+
+    /// Nothing stands beside the file.
+    void expectAlone(std::ptrdiff_t files = 1) const {
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(tree_.path()), {}), files);
+    }
+
+    test_support::TemporaryTree tree_;
+    std::string file_ = tree_.pathOf("s.zqp");
+};
+
+/// The error of a call.
+Error errorOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const Error& error) {
+        return error;
+    }
+    ADD_FAILURE() << "nothing is thrown";
+    return {ErrorKind::kSystem, "", ""};
+}
+
+TEST_F(PathSetWriterTest, makesAFileOfPathsInTheirOrder) {
+    write({"/usr/bin/env", "b", "a/c", "b"}, Mode::kCreate);
+    EXPECT_EQ(savedPaths(file_), (Paths{"/usr/bin/env", "b", "a/c", "b"}));
+    EXPECT_EQ(segments().size(), 1U);
+    EXPECT_LT(bytes().size(), 8192U);
+    expectAlone();
+}
+
+TEST_F(PathSetWriterTest, makesAnEmptySet) {
+    write({}, Mode::kCreate);
+    EXPECT_EQ(savedPaths(file_), Paths());
+    EXPECT_EQ(segments().size(), 0U);
+}
+
+TEST_F(PathSetWriterTest, refusesAFileThatIsThere) {
+    write({"a"}, Mode::kCreate);
+    EXPECT_EQ(errorOf([&] { write({"b"}, Mode::kCreate); }).kind(), ErrorKind::kExists);
+    EXPECT_EQ(savedPaths(file_), Paths{"a"});
+}
+
+TEST_F(PathSetWriterTest, replacesAFileThatIsThere) {
+    write({"a"}, Mode::kReplace);
+    write({"b", "c"}, Mode::kReplace);
+    EXPECT_EQ(savedPaths(file_), (Paths{"b", "c"}));
+    write({}, Mode::kReplace);
+    EXPECT_EQ(savedPaths(file_), Paths());
+    expectAlone();
+}
+
+TEST_F(PathSetWriterTest, appendsToWhatIsThere) {
+    write({}, Mode::kCreate);
+    write({"a"}, Mode::kAppend);
+    write({"caf\xC3\xA9", "b"}, Mode::kAppend);
+    EXPECT_EQ(savedPaths(file_), (Paths{"a", "caf\xC3\xA9", "b"}));
+}
+
+TEST_F(PathSetWriterTest, appendsToNoFileThatIsNotThere) {
+    EXPECT_EQ(errorOf([&] { write({"a"}, Mode::kAppend); }).kind(), ErrorKind::kNotFound);
+    expectAlone(0);
+}
+
+TEST_F(PathSetWriterTest, leavesTheFileUntouchedWhereNothingIsAppended) {
+    write({"a", "b"}, Mode::kCreate);
+    const std::string before = bytes();
+    const auto time = std::filesystem::last_write_time(file_);
+    write({}, Mode::kAppend);
+    EXPECT_EQ(bytes(), before);
+    EXPECT_EQ(std::filesystem::last_write_time(file_), time);
+}
+
+TEST_F(PathSetWriterTest, discardsWhatIsNotCommitted) {
+    { PathSetWriter(file_).add("a"); }
+    expectAlone(0);
+    write({"a"}, Mode::kCreate);
+    const std::string before = bytes();
+    for (const Mode mode : {Mode::kReplace, Mode::kAppend}) {
+        PathSetWriter(file_, mode).add("b");
+        EXPECT_EQ(bytes(), before);
+    }
+    expectAlone();
+}
+
+TEST_F(PathSetWriterTest, countsThePathsThatWereThere) {
+    write({"a", "b"}, Mode::kCreate);
+    PathSetWriter writer(file_, Mode::kAppend);
+    EXPECT_EQ(writer.size(), 2U);
+    writer.add("c");
+    EXPECT_EQ(writer.size(), 3U);
+    writer.commit();
+    EXPECT_EQ(writer.size(), 3U);
+}
+
+TEST_F(PathSetWriterTest, refusesAnEmptyPathAndOneWithNulAndGoesOn) {
+    PathSetWriter writer(file_);
+    writer.add("a");
+    const Error empty = errorOf([&] { writer.add(""); });
+    EXPECT_EQ(empty.kind(), ErrorKind::kWrongUse);
+    EXPECT_STREQ(empty.what(), (file_ + ": an empty path").c_str());
+    const Error nul = errorOf([&] { writer.add(std::string_view("ab\0c", 4)); });
+    EXPECT_EQ(nul.kind(), ErrorKind::kWrongUse);
+    EXPECT_STREQ(nul.what(), (file_ + ": a path with NUL at byte 2").c_str());
+    writer.add("b");
+    writer.commit();
+    EXPECT_EQ(savedPaths(file_), (Paths{"a", "b"}));
+}
+
+TEST_F(PathSetWriterTest, takesNothingAfterACommit) {
+    PathSetWriter writer(file_);
+    writer.add("a");
+    writer.commit();
+    EXPECT_EQ(errorOf([&] { writer.add("b"); }).kind(), ErrorKind::kWrongUse);
+    EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kWrongUse);
+    EXPECT_EQ(savedPaths(file_), Paths{"a"});
+}
+
+TEST_F(PathSetWriterTest, canBeMoved) {
+    std::optional<PathSetWriter> first(file_);
+    first->add("a");
+    PathSetWriter second(std::move(*first));
+    first.reset();
+    second.add("b");
+    PathSetWriter third(tree_.pathOf("other.zqp"));
+    third = std::move(second);
+    third.commit();
+    EXPECT_EQ(savedPaths(file_), (Paths{"a", "b"}));
+    expectAlone();
+}
+
+TEST_F(PathSetWriterTest, keepsAnyBytesInBothForms) {
+    const Paths paths = randomPaths(20'000, 3);
+    for (const Form form : {Form::kImage, Form::kPacked}) {
+        write(paths, Mode::kReplace, form);
+        EXPECT_EQ(savedPaths(file_), paths);
+        EXPECT_EQ(segments().front().form,
+                  form == Form::kPacked ? SegmentForm::kPacked : SegmentForm::kImage);
+    }
+}
+
+TEST_F(PathSetWriterTest, makesSeveralSegmentsOfMuchText) {
+    Paths paths;
+    for (std::size_t i = 0; i < 5 * 64 / 2; ++i)
+        paths.push_back(std::to_string(i / 10) + "/" + std::string(std::size_t{1} << 20, 'x'));
+    write(paths, Mode::kCreate);
+    EXPECT_EQ(segments().size(), 3U);
+    EXPECT_TRUE(savedPaths(file_) == paths);
+}
+
+TEST_F(PathSetWriterTest, givesAVeryLongPathASegmentOfItsOwn) {
+    const std::string longPath = std::string(std::size_t{70} << 20, 'x') + "/y";
+    write({"a", longPath, "b"}, Mode::kCreate);
+    EXPECT_EQ(segments().size(), 3U);
+    EXPECT_TRUE(savedPaths(file_) == (Paths{"a", longPath, "b"}));
+}
+
+TEST_F(PathSetWriterTest, joinsSmallSegmentsThatGather) {
+    Paths paths;
+    write({}, Mode::kCreate);
+    for (int i = 0; i < 300; ++i) {
+        paths.push_back("folder" + std::to_string(i / 10) + "/\xC3\xA9" + std::to_string(i));
+        write({paths.back()}, Mode::kAppend);
+        ASSERT_LE(segments().size(), kMostSmall);
+    }
+    EXPECT_EQ(savedPaths(file_), paths);
+    expectAlone();
+}
+
+TEST_F(PathSetWriterTest, joinsIntoTheFormThatIsAskedFor) {
+    Paths paths;
+    write({}, Mode::kCreate);
+    for (int i = 0; i < 9; ++i) {
+        paths.push_back(std::to_string(i));
+        write({paths.back()}, Mode::kAppend, i < 8 ? Form::kPacked : Form::kImage);
+    }
+    ASSERT_EQ(segments().size(), 1U);
+    EXPECT_EQ(segments().front().form, SegmentForm::kImage);
+    EXPECT_EQ(savedPaths(file_), paths);
+}
+
+TEST_F(PathSetWriterTest, joinsSegmentsThatAreTooLargeForOne) {
+    Paths paths;
+    write({}, Mode::kCreate);
+    for (std::size_t i = 0; i < 9; ++i) {
+        const Paths added(8, std::to_string(i) + std::string((std::size_t{1} << 20) - 1, 'x'));
+        write(added, Mode::kAppend);
+        paths.insert(paths.end(), added.begin(), added.end());
+    }
+    ASSERT_EQ(segments().size(), 2U);
+    EXPECT_EQ(segments().front().pathCount, 64U);
+    EXPECT_TRUE(savedPaths(file_) == paths);
+}
+
+TEST_F(PathSetWriterTest, doesNotJoinWhatIsDamaged) {
+    write({}, Mode::kCreate);
+    for (int i = 0; i < 8; ++i) write({"path" + std::to_string(i)}, Mode::kAppend);
+    {
+        const SegmentEntry damaged = segments()[3];
+        std::fstream out(file_, std::ios::in | std::ios::out | std::ios::binary);
+        out.seekp(static_cast<std::streamoff>(damaged.offset));
+        out.write("damage", 6);
+    }
+    const std::string before = bytes();
+    PathSetWriter writer(file_, Mode::kAppend);
+    writer.add("more");
+    const Error error = errorOf([&] { writer.commit(); });
+    EXPECT_EQ(error.kind(), ErrorKind::kDamaged);
+    EXPECT_THAT(error.what(), HasSubstr(file_ + ": segment 4"));
+    EXPECT_EQ(errorOf([&] { writer.add("a"); }).kind(), ErrorKind::kDamaged);
+    EXPECT_EQ(bytes().substr(0, before.size()), before);
+}
+
+/// Lets no file of this process grow past a size.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t size) {
+        ::getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{size, before_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+        handler_ = std::signal(SIGXFSZ, SIG_IGN);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    ~FileSizeLimit() {
+        ::setrlimit(RLIMIT_FSIZE, &before_);
+        static_cast<void>(std::signal(SIGXFSZ, handler_));
+    }
+
+private:
+    rlimit before_{};
+    void (*handler_)(int) = SIG_DFL;
+};
+
+TEST_F(PathSetWriterTest, saysLaterWhatWentWrongOnOtherThreads) {
+    write({"a"}, Mode::kCreate);
+    const std::string before = bytes();
+    {
+        const FileSizeLimit limit(before.size() + 1000);
+        PathSetWriter writer(file_, Mode::kAppend);
+        const auto addTooMuch = [&] {
+            for (std::size_t i = 0; i < 3 * CollectedPaths::kMaxPaths; ++i)
+                writer.add("f" + std::to_string(i));
+        };
+        EXPECT_EQ(errorOf(addTooMuch).kind(), ErrorKind::kSystem);
+        EXPECT_EQ(errorOf([&] { writer.add("x"); }).kind(), ErrorKind::kSystem);
+        EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kSystem);
+    }
+    EXPECT_EQ(savedPaths(file_), Paths{"a"});
+    write({"b"}, Mode::kAppend);
+    EXPECT_EQ(savedPaths(file_), (Paths{"a", "b"}));
+}
+
+TEST_F(PathSetWriterTest, throwsWhatWentWrongWhileItCommits) {
+    write({"a"}, Mode::kCreate);
+    {
+        const FileSizeLimit limit(bytes().size());
+        PathSetWriter writer(file_, Mode::kAppend);
+        writer.add("b");
+        EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kSystem);
+        EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kSystem);
+    }
+    EXPECT_EQ(savedPaths(file_), Paths{"a"});
+}
+
+}  // namespace
+}  // namespace zqpaths

@@ -1,0 +1,298 @@
+#include "zqpaths/file/SetFileLayout.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "tests/support/SetFileSums.hpp"
+#include "tests/support/SetFiles.hpp"
+
+namespace zqpaths {
+namespace {
+
+using FileBytes = std::vector<std::byte>;
+
+constexpr Superblock kSuperblock{3, 8192, 72, 4, 8192 + 72 + kSuperblockSize};
+
+SegmentEntry entryAt(std::uint64_t offset, std::uint64_t size) {
+    return {SegmentForm::kImage, offset, size, 1, 2, 0, 0};
+}
+
+/// A file of this directory, after room for segments up to `directoryOffset`.
+FileBytes fileOf(const Directory& directory, std::uint64_t directoryOffset = 3 * kPageSize) {
+    const FileBytes encoded = encodeDirectory(directory);
+    Superblock superblock{2, directoryOffset, encoded.size(), sumOf(encoded), 0};
+    superblock.end = directoryOffset + encoded.size() + kSuperblockSize;
+    FileBytes file(superblock.end);
+    const auto put = [&](std::uint64_t offset, std::span<const std::byte> bytes) {
+        std::copy(bytes.begin(), bytes.end(), file.begin() + static_cast<std::ptrdiff_t>(offset));
+    };
+    Superblock earlier = superblock;
+    earlier.sequence = 1;
+    put(0, encodeHeader({0, {earlier, superblock}}));
+    put(directoryOffset, encoded);
+    put(superblock.end - kSuperblockSize, encodeSuperblock(superblock));
+    return file;
+}
+
+CommittedState stateOf(const FileBytes& file) {
+    return committedState(std::span(file).first(std::min<std::size_t>(file.size(), kPageSize)),
+                          file);
+}
+
+void put32(FileBytes& bytes, std::size_t offset, std::uint32_t value) {
+    for (unsigned i = 0; i < 4; ++i) bytes.at(offset + i) = static_cast<std::byte>(value >> 8 * i);
+}
+
+TEST(SetFileHeader, comesBack) {
+    for (const Header& header :
+         {Header{}, Header{5, {kSuperblock, std::nullopt}}, Header{0, {std::nullopt, kSuperblock}}})
+        EXPECT_EQ(decodeHeader(encodeHeader(header)), header);
+}
+
+TEST(SetFileHeader, isDamagedIfAnyBitOfItIsTurned) {
+    const auto page = encodeHeader({1, {}});
+    for (std::size_t bit = 0; bit < 8 * kHeaderSize; ++bit) {
+        auto damaged = page;
+        damaged[bit / 8] ^= static_cast<std::byte>(1U << bit % 8);
+        const Refusal refusal = refusalOf([&] { decodeHeader(damaged); });
+        const bool isMagic = bit / 8 < kMagic.size();
+        EXPECT_EQ(refusal.text, isMagic ? "is no saved set" : "the header is damaged") << bit;
+    }
+}
+
+TEST(SetFileHeader, tellsThatAFileIsOfALaterVersion) {
+    for (const std::size_t offset :
+         {std::size_t{8}, std::size_t{12}}) {  // the version, flags that must be known
+        FileBytes file = fileOf({});
+        put32(file, offset, 0x80000002);
+        putSumsRight(file);
+        const Refusal refusal = refusalOf([&] { stateOf(file); });
+        EXPECT_EQ(refusal.kind, ErrorKind::kNotASet);
+        EXPECT_EQ(refusal.text, "is a set that needs a newer version of this program");
+    }
+}
+
+TEST(SetFileHeader, mayHaveFlagsThatNobodyKnows) {
+    FileBytes file = fileOf({});
+    put32(file, 16, 0xFFFFFFFF);
+    putSumsRight(file);
+    EXPECT_EQ(stateOf(file).header.flags, 0xFFFFFFFFU);
+}
+
+TEST(SetFileHeader, isToldFromOtherFiles) {
+    const auto page = encodeHeader({});
+    EXPECT_TRUE(isOfOurs(page));
+    EXPECT_FALSE(isOfOurs({}));
+    EXPECT_FALSE(isOfOurs(bytesOf("a text")));
+}
+
+TEST(SetFileSuperblock, comesBack) {
+    EXPECT_EQ(decodeSuperblock(encodeSuperblock(kSuperblock)), kSuperblock);
+}
+
+TEST(SetFileSuperblock, isNoneIfAnyBitOfItIsTurned) {
+    const auto bytes = encodeSuperblock(kSuperblock);
+    for (std::size_t bit = 0; bit < 8 * bytes.size(); ++bit) {
+        auto damaged = bytes;
+        damaged[bit / 8] ^= static_cast<std::byte>(1U << bit % 8);
+        EXPECT_FALSE(decodeSuperblock(damaged)) << bit;
+    }
+    EXPECT_FALSE(decodeSuperblock(std::array<std::byte, kSuperblockSize>{}));
+}
+
+TEST(SetFileSuperblock, isNoneIfItSaysWhatCannotBe) {
+    const std::vector<std::function<void(Superblock&)>> changes{
+        [](Superblock& block) { block.sequence = kMaxSequence + 1; },
+        [](Superblock& block) { block.directoryOffset = 0; },
+        [](Superblock& block) { block.directoryOffset -= 4; },
+        [](Superblock& block) { block.directoryOffset = ~std::uint64_t{7}; },
+        [](Superblock& block) { block.directorySize = ~std::uint64_t{0}; },
+        [](Superblock& block) { block.directorySize += 8; },
+        [](Superblock& block) { block.end = 0; },
+        [](Superblock& block) { block.end = block.directoryOffset + 1; },
+        [](Superblock& block) { block.end = ~std::uint64_t{0}; }};
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        Superblock changed = kSuperblock;
+        changes[i](changed);
+        EXPECT_FALSE(decodeSuperblock(encodeSuperblock(changed))) << i;
+    }
+}
+
+TEST(SetFileDirectory, comesBack) {
+    const Directory directory{
+        {{SegmentForm::kImage, 4096, 10, 3, 40, 0, 77},
+         {SegmentForm::kPacked, 8192, 4096, 1, 2, 8, ~std::uint64_t{0}}},
+        {{1, 2, {}}, {0xFFFFFFFF, 0, {std::byte{1}, std::byte{2}, std::byte{3}}}}};
+    const CommittedState state = stateOf(fileOf(directory));
+    EXPECT_EQ(state.directory, directory);
+    EXPECT_EQ(state.directory.pathCount(), 4U);
+    EXPECT_TRUE(state.isLatest);
+    EXPECT_EQ(state.slot, 1U);
+    EXPECT_EQ(stateOf(fileOf({})).directory, Directory{});
+}
+
+TEST(SetFileDirectory, mayListSegmentsInAnyOrder) {
+    const Directory directory{{entryAt(8192, 4096), entryAt(4096, 4096)}, {}};
+    EXPECT_EQ(stateOf(fileOf(directory)).directory, directory);
+}
+
+TEST(SetFileDirectory, isRefusedIfASegmentIsWhereNoneCanBe) {
+    constexpr std::uint64_t kMost = ~std::uint64_t{0};
+    const SegmentEntry places[] = {
+        entryAt(0, 10),            // the header
+        entryAt(5000, 10),         // no page
+        entryAt(4096, 0),          // nothing
+        entryAt(4096, 8193),       // over the directory
+        entryAt(4096, kMost),      // past the end of all numbers
+        entryAt(1 << 20, 10),      // past the end of the file
+        entryAt(kMost - 4095, 1),  // the last page that has a number
+    };
+    for (const SegmentEntry& entry : places) {
+        const Refusal refusal = refusalOf([&] { stateOf(fileOf({{entry}, {}})); });
+        EXPECT_EQ(refusal.kind, ErrorKind::kDamaged) << entry.offset;
+    }
+    EXPECT_EQ(refusalOf([&] {
+                  stateOf(fileOf({{entryAt(5000, 10)}, {}}));
+              }).text,
+              "the directory says of segment 1 what cannot be");
+}
+
+TEST(SetFileDirectory, isRefusedIfSegmentsLieOverOneAnother) {
+    for (const std::uint64_t size : {std::uint64_t{4097}, std::uint64_t{8192}})
+        EXPECT_EQ(refusalOf([&] {
+                      stateOf(fileOf({{entryAt(8192, 1), entryAt(4096, size)}, {}}));
+                  }).text,
+                  "segments lie over one another");
+    EXPECT_EQ(refusalOf([] {
+                  stateOf(fileOf({{entryAt(4096, 1), entryAt(4096, 1)}, {}}));
+              }).kind,
+              ErrorKind::kDamaged);
+}
+
+TEST(SetFileDirectory, isRefusedIfItCountsWhatCannotBe) {
+    const std::vector<std::function<void(SegmentEntry&)>> changes{
+        [](SegmentEntry& entry) { entry.pathCount = 0; },
+        [](SegmentEntry& entry) { entry.pathCount = 2; },  // of two bytes in all
+        [](SegmentEntry& entry) { entry.textSize = 1; },
+        [](SegmentEntry& entry) { entry.textSize = ~std::uint64_t{0}; },
+        [](SegmentEntry& entry) { entry.treeStringSize = 2; },  // of an image
+        [](SegmentEntry& entry) {
+            entry.form = SegmentForm::kPacked;
+            entry.treeStringSize = 3;
+        },
+        [](SegmentEntry& entry) {
+            entry.form = SegmentForm::kPacked;
+            entry.treeStringSize = 12;
+        }};
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        SegmentEntry entry = entryAt(4096, 10);
+        changes[i](entry);
+        EXPECT_EQ(refusalOf([&] {
+                      stateOf(fileOf({{entry}, {}}));
+                  }).kind,
+                  ErrorKind::kDamaged)
+            << i;
+    }
+    SegmentEntry many = entryAt(4096, 10);
+    many.textSize = std::uint64_t{1} << 61;
+    many.pathCount = std::uint64_t{1} << 60;
+    Directory directory;
+    for (std::uint64_t i = 1; i <= 3; ++i) {
+        many.offset = i * kPageSize;
+        directory.segments.push_back(many);
+    }
+    EXPECT_EQ(refusalOf([&] { stateOf(fileOf(directory, 4 * kPageSize)); }).text,
+              "the directory counts more paths than there can be");
+}
+
+TEST(SetFileDirectory, isRefusedIfASegmentIsOfALaterForm) {
+    const Directory directory{{entryAt(4096, 10)}, {}};
+    for (const std::size_t offset :
+         {std::size_t{16}, std::size_t{20}}) {  // the form, and what follows it
+        FileBytes file = fileOf(directory);
+        put32(file, 3 * kPageSize + offset, 3);
+        putSumsRight(file);
+        EXPECT_EQ(refusalOf([&] { stateOf(file); }).kind, ErrorKind::kNotASet);
+    }
+}
+
+TEST(SetFileDirectory, isRefusedIfItsSectionsDoNotFit) {
+    const Directory directory{{entryAt(4096, 10)}, {{5, 2, {std::byte{1}}}}};
+    const std::size_t first = 3 * kPageSize;
+    const std::size_t second = first + 16 + 56;
+    const auto changed = [&](std::size_t offset, std::uint32_t value) {
+        FileBytes file = fileOf(directory);
+        put32(file, offset, value);
+        putSumsRight(file);
+        return refusalOf([&] { stateOf(file); }).text;
+    };
+    EXPECT_EQ(changed(first, 6), "is a set that needs a newer version of this program");
+    EXPECT_EQ(changed(first + 8, 48), "the directory ends within a segment");
+    EXPECT_EQ(changed(first + 12, 1), "the directory ends within a section");
+    EXPECT_EQ(changed(second + 8, 9), "the directory ends within a section");
+    EXPECT_EQ(changed(second + 4, 1), "is a set that needs a newer version of this program");
+    EXPECT_EQ(changed(second, 'S' | 'E' << 8 | 'G' << 16 | 'M' << 24),
+              "the directory lists its segments twice");
+}
+
+TEST(SetFileDirectory, isRefusedIfItListsNoSegments) {
+    FileBytes file = fileOf({});
+    put32(file, 3 * kPageSize, 6);      // another tag
+    put32(file, 3 * kPageSize + 4, 0);  // that need not be known
+    putSumsRight(file);
+    EXPECT_EQ(refusalOf([&] { stateOf(file); }).text, "the directory lists no segments");
+}
+
+TEST(SetFileDirectory, canBeRewrittenIfAllItsSectionsMayBeCopied) {
+    EXPECT_TRUE(canBeRewritten({{}, {}}));
+    EXPECT_TRUE(canBeRewritten({{}, {{1, 2, {}}}}));
+    EXPECT_FALSE(canBeRewritten({{}, {{1, 2, {}}, {2, 0, {}}}}));
+}
+
+TEST(CommittedState, isOfTheHigherSequence) {
+    FileBytes file = fileOf({});
+    Header header = decodeHeader(std::span(file).first(kPageSize));
+    for (const std::uint64_t sequence : {std::uint64_t{1}, std::uint64_t{3}}) {
+        header.superblocks[0]->sequence = sequence;
+        const auto page = encodeHeader(header);
+        EXPECT_EQ(committedState(page, file).slot, sequence == 1 ? 1U : 0U);
+    }
+}
+
+TEST(CommittedState, mayEndBeforeTheFileDoes) {
+    FileBytes file = fileOf({});
+    const CommittedState before = stateOf(file);
+    file.resize(file.size() + 100'000);
+    EXPECT_EQ(stateOf(file).superblock, before.superblock);
+}
+
+TEST(CommittedState, isFoundAtTheEndIfBothSuperblocksAreDamaged) {
+    FileBytes file = fileOf({});
+    const CommittedState before = stateOf(file);
+    for (const std::size_t offset : kSuperblockOffsets) file[offset] ^= std::byte{1};
+    const CommittedState state = stateOf(file);
+    EXPECT_EQ(state.superblock, before.superblock);
+    EXPECT_EQ(state.slot, std::nullopt);
+    file.push_back({});
+    EXPECT_EQ(refusalOf([&] { stateOf(file); }).text, "both superblocks are damaged");
+}
+
+TEST(CommittedState, isNotTheOneAtTheEndIfTheHeaderIsWhole) {
+    // As a writer leaves it that is ended before it writes the superblock.
+    FileBytes file = fileOf({});
+    const CommittedState before = stateOf(file);
+    const FileBytes more = encodeDirectory({});
+    Superblock next{9, file.size(), more.size(), sumOf(more), 0};
+    next.end = next.directoryOffset + more.size() + kSuperblockSize;
+    file.insert(file.end(), more.begin(), more.end());
+    const auto closing = encodeSuperblock(next);
+    file.insert(file.end(), closing.begin(), closing.end());
+    EXPECT_EQ(stateOf(file).superblock, before.superblock);
+    file[kSuperblockOffsets[0]] ^= std::byte{1};
+    EXPECT_EQ(stateOf(file).superblock, next);
+}
+
+}  // namespace
+}  // namespace zqpaths

@@ -1,0 +1,77 @@
+#include "zqpaths/set/Segment.hpp"
+
+#include <gtest/gtest.h>
+
+#include <new>
+#include <stdexcept>
+#include <thread>
+
+#include "tests/support/SetFiles.hpp"
+#include "tests/zqpaths/SegmentedSets.hpp"
+
+namespace zqpaths {
+namespace {
+
+class SegmentTest : public testing::TestWithParam<SegmentForm> {
+protected:
+    SegmentedSet made_{{{SegmentForm::kImage, {"first"}}, {GetParam(), {"a/b", "plain", "a/c"}}}};
+    std::shared_ptr<const SetFile> file_ = SetFile::open(made_.file());
+    Segment segment_{file_, file_->segments()[1], 2};
+};
+INSTANTIATE_TEST_SUITE_P(Forms, SegmentTest,
+                         testing::Values(SegmentForm::kImage, SegmentForm::kPacked));
+
+TEST_P(SegmentTest, countsItsPathsFromItsFirstNumber) {
+    EXPECT_EQ(segment_.firstNumber(), 2U);
+    EXPECT_EQ(segment_.lastNumber(), 4U);
+    EXPECT_EQ(segment_.positionOf(4), 3U);
+    EXPECT_EQ(segment_.numberOf(3), 4U);
+    std::string text = "x ";
+    segment_.appendPath(2, text);
+    EXPECT_EQ(text, "x plain");
+}
+
+TEST_P(SegmentTest, givesItsPathsAsBytes) {
+    std::vector<std::string> paths;
+    segment_.forEachPath({1, 3}, [&](std::size_t position, std::string_view path) {
+        EXPECT_EQ(position, paths.size() + 1);
+        paths.emplace_back(path);
+    });
+    EXPECT_EQ(paths, (std::vector<std::string>{"a/b", "plain", "a/c"}));
+}
+
+TEST_P(SegmentTest, isOpenedOnceForAll) {
+    std::vector<const void*> sets(8);
+    std::vector<std::thread> threads;
+    for (const void*& set : sets) threads.emplace_back([&] { set = &segment_.set(); });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(sets, std::vector<const void*>(8, &segment_.set()));
+    EXPECT_NE(segment_.openAnew().get(), &segment_.set());
+    EXPECT_EQ(segment_.openAnew()->size(), 3U);
+}
+
+TEST_P(SegmentTest, saysThatItIsDamagedForWhatTheCoreRefuses) {
+    const Refusal refusal = refusalOf(
+        [&] { segment_.read([](const auto& /*set*/) { throw std::runtime_error("broken"); }); });
+    EXPECT_EQ(refusal.kind, ErrorKind::kDamaged);
+    EXPECT_EQ(refusal.text, made_.file() + ": segment 2: broken");
+    EXPECT_THROW(segment_.translated([] { throw std::bad_alloc(); }), std::bad_alloc);
+    EXPECT_EQ(refusalOf([&] {
+                  segment_.translated([] { throw Error(ErrorKind::kHeld, "x", "y"); });
+              }).kind,
+              ErrorKind::kHeld);
+    EXPECT_EQ(refusalOf([&] {
+                  segment_.forEachPath({1, 4}, [](std::size_t, auto) {});
+              }).kind,
+              ErrorKind::kDamaged);
+}
+
+TEST_P(SegmentTest, isVerified) {
+    EXPECT_NO_THROW(segment_.verify());
+    SegmentEntry entry = file_->segments()[1];
+    entry.textSize += 1;
+    EXPECT_EQ(refusalOf([&] { Segment(file_, entry, 2).verify(); }).kind, ErrorKind::kDamaged);
+}
+
+}  // namespace
+}  // namespace zqpaths

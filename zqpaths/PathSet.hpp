@@ -1,0 +1,143 @@
+#pragma once
+// PathSet is a set of paths in a file, opened to be read: bytes in, bytes out. The file is mapped,
+// not loaded, so that opening takes microseconds and all processes share its bytes.
+//
+//     zqpaths::PathSet set = zqpaths::PathSet::open("usr.zqp");
+//     std::string path = set.path(7);
+//     set.find(zqpaths::Pattern::text("lib"), [](std::uint64_t number, std::string_view path) {
+//         ...
+//     });
+//
+// Paths have numbers from 1 on, in the order in which they were added. A path is any bytes but NUL,
+// at least one. What others add to the file after it was opened is not seen.
+//
+// Threads: an opened set never changes; any number of threads may read it. The library starts
+// threads of its own for long work and joins them before the call returns, so that a process may
+// fork between calls.
+//
+// A file that others change while it is open gives an error or the right path. Its size is looked at
+// once a call; one that is cut short in the midst of a call can end the process with SIGBUS, which
+// the library leaves to the program.
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "zqpaths/Error.hpp"
+#include "zqpaths/Export.hpp"
+#include "zqpaths/PathVisitor.hpp"
+#include "zqpaths/Pattern.hpp"
+
+namespace zqpaths {
+
+class OpenedSet;  // what all copies of a set share
+
+class ZQPATHS_EXPORT PathSet {
+public:
+    /// Throws Error: kNotFound, kSystem, kNotASet, kDamaged. O(segments).
+    static PathSet open(const std::string& file);
+
+    /// Copies share what is opened.
+    PathSet(const PathSet&) noexcept;
+    PathSet(PathSet&&) noexcept;
+    PathSet& operator=(const PathSet&) noexcept;
+    PathSet& operator=(PathSet&&) noexcept;
+    ~PathSet();
+
+    const std::string& file() const noexcept;
+    std::uint64_t size() const noexcept;
+
+    // All operations below throw Error kDamaged for bytes that cannot be what was saved, and
+    // kWrongUse, before any visit, for a number that the set does not have.
+
+    /// The path with this number, or the same at the end of `text`. O(log entries + bytes).
+    std::string path(std::uint64_t number) const;
+    void appendPath(std::uint64_t number, std::string& text) const;
+
+    /// The paths with these numbers, in the order of the numbers given. O(log entries + bytes) each;
+    /// less where they ascend.
+    void paths(std::span<const std::uint64_t> numbers, PathVisitor visit) const;
+
+    /// All paths, or those from number `first` to `last`, both included, downwards if last is below
+    /// first. O(bytes), on all cores where there is much to do.
+    void forEach(PathVisitor visit) const;
+    void forEach(std::uint64_t first, std::uint64_t last, PathVisitor visit) const;
+
+    /// for (std::string_view path : set): all paths in order. A view is valid until the next step.
+    class Iterator;
+    Iterator begin() const;
+    std::default_sentinel_t end() const noexcept { return {}; }
+
+    /// The lowest number of this path, if the set has it. O(components * log folders + names in the
+    /// folder) a segment.
+    std::optional<std::uint64_t> numberOf(std::string_view path) const;
+    bool contains(std::string_view path) const { return numberOf(path).has_value(); }
+
+    /// The paths in a folder and below it, and that of the folder itself, in the order of numbers.
+    /// How many separators stand together in `folder`, or at its end, does not matter; an empty
+    /// folder holds all paths, "/" those that begin with a separator. Does not scan the set: O(what
+    /// it gives + folders on the way and what they hold).
+    void under(std::string_view folder, PathVisitor visit) const;
+
+    /// The paths that match, in the order of numbers; on all cores.
+    void find(const Pattern& pattern, PathVisitor visit) const;
+    std::uint64_t count(const Pattern& pattern) const;
+
+    /// All paths in the order of the folders, folder by folder, segment after segment; a path that
+    /// is the folder of others is not among them. The number given to `visit` counts the steps.
+    void walk(PathVisitor visit) const;
+
+    /// Everything that is damaged, after all sums and offsets have been looked at; nothing if the
+    /// set is whole. O(size of the file), on all cores.
+    std::vector<Error> verify() const;
+
+    /// What the file is made of.
+    struct Segment {
+        bool isPacked;
+        std::uint64_t firstNumber;
+        std::uint64_t pathCount;
+        std::uint64_t textSize;  // bytes of its paths, one more for each
+        std::uint64_t offset;    // in the file
+        std::uint64_t size;      // bytes in the file
+    };
+    std::vector<Segment> segments() const;
+
+private:
+    explicit PathSet(std::shared_ptr<const OpenedSet> opened) noexcept;
+
+    friend const OpenedSet& openedSetOf(const PathSet& set) noexcept;
+    std::shared_ptr<const OpenedSet> opened_;
+};
+
+/// An input iterator. Throws as forEach.
+class ZQPATHS_EXPORT PathSet::Iterator {
+public:
+    using value_type = std::string_view;
+    using difference_type = std::ptrdiff_t;
+
+    std::string_view operator*() const noexcept;
+    Iterator& operator++();
+    void operator++(int) { ++*this; }
+    std::uint64_t number() const noexcept { return number_; }
+
+    bool operator==(std::default_sentinel_t) const noexcept;
+
+private:
+    friend class PathSet;
+    explicit Iterator(std::shared_ptr<const OpenedSet> opened);
+    void fill();
+
+    std::shared_ptr<const OpenedSet> opened_;
+    std::uint64_t number_ = 1;
+    std::uint64_t firstOfBuffer_ = 1;
+    std::string buffer_;              // paths, one after the other
+    std::vector<std::size_t> ends_;   // of each in the buffer
+};
+
+}  // namespace zqpaths

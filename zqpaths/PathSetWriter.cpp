@@ -1,0 +1,196 @@
+#include "zqpaths/PathSetWriter.hpp"
+
+#include <cassert>
+#include <cstddef>
+#include <exception>
+#include <utility>
+#include <vector>
+
+#include "compressedpaths/BPathTreeExceptions.hpp"
+#include "zqpaths/file/SetFileWriter.hpp"
+#include "zqpaths/set/BackgroundWork.hpp"
+#include "zqpaths/set/CollectedPaths.hpp"
+#include "zqpaths/set/OrderedWork.hpp"
+#include "zqpaths/set/Segment.hpp"
+#include "zqpaths/set/SegmentBuilder.hpp"
+#include "zqpaths/set/SegmentJoining.hpp"
+
+namespace zqpaths {
+namespace {
+
+SetFileWriter::Mode fileMode(PathSetWriter::Mode mode) noexcept {
+    switch (mode) {
+        case PathSetWriter::Mode::kCreate:
+            return SetFileWriter::Mode::kCreate;
+        case PathSetWriter::Mode::kReplace:
+            return SetFileWriter::Mode::kReplace;
+        case PathSetWriter::Mode::kAppend:
+            break;
+    }
+    return SetFileWriter::Mode::kAppend;
+}
+
+SegmentForm segmentForm(PathSetWriter::Form form) noexcept {
+    return form == PathSetWriter::Form::kPacked ? SegmentForm::kPacked : SegmentForm::kImage;
+}
+
+/// Calls `visit(path)` for all paths of a segment. Throws Error kDamaged and what `visit` throws.
+template <class Visit>
+void forEachPath(const Segment& segment, Visit visit) {
+    segment.forEachPath(
+        {1, segment.entry().pathCount}, [&](std::size_t position, std::string_view path) {
+            if (path.empty() || path.find('\0') != std::string_view::npos)
+                segment.refuse("path number " + std::to_string(position) + " of it is none");
+            visit(path);
+        });
+}
+
+}  // namespace
+
+class PathSetWriter::Work {
+public:
+    Work(std::string file, Mode mode, Form form)
+        : name_(std::move(file)),
+          file_(name_, fileMode(mode)),
+          isAppending_(mode == Mode::kAppend),
+          form_(segmentForm(form)) {
+        for (const SegmentEntry& segment : file_.segments()) pathCount_ += segment.pathCount;
+    }
+
+    void add(std::string_view path) {
+        if (failure_ || isCommitted_ || building_.hasFailed()) refuseMore();
+        requirePath(path);
+        if (!collected_.hasRoomFor(path)) doOrFail([this] { passOn(); });
+        collected_.append(path);
+        ++pathCount_;
+        hasAdded_ = true;
+    }
+
+    std::uint64_t size() const noexcept { return pathCount_; }
+
+    void commit() {
+        if (failure_ || isCommitted_) refuseMore();
+        doOrFail([this] {
+            building_.finish();
+            if (isAppending_ && !hasAdded_) return;
+            if (hasAdded_) writeLast();
+            file_.commit();
+        });
+        isCommitted_ = true;
+        collected_ = CollectedPaths();
+        passedOn_ = CollectedPaths();
+    }
+
+private:
+    /// Does something after whose failure the writer takes no more.
+    template <class Step>
+    void doOrFail(Step step) {
+        try {
+            step();
+        } catch (...) {
+            failure_ = std::current_exception();
+            throw;
+        }
+    }
+
+    [[noreturn]] void refuseMore() {
+        if (isCommitted_)
+            throw Error(ErrorKind::kWrongUse, name_, "the writer has committed its paths already");
+        if (!failure_) doOrFail([this] { building_.finish(); });
+        std::rethrow_exception(failure_);
+    }
+
+    void requirePath(std::string_view path) const {
+        if (path.empty()) throw Error(ErrorKind::kWrongUse, name_, "an empty path");
+        const std::size_t nul = path.find('\0');
+        if (nul != std::string_view::npos)
+            throw Error(ErrorKind::kWrongUse, name_,
+                        "a path with NUL at byte " + std::to_string(nul));
+    }
+
+    /// Has the paths that were collected written while others are collected.
+    void passOn() {
+        building_.finish();
+        hasPassedOn_ = true;
+        std::swap(collected_, passedOn_);
+        collected_.clear();
+        building_.start([this] { write(passedOn_); });
+    }
+
+    void write(const CollectedPaths& paths) {
+        try {
+            file_.append(buildSegment(paths, form_, threadCount()).view());
+        } catch (const compressedpaths::SetTooLargeException&) {
+            throw Error(ErrorKind::kWrongUse, name_, "a path is too long");
+        }
+    }
+
+    /// Writes what is still collected, as one with small segments before it where there are many.
+    /// Those that this writer has passed on are full, or nearly so; they are left to a later one.
+    void writeLast() {
+        if (hasPassedOn_) return write(collected_);
+        std::vector<SegmentSize> sizes;
+        for (const SegmentEntry& segment : file_.segments())
+            sizes.push_back({segment.pathCount, segment.textSize});
+        sizes.push_back({collected_.size(), collected_.textSize()});
+        const std::size_t first = firstToJoin(sizes);
+        if (first + 1 < sizes.size()) return join(first);
+        write(collected_);
+    }
+
+    /// Writes the paths of the segments from `first` on, which were all committed before, and those
+    /// collected, anew.
+    void join(std::size_t first) {
+        const std::vector<SegmentEntry> joined(
+            file_.segments().begin() + static_cast<std::ptrdiff_t>(first), file_.segments().end());
+        file_.dropFrom(first);
+        CollectedPaths paths;
+        const auto collect = [&](std::string_view path) {
+            if (!paths.hasRoomFor(path)) {
+                write(paths);
+                paths.clear();
+            }
+            paths.append(path);
+        };
+        for (const SegmentEntry& entry : joined)
+            forEachPath(Segment(file_.committed(), entry, 1), collect);
+        for (std::size_t i = 0; i < collected_.size(); ++i) collect(collected_[i]);
+        write(paths);
+    }
+
+    std::string name_;
+    SetFileWriter file_;
+    bool isAppending_;
+    SegmentForm form_;
+    CollectedPaths collected_;
+    CollectedPaths passedOn_;  // belongs to building_ while it works
+    std::uint64_t pathCount_ = 0;
+    bool hasAdded_ = false;
+    bool hasPassedOn_ = false;
+    bool isCommitted_ = false;
+    std::exception_ptr failure_;
+    BackgroundWork building_;  // the last: it is waited for before the others go
+};
+
+PathSetWriter::PathSetWriter(std::string file, Mode mode, Form form)
+    : work_(std::make_unique<Work>(std::move(file), mode, form)) {}
+
+PathSetWriter::PathSetWriter(PathSetWriter&&) noexcept = default;
+PathSetWriter& PathSetWriter::operator=(PathSetWriter&&) noexcept = default;
+PathSetWriter::~PathSetWriter() = default;
+
+void PathSetWriter::add(std::string_view path) {
+    assert(work_);  // a writer that was moved from takes nothing
+    work_->add(path);
+}
+
+std::uint64_t PathSetWriter::size() const noexcept {
+    return work_ ? work_->size() : 0;
+}
+
+void PathSetWriter::commit() {
+    assert(work_);
+    work_->commit();
+}
+
+}  // namespace zqpaths

@@ -1,0 +1,67 @@
+#pragma once
+// PathSetWriter makes a set file, or adds to one, in one pass over the paths:
+//
+//     zqpaths::PathSetWriter writer("usr.zqp");  // refuses a file that is there
+//     for (const std::string& path : paths) writer.add(path);
+//     writer.commit();                           // now the file is there, whole and on the disk
+//
+// Until commit returns, whoever opens the file sees what was there before; so it is after a crash
+// at any moment. A writer that is destroyed without a commit discards what it was given.
+//
+// Paths are collected up to a segment's worth; a full segment is coded and written on other threads
+// while the next is collected. Memory stays below 512 MB and eight times the longest path, however
+// many paths there are; and a hundred bytes for each folder of a path that is in millions of them.
+//
+// Threads: a writer belongs to one thread at a time. Threads of its own may be at work between two
+// calls of add, none before the first, nor after commit or when the writer is gone: fork there. One
+// writer at a time has a set; another that comes waits up to five seconds.
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "zqpaths/Error.hpp"
+#include "zqpaths/Export.hpp"
+
+namespace zqpaths {
+
+class ZQPATHS_EXPORT PathSetWriter {
+public:
+    enum class Mode {
+        kCreate,   // a new file; refuses one that is there
+        kReplace,  // a new file, in the place of one that may be there
+        kAppend,   // after the paths of a set that is there
+    };
+
+    /// How paths are kept: to be opened at once, or as small as can be, to be inflated by whoever
+    /// reads them first.
+    enum class Form { kImage, kPacked };
+
+    /// Throws Error: kExists, kNotFound, kNotASet, kDamaged, kHeld, kNoSpace, kSystem.
+    explicit PathSetWriter(std::string file, Mode mode = Mode::kCreate, Form form = Form::kImage);
+    PathSetWriter(PathSetWriter&&) noexcept;
+    PathSetWriter& operator=(PathSetWriter&&) noexcept;
+    ~PathSetWriter();
+
+    /// Gives the path the next number. Throws Error kWrongUse for an empty path, one with NUL, and
+    /// after a commit; the writer is then as it was. Throws kNoSpace, kSystem and std::bad_alloc
+    /// for what went wrong with those before, and the writer then takes no more: every call says
+    /// so. Amortised O(bytes).
+    void add(std::string_view path);
+
+    /// Paths that the set will have: those that were there and those added.
+    std::uint64_t size() const noexcept;
+
+    /// Throws Error kExists if another has made the file meanwhile, kNoSpace, kSystem, kDamaged if
+    /// small segments that were there cannot be joined; the file is then as it was, and the writer
+    /// takes no more. Without any path a new set is empty, and valid; one that is appended to is
+    /// not touched. O(bytes), and now and then those of small segments that were there.
+    void commit();
+
+private:
+    class Work;
+    std::unique_ptr<Work> work_;
+};
+
+}  // namespace zqpaths

@@ -1,0 +1,136 @@
+#pragma once
+// How a set file is laid out, as bytes: the header with its two superblocks, and the directory.
+// docs/zqp.md draws it. This is the one reader and the one writer of that form; it knows nothing of
+// files of the system.
+//
+//     const CommittedState state = committedState(firstPage, file);  // what a reader goes by
+//     for (const SegmentEntry& entry : state.directory.segments) ...
+//
+// Errors have no place in their text: who knows the file puts its name before them.
+//
+// Threads: free functions without state.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace zqpaths {
+
+inline constexpr std::uint64_t kPageSize = 4096;  // of the header; segments begin at multiples
+
+enum class SegmentForm : std::uint32_t {
+    kImage = 1,   // the image of a path set
+    kPacked = 2,  // its tree string, UTF-16 with the lowest byte first, then its saved form
+};
+
+struct SegmentEntry {
+    SegmentForm form;
+    std::uint64_t offset;  // in the file, a multiple of kPageSize
+    std::uint64_t size;    // bytes
+    std::uint64_t pathCount;
+    std::uint64_t textSize;        // bytes of all paths, one more for each
+    std::uint64_t treeStringSize;  // bytes of the tree string at the front; 0 for an image
+    std::uint64_t sum;             // XXH3-64 of the bytes
+
+    bool operator==(const SegmentEntry&) const = default;
+};
+
+/// A section of a directory that only a later version understands.
+struct UnknownSection {
+    std::uint32_t tag;
+    std::uint32_t flags;
+    std::vector<std::byte> bytes;
+
+    bool operator==(const UnknownSection&) const = default;
+};
+
+struct Directory {
+    std::vector<SegmentEntry> segments;   // in the order of the numbers
+    std::vector<UnknownSection> unknown;  // in their order
+
+    std::uint64_t pathCount() const noexcept;
+
+    bool operator==(const Directory&) const = default;
+};
+
+struct Superblock {
+    std::uint64_t sequence;  // the higher one counts
+    std::uint64_t directoryOffset;
+    std::uint64_t directorySize;
+    std::uint64_t directorySum;  // XXH3-64
+    std::uint64_t end;           // of what is committed
+
+    bool operator==(const Superblock&) const = default;
+};
+
+// Numbers of the form, beside those that SetFileLayout.cpp keeps to itself.
+
+inline constexpr std::array<std::byte, 8> kMagic{std::byte{0x89}, std::byte{'z'},  std::byte{'q'},
+                                                 std::byte{'p'},  std::byte{'\r'}, std::byte{'\n'},
+                                                 std::byte{0x1A}, std::byte{'\n'}};
+inline constexpr std::uint32_t kVersion = 1;
+inline constexpr std::size_t kHeaderSize = 32;      // at the front, with its sum in the last eight
+inline constexpr std::size_t kSuperblockSize = 48;  // with its sum in the last eight
+inline constexpr std::array<std::size_t, 2> kSuperblockOffsets{512, 1024};
+inline constexpr std::uint64_t kDirectoryAlignment = 8;
+inline constexpr std::uint64_t kMaxSequence = std::uint64_t{1} << 62;
+
+constexpr std::uint64_t alignedUp(std::uint64_t offset, std::uint64_t alignment) noexcept {
+    return (offset + alignment - 1) / alignment * alignment;
+}
+
+/// The sum that stands for these bytes wherever the form has one. O(bytes).
+std::uint64_t sumOf(std::span<const std::byte> bytes) noexcept;
+
+/// Throws Error kDamaged, with both sizes, if a file has fewer bytes than it should.
+void requireSize(std::uint64_t size, std::uint64_t wanted);
+
+/// What the first page says.
+struct Header {
+    std::uint32_t flags = 0;                                 // those that a reader may ignore
+    std::array<std::optional<Superblock>, 2> superblocks{};  // none where the bytes are damaged
+
+    bool operator==(const Header&) const = default;
+};
+
+/// The first page of a file; what is cut off it counts as zeros. Throws Error kNotASet, kDamaged.
+Header decodeHeader(std::span<const std::byte> page);
+std::array<std::byte, kPageSize> encodeHeader(const Header& header);
+
+/// True if a file that begins so may give way to a set: it is one, whole or damaged, of whatever
+/// version, or of the older form.
+bool isOfOurs(std::span<const std::byte> page) noexcept;
+
+/// Nothing if the bytes are damaged or no superblock can say this.
+std::optional<Superblock> decodeSuperblock(std::span<const std::byte, kSuperblockSize> bytes);
+std::array<std::byte, kSuperblockSize> encodeSuperblock(const Superblock& superblock);
+
+/// The directory that a superblock names, of the bytes of the file from the first one on. Throws
+/// Error kDamaged, kNotASet if it needs a later version. O(directory).
+Directory decodeDirectory(std::span<const std::byte> file, const Superblock& superblock);
+
+/// Throws std::bad_alloc. O(directory).
+std::vector<std::byte> encodeDirectory(const Directory& directory);
+
+/// True if a writer that changes the segments may copy all sections that it does not know.
+bool canBeRewritten(const Directory& directory) noexcept;
+
+/// What a file was when it was committed last.
+struct CommittedState {
+    Header header;
+    Superblock superblock;
+    std::optional<unsigned>
+        slot;       // of the superblock; none if it stands only at the end of the file
+    bool isLatest;  // false if the directory that was written last is damaged
+    Directory directory;
+};
+
+/// What counts of a file, given its first page as it was read before the size of the file was
+/// looked at. Throws Error kNotASet, kDamaged. O(directory).
+CommittedState committedState(std::span<const std::byte> firstPage,
+                              std::span<const std::byte> file);
+
+}  // namespace zqpaths

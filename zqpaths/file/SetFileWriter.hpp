@@ -1,0 +1,67 @@
+#pragma once
+// SetFileWriter makes a set file or a new state of one. Bytes that are committed are never
+// overwritten; what it writes counts from commit on.
+//
+//     SetFileWriter writer("usr.zqp", SetFileWriter::Mode::kAppend);  // others wait from here on
+//     writer.append(segment);
+//     writer.commit();
+//
+// Threads: belongs to one thread at a time.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "zqpaths/file/SetFile.hpp"
+
+namespace zqpaths {
+
+class SetFileChange;  // what is done in a mode
+
+/// The bytes of a segment that is to be written, and what the directory says of it.
+struct SegmentBytes {
+    SegmentForm form;
+    std::uint64_t pathCount;
+    std::uint64_t textSize;
+    std::uint64_t treeStringSize;
+    std::span<const std::byte> bytes;
+};
+
+class SetFileWriter {
+public:
+    enum class Mode { kCreate, kReplace, kAppend };
+
+    /// Throws Error: kExists, kNotFound, kNotASet, kDamaged, kHeld, kNoSpace, kSystem.
+    SetFileWriter(const std::string& path, Mode mode);
+    SetFileWriter(const SetFileWriter&) = delete;
+    SetFileWriter& operator=(const SetFileWriter&) = delete;
+    ~SetFileWriter();  // discards what is not committed
+
+    /// The segments that the next commit keeps, those appended last.
+    const std::vector<SegmentEntry>& segments() const noexcept;
+
+    /// The file as it was committed before; nothing unless it is appended to.
+    const std::shared_ptr<const SetFile>& committed() const noexcept;
+
+    /// Takes the segments from `first` on out of the set; the file keeps their bytes until it is
+    /// compacted.
+    void dropFrom(std::size_t first) noexcept;
+
+    /// Writes a segment after all others. Throws Error kNoSpace, kSystem; it does not count then.
+    void append(const SegmentBytes& segment);
+
+    /// Makes the segments the content of the file, on the disk when it returns; others may write
+    /// it from then on. Where more bytes of the file would be dead than alive, it is written anew
+    /// without them. Once: then nothing more can be appended. Throws Error kExists, kHeld,
+    /// kNoSpace, kSystem; the file is then as it was, unless the system refused to put on the
+    /// device what it had taken already.
+    void commit();
+
+private:
+    std::unique_ptr<SetFileChange> change_;
+};
+
+}  // namespace zqpaths

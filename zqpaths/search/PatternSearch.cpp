@@ -1,0 +1,166 @@
+#include "zqpaths/search/PatternSearch.hpp"
+
+#include <algorithm>
+#include <string_view>
+
+#include "zqpaths/set/OrderedWork.hpp"
+#include "zqpaths/text/PathComponents.hpp"
+#include "zqpaths/text/PathText.hpp"
+
+namespace zqpaths {
+namespace {
+
+constexpr std::size_t kPathsASlice = 16384;
+
+/// True if a text may begin in `folderText` and end after it.
+bool canGoOnAfter(std::string_view folderText, std::string_view text) {
+    for (std::size_t end = text.find(kSeparator); end != std::string_view::npos;
+         end = text.find(kSeparator, end + 1))
+        if (folderText.ends_with(text.substr(0, end + 1))) return true;
+    return false;
+}
+
+}  // namespace
+
+/// Candidates in ascending order. Neighbours become one.
+class PatternSearch::CandidateList {
+public:
+    explicit CandidateList(bool areNamesCertain) : areNamesCertain_(areNamesCertain) {}
+
+    void append(Positions positions, bool isCertain) {
+        if (!list_.empty() && list_.back().isCertain == isCertain &&
+            list_.back().positions.last + 1 == positions.first)
+            list_.back().positions.last = positions.last;
+        else
+            list_.push_back({positions, isCertain});
+    }
+    /// Those of some positions, ascending, that are in a range.
+    void appendNamed(const std::vector<std::size_t>& named, Positions range) {
+        auto next = std::lower_bound(named.begin(), named.end(), range.first);
+        for (; next != named.end() && *next <= range.last; ++next)
+            append({*next, *next}, areNamesCertain_);
+    }
+    std::vector<Candidates> take() { return std::move(list_); }
+
+private:
+    bool areNamesCertain_;
+    std::vector<Candidates> list_;
+};
+
+PatternSearch::PatternSearch(const OpenedSet& set, const Pattern& pattern)
+    : set_(set), matching_(*pattern.matching_) {
+    appendUtf16(matching_.piece.text, piece_);
+    // No path holds NUL, but the component of no folder does.
+    isAllPiece_ = matching_.fixedText == matching_.piece.text &&
+                  matching_.piece.text.find('\0') == std::string::npos;
+    for (const Segment& segment : set.segments()) segments_.emplace_back(segment);
+}
+
+void PatternSearch::find(PathVisitor visit) const {
+    const std::vector<Slice> all = slices();
+    makeInOrder(
+        all.size(), threadCount(), [&](std::size_t i) { return matchesIn(all[i]); },
+        [&](const PathBuffer& paths) { return paths.visit(visit); });
+}
+
+std::uint64_t PatternSearch::count() const {
+    const std::vector<Slice> all = slices();
+    std::uint64_t total = 0;
+    makeInOrder(
+        all.size(), threadCount(), [&](std::size_t i) { return countIn(all[i]); },
+        [&](std::uint64_t count) { total += count; });
+    return total;
+}
+
+std::vector<PatternSearch::Slice> PatternSearch::slices() const {
+    std::vector<Slice> slices;
+    for (const SearchedSegment& in : segments_) {
+        const std::size_t size = in.segment->entry().pathCount;
+        for (std::size_t before = 0; before < size;) {
+            const std::size_t last = before + std::min(kPathsASlice, size - before);
+            slices.push_back({&in, {before + 1, last}});
+            before = last;
+        }
+    }
+    return slices;
+}
+
+PathBuffer PatternSearch::matchesIn(const Slice& slice) const {
+    const Segment& segment = *slice.in->segment;
+    PathBuffer paths;
+    for (const Candidates& candidates : candidatesIn(slice))
+        segment.forEachPath(candidates.positions, [&](std::size_t position, std::string_view path) {
+            if (candidates.isCertain || matching_.matches(path))
+                paths.append(segment.numberOf(position), path);
+        });
+    return paths;
+}
+
+std::uint64_t PatternSearch::countIn(const Slice& slice) const {
+    std::uint64_t count = 0;
+    for (const auto& [positions, isCertain] : candidatesIn(slice)) {
+        if (isCertain)
+            count += positions.last - positions.first + 1;
+        else
+            slice.in->segment->forEachPath(positions,
+                                           [&](std::size_t /*position*/, std::string_view path) {
+                                               count += matching_.matches(path) ? 1 : 0;
+                                           });
+    }
+    return count;
+}
+
+/// What may match of a slice, ascending.
+std::vector<PatternSearch::Candidates> PatternSearch::candidatesIn(const Slice& slice) const {
+    if (piece_.empty()) return {{slice.positions, isAllPiece_}};
+    return slice.in->segment->read([&](const PathTree& set) {
+        std::vector<std::size_t> named;
+        set.forEachNameWith(piece_, slice.positions,
+                            [&](std::size_t position) { named.push_back(position); });
+        CandidateList list(isAllPiece_);
+        const auto& folders =
+            slice.in->foldersWithPiece.get([&] { return foldersWithPieceOf(set); });
+        if (folders.empty()) {
+            list.appendNamed(named, slice.positions);
+            return list.take();
+        }
+        set.forEachEntry(slice.positions, [&](PathTree::FolderId folder, Positions positions) {
+            if (folders[static_cast<std::size_t>(folder)])
+                appendFilesOfFolder(set, positions, named, list);
+            else
+                list.appendNamed(named, positions);
+        });
+        return list.take();
+    });
+}
+
+PatternSearch::FoldersWithPiece PatternSearch::foldersWithPieceOf(const PathTree& set) const {
+    if (matching_.piece.isInName) return {};
+    FoldersWithPiece folders = set.foldersNamedWith(piece_);
+    for (std::uint32_t id = 0; id < folders.size(); ++id) {
+        const auto parent = static_cast<std::size_t>(set.parentOf(PathTree::FolderId{id}));
+        if (folders[parent]) folders[id] = true;
+    }
+    const bool hasAny = std::find(folders.begin(), folders.end(), true) != folders.end();
+    return hasAny ? folders : FoldersWithPiece{};
+}
+
+/// Files of a folder whose text holds the piece; `named` are those whose names hold it.
+void PatternSearch::appendFilesOfFolder(const PathTree& set, Positions positions,
+                                        const std::vector<std::size_t>& named,
+                                        CandidateList& list) const {
+    if (isAllPiece_ || !matching_.fixedText) return list.append(positions, isAllPiece_);
+
+    std::string path;
+    set.appendText(positions.first, Segment::kSeparatorText, path);
+    const std::string_view plainPath = pathOfComponents(path);
+    const std::string_view folderText = plainPath.substr(0, folderLength(plainPath));
+    if (folderText.find(*matching_.fixedText) != std::string_view::npos)
+        list.append(positions, true);
+    else if (canGoOnAfter(folderText, *matching_.fixedText))
+        list.append(positions, false);
+    else
+        list.appendNamed(named, positions);
+}
+
+}  // namespace zqpaths

@@ -1,0 +1,90 @@
+#pragma once
+// PatternSearch finds the paths of a set that match a pattern:
+//
+//     PatternSearch(opened, Pattern::text("lib")).find([](std::uint64_t number, auto path) { ...
+//     });
+//
+// What a matching path must hold, the pattern's longest piece, is looked for in the coded names of
+// files, and once in the name of each folder: a folder whose text holds it is a folder of
+// candidates as a whole.
+//
+//     piece "python3"     usr/lib/python3/    all of its files are candidates
+//                         usr/bin/            python3 and python3.11 are, by their names
+//                         usr/share/          none is, and no path is looked at
+//
+// A text without a separator is all piece: its candidates match, and only what is visited is
+// decoded. Candidates of other patterns are decoded and tested. A text with a separator that the
+// text of a folder holds is in all of its paths. Without a piece all paths are tested.
+//
+// That bytes and coded characters say the same: a piece is whole characters of UTF-8. None of their
+// first bytes can stand within another character, so that where the piece's bytes stand in a path,
+// characters begin and end, and were coded as those of the piece; where its coded characters stand,
+// their bytes do. What is not UTF-8 in a path was coded byte by byte as units that no character
+// has.
+//
+// Threads: belongs to one thread, and starts others, which are joined before a call returns.
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "compressedpaths/store/Lazy.hpp"
+#include "zqpaths/PathVisitor.hpp"
+#include "zqpaths/Pattern.hpp"
+#include "zqpaths/search/PatternMatching.hpp"
+#include "zqpaths/set/OpenedSet.hpp"
+
+namespace zqpaths {
+
+class PatternSearch {
+public:
+    /// Both outlive the search.
+    PatternSearch(const OpenedSet& set, const Pattern& pattern);
+
+    /// The paths that match, in the order of their numbers. Throws Error kDamaged.
+    void find(PathVisitor visit) const;
+    std::uint64_t count() const;
+
+private:
+    using Positions = Segment::Positions;
+    using PathTree = compressedpaths::HuffmanPathTree;
+
+    /// Neighbours in a segment that match, or that may.
+    struct Candidates {
+        Positions positions;
+        bool isCertain;
+    };
+    class CandidateList;
+
+    /// Which folders of a segment have a text that holds the piece; nothing if none has.
+    using FoldersWithPiece = std::vector<bool>;
+    struct SearchedSegment {
+        explicit SearchedSegment(const Segment& of) : segment(&of) {}
+
+        const Segment* segment;
+        compressedpaths::Lazy<FoldersWithPiece> foldersWithPiece;
+    };
+    /// What is searched in one go.
+    struct Slice {
+        const SearchedSegment* in;
+        Positions positions;
+    };
+
+    std::vector<Slice> slices() const;
+    PathBuffer matchesIn(const Slice& slice) const;
+    std::uint64_t countIn(const Slice& slice) const;
+    std::vector<Candidates> candidatesIn(const Slice& slice) const;
+    FoldersWithPiece foldersWithPieceOf(const PathTree& set) const;
+    void appendFilesOfFolder(const PathTree& set, Positions positions,
+                             const std::vector<std::size_t>& named, CandidateList& list) const;
+
+    const OpenedSet& set_;
+    const Pattern::Matching& matching_;
+    std::u16string piece_;
+    bool isAllPiece_;  // what holds the piece matches
+    std::deque<SearchedSegment> segments_;
+};
+
+}  // namespace zqpaths

@@ -1,0 +1,62 @@
+#include "zqpaths/set/OpenedSet.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace zqpaths {
+namespace {
+
+/// Bytes of a path, if it is like the others of its segment, and a few more.
+std::uint64_t likelySize(const SegmentEntry& entry) {
+    constexpr std::uint64_t kMost = 256;  // whatever a directory says
+    const std::uint64_t average = entry.textSize / entry.pathCount;
+    return std::min(average + average / 8, kMost);
+}
+
+}  // namespace
+
+std::shared_ptr<const OpenedSet> OpenedSet::open(const std::string& file) {
+    return std::make_shared<const OpenedSet>(SetFile::open(file));
+}
+
+OpenedSet::OpenedSet(std::shared_ptr<const SetFile> file) : file_(std::move(file)) {
+    std::uint64_t next = 1;
+    for (const SegmentEntry& entry : file_->segments()) {
+        segments_.emplace_back(file_, entry, next);
+        next += entry.pathCount;
+    }
+}
+
+void OpenedSet::requireNumber(std::uint64_t number) const {
+    if (number >= 1 && number <= size()) return;
+    throw Error(ErrorKind::kWrongUse, file_->path(),
+                "there is no path number " + std::to_string(number) + ", the set has " +
+                    std::to_string(size()));
+}
+
+const Segment& OpenedSet::segmentOf(std::uint64_t number) const noexcept {
+    return *std::partition_point(
+        segments_.begin(), segments_.end(),
+        [number](const Segment& segment) { return segment.lastNumber() < number; });
+}
+
+void OpenedSet::appendPath(std::uint64_t number, std::string& text) const {
+    const Segment& segment = segmentOf(number);
+    segment.appendPath(segment.positionOf(number), text);
+}
+
+void OpenedSet::appendPaths(PathNumbers numbers, PathBuffer& paths) const {
+    while (numbers.first <= numbers.last) {
+        const Segment& segment = segmentOf(numbers.first);
+        const std::uint64_t last = std::min(numbers.last, segment.lastNumber());
+        const std::uint64_t count = last - numbers.first + 1;
+        paths.reserve(paths.size() + count, paths.textSize() + count * likelySize(segment.entry()));
+        segment.forEachPath({segment.positionOf(numbers.first), segment.positionOf(last)},
+                            [&](std::size_t position, std::string_view path) {
+                                paths.append(segment.numberOf(position), path);
+                            });
+        numbers.first = last + 1;
+    }
+}
+
+}  // namespace zqpaths

@@ -1,0 +1,119 @@
+#pragma once
+// Segment is one path set of a file, opened when it is first needed: an image on the mapped bytes,
+// a packed one inflated into memory.
+//
+//     const Segment segment(file, file->segments()[0], 1);
+//     segment.forEachPath({1, 9}, [&](std::size_t position, std::string_view path) { ... });
+//
+// Threads: any number of threads may read it; one of them opens it while the others wait.
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+
+#include "compressedpaths/HuffmanPathTree.hpp"
+#include "compressedpaths/store/Lazy.hpp"
+#include "zqpaths/file/SetFile.hpp"
+#include "zqpaths/text/PathComponents.hpp"
+
+namespace zqpaths {
+
+class Segment {
+public:
+    /// What the core joins the components of a path with.
+    static constexpr std::string_view kSeparatorText{&kSeparator, 1};
+
+    Segment(std::shared_ptr<const SetFile> file, const SegmentEntry& entry,
+            std::uint64_t firstNumber);
+
+    std::uint64_t firstNumber() const noexcept { return firstNumber_; }
+    std::uint64_t lastNumber() const noexcept { return firstNumber_ + entry_.pathCount - 1; }
+    const SegmentEntry& entry() const noexcept { return entry_; }
+
+    /// The number of a path of this segment as its own set counts, and back.
+    std::size_t positionOf(std::uint64_t number) const noexcept {
+        return static_cast<std::size_t>(number - firstNumber_ + 1);
+    }
+    std::uint64_t numberOf(std::size_t position) const noexcept {
+        return firstNumber_ + position - 1;
+    }
+
+    /// Throws Error kDamaged. O(1) for an image, O(paths) for a packed one the first time.
+    const compressedpaths::HuffmanPathTree& set() const;
+
+    /// A set of its own on the same bytes, which moves through a walk, or is there for once only.
+    /// Throws Error kDamaged. As set() the first time.
+    std::unique_ptr<compressedpaths::HuffmanPathTree> openAnew() const;
+
+    /// Appends the path at a position, which there is. Throws Error kDamaged; `text` is then as it
+    /// was. O(log entries + bytes).
+    void appendPath(std::size_t position, std::string& text) const;
+
+    using Positions = compressedpaths::HuffmanPathTree::NumberRange;
+
+    /// Calls `visit(position, path)` from one position to another, which there are. `visit` is of
+    /// our own and throws std::bad_alloc only. Throws Error kDamaged. O(log entries + bytes).
+    template <class Visit>
+    void forEachPath(Positions positions, Visit visit) const {
+        read([&](const compressedpaths::HuffmanPathTree& set) {
+            forEachPathOf(set, positions, visit);
+        });
+    }
+
+    /// Throws Error kDamaged unless all its offsets and sums hold and it has the paths that the
+    /// directory says it has. O(bytes).
+    void verify() const;
+
+    /// What `work(set())` gives. What it throws, want of memory aside, means that the set is
+    /// damaged and becomes an Error that says so; so it must not call what belongs to others.
+    template <class Work>
+    decltype(auto) read(Work work) const {
+        return translated([&]() -> decltype(auto) { return work(set()); });
+    }
+
+    /// The same for work without a set, as on one that openAnew has given.
+    template <class Work>
+    decltype(auto) translated(Work work) const {
+        try {
+            return work();
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (const Error&) {
+            throw;
+        } catch (const std::exception& damage) {
+            refuse(damage.what());
+        }
+    }
+
+    /// Throws Error kDamaged with the place of this segment and the reason.
+    [[noreturn]] void refuse(std::string_view reason) const;
+
+private:
+    template <class Visit>
+    static void forEachPathOf(const compressedpaths::HuffmanPathTree& set, Positions positions,
+                              Visit visit) {
+        std::size_t count = 0;
+        set.forEachText(positions.first, positions.last, kSeparatorText,
+                        [&](std::size_t position, std::string_view text) {
+                            visit(position, pathOfComponents(text));
+                            ++count;
+                        });
+        if (count != positions.last - positions.first + 1)
+            throw compressedpaths::InvalidPathNumberException();  // there are fewer entries
+    }
+
+    std::unique_ptr<compressedpaths::HuffmanPathTree> openImage() const;
+    std::unique_ptr<compressedpaths::HuffmanPathTree> inflate() const;
+    void requireCount(const compressedpaths::HuffmanPathTree& set) const;
+
+    std::shared_ptr<const SetFile> file_;
+    SegmentEntry entry_;
+    std::uint64_t firstNumber_;
+    compressedpaths::Lazy<std::unique_ptr<compressedpaths::HuffmanPathTree>> set_;
+};
+
+}  // namespace zqpaths
