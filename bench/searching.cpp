@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "bench/RealPaths.hpp"
-#include "tools/zqpaths/PathComponents.hpp"
-#include "tools/zqpaths/PathText.hpp"
+#include "zqpaths/text/PathComponents.hpp"
+#include "zqpaths/text/PathText.hpp"
 
 namespace {
 

@@ -4,12 +4,13 @@
 
 #include "fuzz/InputScript.hpp"
 #include "fuzz/Require.hpp"
-#include "tools/zqpaths/PathComponents.hpp"
-#include "tools/zqpaths/PathText.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
+#include "zqpaths/text/PathComponents.hpp"
+#include "zqpaths/text/PathText.hpp"
 
 using namespace zqpaths;
 using fuzzing::require;
+using zqpaths::program::printablePath;
 
 namespace {
 

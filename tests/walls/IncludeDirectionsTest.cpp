@@ -21,7 +21,7 @@ bool isOfOneOf(const Include& include, const Folders& folders) {
 
 /// True for sources of this repository, in whatever marks; the others are libraries.
 bool isOurs(const Include& include) {
-    static const Folders top{"compressedpaths/", "binding/", "host/",  "tools/",
+    static const Folders top{"compressedpaths/", "binding/", "host/",  "tools/", "zqpaths/",
                              "examples/",        "tests/",   "bench/", "fuzz/"};
     return include.isQuoted || isOfOneOf(include, top);
 }
@@ -82,8 +82,24 @@ TEST(IncludeDirections, theBindingKnowsCoreAndHost) {
     expectOnly(includesIn("binding"), {"binding/", "compressedpaths/", "host/"});
 }
 
-TEST(IncludeDirections, toolsKnowTheHostAlone) {
-    expectOnly(includesIn("tools"), {"tools/", "host/"});
+TEST(IncludeDirections, theLibraryKnowsItselfAndTheCore) {
+    expectOnly(includesIn("zqpaths"), {"zqpaths/", "compressedpaths/"});
+}
+
+TEST(IncludeDirections, theDoorsOfTheLibraryLeadNowhereElse) {
+    const Folders doors{"zqpaths/Error.hpp",       "zqpaths/Export.hpp",
+                        "zqpaths/PathSet.hpp",     "zqpaths/PathSetWriter.hpp",
+                        "zqpaths/PathVisitor.hpp", "zqpaths/Pattern.hpp"};
+    for (const std::string& door : doors) expectOnly(includesOf(door), doors);
+}
+
+TEST(IncludeDirections, toolsKnowTheLibraryAlone) {
+    expectOnly(includesIn("tools"), {"tools/", "zqpaths/"});
+}
+
+TEST(IncludeDirections, theExampleOfAProgramKnowsTheDoorsOfTheLibraryAlone) {
+    expectOnly(includesOf("examples/library_session.cpp"),
+               {"zqpaths/PathSet.hpp", "zqpaths/PathSetWriter.hpp"});
 }
 
 TEST(IncludeDirections, theExampleOfAHostProgramKnowsTheHostAlone) {
@@ -91,22 +107,22 @@ TEST(IncludeDirections, theExampleOfAHostProgramKnowsTheHostAlone) {
 }
 
 TEST(IncludeDirections, whatIsShippedIncludesNoTests) {
-    for (const char* folder : {"compressedpaths", "binding", "host", "tools", "examples"})
+    for (const char* folder :
+         {"compressedpaths", "binding", "host", "zqpaths", "tools", "examples"})
         for (const Include& include : includesIn(folder))
             EXPECT_FALSE(isOfOneOf(include, {"tests/", "bench/", "fuzz/"})) << include.source;
 }
 
 TEST(IncludeDirections, aLibraryThatCanBeReplacedIsKnownToOneSource) {
-    const Folders libraries{"compressedpaths", "binding", "host"};
+    const Folders libraries{"compressedpaths", "binding", "host", "zqpaths"};
     EXPECT_THAT(whoIncludes(libraries, {"zlib.h"}),
                 ElementsAre("compressedpaths/sixpacks/CompressedBlocks.cpp"));
     EXPECT_THAT(whoIncludes(libraries, {"oneapi/", "tbb/"}),
                 ElementsAre("compressedpaths/ParallelCoding.cpp"));
     EXPECT_THAT(whoIncludes(libraries, {"xxhash.h"}),
                 ElementsAre("compressedpaths/store/Hashing.cpp"));
-    EXPECT_THAT(whoIncludes({"tools"}, {"CLI/"}), ElementsAre("tools/zqpaths/Arguments.cpp"));
-    EXPECT_THAT(whoIncludes({"tools"}, {"sqlite3.h"}), ElementsAre("tools/zqpaths/Database.cpp"));
-    EXPECT_THAT(whoIncludes({"tools"}, {"zlib.h"}), ElementsAre("tools/zqpaths/ZlibStream.cpp"));
+    EXPECT_THAT(whoIncludes({"tools"}, {"CLI/"}),
+                ElementsAre("tools/zqpaths/arguments/Arguments.cpp"));
 }
 
 TEST(IncludeDirections, areReadFromAnyFormOfTheDirective) {

@@ -1,11 +1,13 @@
 #include "tools/zqpaths/DeferredSignals.hpp"
 
+#include <unistd.h>
+
 #include <atomic>
 #include <string>
 
 #include "tools/zqpaths/Failure.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 namespace {
 
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
@@ -13,9 +15,21 @@ constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 std::atomic<int> noted{0};  // the first signal that came, 0 for none
 static_assert(std::atomic<int>::is_always_lock_free, "a handler must not wait");
 
+std::atomic<bool> isWaiting{false};
+
+void endAsIfNoted() {
+    static_cast<void>(std::signal(noted, SIG_DFL));
+    static_cast<void>(raise(noted));
+}
+
 extern "C" void note(int signal) {
     int none = 0;
     noted.compare_exchange_strong(none, signal);
+    if (isWaiting) alarm(1);
+}
+
+extern "C" void endWait(int /*alarm*/) {
+    if (isWaiting) endAsIfNoted();
 }
 
 }  // namespace
@@ -50,4 +64,14 @@ void DeferredSignals::throwIfOneCame() {
         throw Failure(ExitStatus::kFailed, "ended by signal " + std::to_string(noted));
 }
 
-}  // namespace zqpaths
+DeferredSignals::Wait::Wait() noexcept {
+    static_cast<void>(std::signal(SIGALRM, endWait));
+    isWaiting = true;
+}
+
+DeferredSignals::Wait::~Wait() {
+    isWaiting = false;
+    alarm(0);
+}
+
+}  // namespace zqpaths::program

@@ -8,6 +8,12 @@
 //         step();
 //     }
 //
+// Where the work may have to wait for others before it has begun anything, a signal need not wait,
+// too: it ends the process a second after it came.
+//
+//     const DeferredSignals::Wait wait;
+//     writer.emplace(file);
+//
 // Handlers and not a mask: a signal goes to any thread of the process that does not block it, and
 // some threads belong to others.
 //
@@ -16,7 +22,7 @@
 #include <csignal>
 #include <vector>
 
-namespace zqpaths {
+namespace zqpaths::program {
 
 class DeferredSignals {
 public:
@@ -31,6 +37,15 @@ public:
     /// Throws Failure kFailed if one came; nobody reads it if the signal then ends the process.
     static void throwIfOneCame();
 
+    /// Lives while an object does.
+    class Wait {
+    public:
+        Wait() noexcept;
+        Wait(const Wait&) = delete;
+        Wait& operator=(const Wait&) = delete;
+        ~Wait();
+    };
+
 private:
     struct Replaced {
         int signal;
@@ -40,4 +55,4 @@ private:
     std::vector<Replaced> replaced_;
 };
 
-}  // namespace zqpaths
+}  // namespace zqpaths::program

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace zqpaths {
+namespace zqpaths::program {
 
 /// What the program tells the shell.
 enum class ExitStatus : int {
@@ -11,4 +11,4 @@ enum class ExitStatus : int {
     kLimit = 4,     // more than the program or the machine can hold
 };
 
-}  // namespace zqpaths
+}  // namespace zqpaths::program

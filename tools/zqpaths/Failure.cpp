@@ -2,9 +2,9 @@
 
 #include <system_error>
 
-#include "tools/zqpaths/PrintablePath.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 
 Failure failureAt(std::string_view place, const std::string& reason, ExitStatus status) {
     return {status, printablePath(place) + ": " + reason};
@@ -14,4 +14,8 @@ Failure systemFailureAt(std::string_view place, int error) {
     return failureAt(place, std::generic_category().message(error));
 }
 
-}  // namespace zqpaths
+Failure wrongUse(const std::string& reason) {
+    return {ExitStatus::kFailed, reason + "\nRun with --help for more."};
+}
+
+}  // namespace zqpaths::program

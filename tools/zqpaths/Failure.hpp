@@ -4,6 +4,9 @@
 //     throw Failure(ExitStatus::kFailed, "no paths in these sets");
 //     throw failureAt("list.txt", "line 7 is empty");  // "list.txt: line 7 is empty"
 //     throw systemFailureAt("list.txt", ENOENT);       // "list.txt: No such file or directory"
+//     throw wrongUse("DIR or --list is required");
+//
+// What goes wrong with a set comes as Error from the library; main.cpp tells both.
 
 #include <stdexcept>
 #include <string>
@@ -11,7 +14,7 @@
 
 #include "tools/zqpaths/ExitStatus.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 
 class Failure : public std::runtime_error {
 public:
@@ -31,4 +34,7 @@ Failure failureAt(std::string_view place, const std::string& reason,
 /// The same with the system's words for a value of errno.
 Failure systemFailureAt(std::string_view place, int error);
 
-}  // namespace zqpaths
+/// Arguments that do not go together, and where to read which do.
+Failure wrongUse(const std::string& reason);
+
+}  // namespace zqpaths::program

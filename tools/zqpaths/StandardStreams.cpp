@@ -7,7 +7,7 @@
 
 #include "tools/zqpaths/Failure.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 
 void reserveStandardStreams() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -19,4 +19,4 @@ void reserveStandardStreams() {
     }
 }
 
-}  // namespace zqpaths
+}  // namespace zqpaths::program

@@ -3,55 +3,61 @@
 #include <csignal>
 #include <exception>
 #include <new>
+#include <string>
 
-#include "tools/zqpaths/Arguments.hpp"
+#include "tools/zqpaths/CutShortFile.hpp"
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/MemoryShortage.hpp"
-#include "tools/zqpaths/Messages.hpp"
-#include "tools/zqpaths/Output.hpp"
 #include "tools/zqpaths/StandardStreams.hpp"
+#include "tools/zqpaths/arguments/Arguments.hpp"
+#include "tools/zqpaths/output/Messages.hpp"
+#include "tools/zqpaths/output/Output.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
+#include "tools/zqpaths/verbs/Verbs.hpp"
+#include "zqpaths/Error.hpp"
 
+namespace zqpaths::program {
 namespace {
 
-using zqpaths::ExitStatus;
-
-ExitStatus fail(ExitStatus status, const char* message) {
-    zqpaths::tell(message);
+ExitStatus fail(ExitStatus status, const std::string& message) {
+    tell(message);
     return status;
 }
 
-ExitStatus failForWantOfMemory() {
-    return fail(ExitStatus::kLimit, "out of memory");
-}
-
-/// What looks like a damage, or like anything that only a library knows, when memory has run out,
-/// is the want of it.
-ExitStatus failUnlessForWantOfMemory(ExitStatus status, const char* message) {
-    return zqpaths::hasMemoryRunOut() ? failForWantOfMemory() : fail(status, message);
+ExitStatus fail(const Error& error) {
+    const std::string message = printableText(error.what());
+    switch (error.kind()) {
+        case ErrorKind::kDamaged:
+            return fail(ExitStatus::kDamaged, message);
+        case ErrorKind::kExists:
+            return fail(ExitStatus::kFailed, message + "; --force replaces it");
+        default:
+            return fail(ExitStatus::kFailed, message);
+    }
 }
 
 ExitStatus run(int argumentCount, char** arguments) {
     try {
-        zqpaths::watchMemory();
-        zqpaths::reserveStandardStreams();
-        return zqpaths::parseArguments(argumentCount, arguments)();
-    } catch (const zqpaths::ClosedPipe&) {
+        reserveStandardStreams();
+        watchForCutShortFiles();
+        return parseArguments(programTable(), argumentCount, arguments)();
+    } catch (const ClosedPipe&) {
         return ExitStatus::kDone;  // whoever reads has what it wants
-    } catch (const zqpaths::Failure& failure) {
-        if (failure.status() == ExitStatus::kDamaged)
-            return failUnlessForWantOfMemory(failure.status(), failure.what());
+    } catch (const Failure& failure) {
         return fail(failure.status(), failure.what());
+    } catch (const Error& error) {
+        return fail(error);
     } catch (const std::bad_alloc&) {
-        return failForWantOfMemory();
+        return fail(ExitStatus::kLimit, "out of memory");
     } catch (const std::exception& error) {
-        return failUnlessForWantOfMemory(ExitStatus::kFailed, error.what());
+        return fail(ExitStatus::kFailed, error.what());
     }
 }
 
 }  // namespace
+}  // namespace zqpaths::program
 
 int main(int argumentCount, char** arguments) {
     // A closed pipe and the limit of a file's size are seen by whoever writes into them.
     for (const int signal : {SIGPIPE, SIGXFSZ}) static_cast<void>(std::signal(signal, SIG_IGN));
-    return static_cast<int>(run(argumentCount, arguments));
+    return static_cast<int>(zqpaths::program::run(argumentCount, arguments));
 }

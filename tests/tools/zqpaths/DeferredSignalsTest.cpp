@@ -7,7 +7,7 @@
 
 #include "tools/zqpaths/Failure.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 namespace {
 
 void send(int signal) {
@@ -60,4 +60,4 @@ TEST(DeferredSignals, leaveIgnoredOnesIgnored) {
 }
 
 }  // namespace
-}  // namespace zqpaths
+}  // namespace zqpaths::program

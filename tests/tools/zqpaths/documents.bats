@@ -4,7 +4,7 @@ load setup
 # The tests share one installation.
 setup_file() {
     export PREFIX=$BATS_FILE_TMPDIR/prefix
-    cmake --install "$(dirname "$ZQPATHS")/../.." --prefix "$PREFIX" >/dev/null
+    cmake --install "$(dirname "$ZQPATHS")/.." --prefix "$PREFIX" >/dev/null
 }
 
 verbs() {
@@ -33,6 +33,14 @@ complete_words() {
     mv "$PREFIX/lib" "$PREFIX/lib.aside"
     run -127 "$PREFIX/bin/zqpaths" --version
     mv "$PREFIX/lib.aside" "$PREFIX/lib"
+}
+
+@test "a program is built on the installed library alone" {
+    local source=$BATS_TEST_DIRNAME/../../../examples/library_session.cpp
+    g++ -std=c++20 -o session "$source" -isystem "$PREFIX/include" -L "$PREFIX/lib" -lzqpaths \
+        -Wl,-rpath,"$PREFIX/lib"
+    run -0 ./session s.zqp /b /usr/bin/x /usr/lib/y
+    [ "$output" = $'2 paths, the last one is /usr/lib/y\n1\t/usr/bin/x' ]
 }
 
 @test "the installed documents are what the program prints" {

@@ -42,17 +42,12 @@ is_set_of() {
     [ -z "$(ls -A temporary)" ]
 }
 
-@test "standard input that cannot be kept is refused" {
-    fails_with 2 "none" env TMPDIR="$PWD/none" "$ZQPATHS" index s.zqp --list - <<<a
-    [ ! -e s.zqp ]
-    if [ -w /dev/shm ] && unshare -m true 2>/dev/null; then
-        head -c 3000000 /dev/zero | tr '\0' 'a' >long
-        mkdir small
-        run -2 --separate-stderr unshare -m sh -c '
-            mount -t tmpfs -o size=1m none small && TMPDIR=$PWD/small "$ZQPATHS" index s.zqp --list - <long'
-        [[ $stderr == *small*"No space left on device"* ]]
-        [ ! -e s.zqp ]
-    fi
+@test "standard input is read as it comes, and kept nowhere" {
+    (
+        export TMPDIR=$PWD/none
+        [ "$(seq 100000 | zqpaths index s.zqp --list - 2>&1)" = 'zqpaths: s.zqp holds 100,000 paths' ]
+    )
+    seq 100000 | cmp - <(zqpaths list s.zqp)
 }
 
 @test "20,000 random strings of bytes come back as they are" {
@@ -109,6 +104,7 @@ is_set_of() {
     make_set s.zqp old
     mkfifo never
     fails_with 2 's.zqp: is there already' timeout 10 "$ZQPATHS" index s.zqp --list - <>never
+    fails_with 2 's.zqp: is there already' timeout 10 "$ZQPATHS" index s.zqp --list never
     fails_with 2 'none: No such file or directory' \
         timeout 10 "$ZQPATHS" index none/s.zqp --list - <>never
 }
@@ -163,8 +159,6 @@ is_set_of() {
     chmod 0 tree/closed
     as_user=()
     if [ "$(id -u)" -eq 0 ]; then
-        # SQLite names files from the root.
-        chmod a+x "$BATS_RUN_TMPDIR" "$BATS_RUN_TMPDIR"/test
         chmod 777 . tree
         as_user=(setpriv --reuid=65534 --regid=65534 --clear-groups)
         "${as_user[@]}" test -x "$ZQPATHS" -a -r . || skip "root reads all, and cannot step down"

@@ -93,6 +93,17 @@ make_set() {
     printf '%s\0' "$@" | zqpaths index "$set" --list - -0
 }
 
+# damage FILE OFFSET... - changes the low bit of the bytes at these offsets
+damage() {
+    local file=$1 offset byte
+    shift
+    for offset; do
+        byte=$(od --address-radix n --format u1 --skip-bytes "$offset" --read-bytes 1 "$file")
+        printf "\\x$(printf %02x $((byte ^ 1)))" |
+            dd of="$file" bs=1 seek="$offset" conv=notrunc status=none
+    done
+}
+
 # random_paths COUNT - paths of any bytes, each ended by NUL, the same each time
 random_paths() {
     perl -e '

@@ -1,22 +1,38 @@
-#include "tools/zqpaths/Output.hpp"
-#include "tools/zqpaths/Progress.hpp"
-#include "tools/zqpaths/SavedSet.hpp"
-#include "tools/zqpaths/SeenPaths.hpp"
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tools/zqpaths/CutShortFile.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Output.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sets/SeenPaths.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 namespace {
+
+struct DiffOptions {
+    std::string first;
+    std::string second;
+    OutputOptions output;
+    MessageOptions messages;
+};
 
 /// Prints the paths of `set` that `other` has not, each once; whether there are any. Holds the
 /// hashes of the other's paths and of those printed.
-bool printMissing(PathSet& set, PathSet& other, Side side, Output& output, Progress& progress) {
+bool printMissing(const PathSet& set, const PathSet& other, Side side, Output& output,
+                  Progress& progress) {
     SeenPaths seen;
-    other.get(1, other.size(), [&](std::uint64_t /*number*/, std::string_view path) {
+    other.forEach([&](std::uint64_t /*number*/, std::string_view path) {
         seen.insert(path);
         progress.advance();
     });
     bool isAny = false;
-    set.get(1, set.size(), [&](std::uint64_t number, std::string_view path) {
+    set.forEach([&](std::uint64_t number, std::string_view path) {
         progress.advance();
         if (!seen.insert(path)) return;
         output.pathIn(side, number, path);
@@ -25,13 +41,12 @@ bool printMissing(PathSet& set, PathSet& other, Side side, Output& output, Progr
     return isAny;
 }
 
-}  // namespace
-
-ExitStatus runDiff(const DiffOptions& options, const MessageOptions& messages) {
-    PathSet first = openSet(options.first);
-    PathSet second = openSet(options.second);
+ExitStatus diff(const DiffOptions& options) {
+    const PathSet first = openSet(options.first);
+    const PathSet second = openSet(options.second);
+    nameWhatIsRead(printablePath(options.first) + " or " + printablePath(options.second));
     Output output(options.output);
-    Progress progress("comparing", messages, 2 * (first.size() + second.size()),
+    Progress progress("comparing", options.messages, 2 * (first.size() + second.size()),
                       Progress::Prints::kPaths);
     const bool isAnyInFirst = printMissing(first, second, Side::kFirst, output, progress);
     const bool isAnyInSecond = printMissing(second, first, Side::kSecond, output, progress);
@@ -39,4 +54,22 @@ ExitStatus runDiff(const DiffOptions& options, const MessageOptions& messages) {
     return isAnyInFirst || isAnyInSecond ? ExitStatus::kNegative : ExitStatus::kDone;
 }
 
-}  // namespace zqpaths
+}  // namespace
+
+Verb diffVerb() {
+    const auto options = std::make_shared<DiffOptions>();
+    return {.name = "diff",
+            .synopsis = "A B",
+            .summary = "print the paths that only one of two sets has",
+            .example = "zqpaths diff monday.zqp tuesday.zqp",
+            .details =
+                "Paths only in A follow '< ', then paths only in B follow '> ', each once "
+                "and in the order of numbers; order does not make sets differ. Status 1 "
+                "tells that there are any.",
+            .options = rows(argument("A", options->first, "a saved set"),
+                            argument("B", options->second, "another"),
+                            outputOptions(options->output), messageOptions(options->messages)),
+            .run = [options] { return diff(*options); }};
+}
+
+}  // namespace zqpaths::program

@@ -1,28 +1,42 @@
-#include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/PathSet.hpp"
-#include "tools/zqpaths/RawPiece.hpp"
-#include "tools/zqpaths/SavedSet.hpp"
-#include "tools/zqpaths/verbs/Verbs.hpp"
+#include <memory>
+#include <string>
 
-namespace zqpaths {
+#include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sources/WholeFiles.hpp"
+#include "tools/zqpaths/verbs/Verbs.hpp"
+#include "zqpaths/set/Pieces.hpp"
+
+namespace zqpaths::program {
 namespace {
 
-void writeField(const kxArray* structure, const char* field, const std::string& file,
-                const std::string& set) {
-    if (kxGetFieldNumber(structure, field) < 0)
-        throw failureAt(set, std::string("has no field ") + field, ExitStatus::kDamaged);
-    writeRawPiece(file, kxGetField(structure, 0, field));
+struct ExportOptions {
+    std::string set;
+    PieceOptions pieces;
+    MessageOptions messages;
+};
+
+ExitStatus exportSet(const ExportOptions& options) {
+    if (options.pieces.treeString == options.pieces.pathTree)
+        throw Failure(ExitStatus::kFailed, "the two pieces need two files");
+    const SavedPieces pieces = exportPieces(openSet(options.set));
+    writeWholeFile(options.pieces.treeString, pieces.treeString);
+    writeWholeFile(options.pieces.pathTree, pieces.pathTree);
+    return ExitStatus::kDone;
 }
 
 }  // namespace
 
-ExitStatus runExport(const ExportOptions& options, const MessageOptions& /*messages*/) {
-    if (options.treeString == options.pathTree)
-        throw Failure(ExitStatus::kFailed, "the two pieces need two files");
-    const korvex::Array fields = loadFields(options.set);
-    writeField(fields.get(), kTreeStringField, options.treeString, options.set);
-    writeField(fields.get(), kPathTreeField, options.pathTree, options.set);
-    return ExitStatus::kDone;
+Verb exportVerb() {
+    const auto options = std::make_shared<ExportOptions>();
+    return {.name = "export",
+            .synopsis = "SET --tree-string FILE --path-tree FILE",
+            .summary = "write a set as the two pieces that other hosts load",
+            .example = "zqpaths export usr.zqp --tree-string usr.chars --path-tree usr.paths",
+            .options = rows(setArgument(options->set), pieceOptions(options->pieces),
+                            messageOptions(options->messages)),
+            .run = [options] { return exportSet(*options); }};
 }
 
-}  // namespace zqpaths
+}  // namespace zqpaths::program

@@ -1,35 +1,44 @@
-#include <utility>
+#include <memory>
+#include <string>
 
-#include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/NewSet.hpp"
-#include "tools/zqpaths/PathCheck.hpp"
-#include "tools/zqpaths/PathSet.hpp"
-#include "tools/zqpaths/RawPiece.hpp"
-#include "tools/zqpaths/SavedSet.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sets/GrowingSet.hpp"
+#include "tools/zqpaths/sources/WholeFiles.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
+#include "zqpaths/set/Pieces.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 namespace {
 
-/// The set of two pieces. How often each character occurs is in neither.
-PathSet restore(const ImportOptions& options) {
-    korvex::Array characters = readRawCharacters(options.treeString);
-    if (kxGetNumberOfElements(characters.get()) == 0)
-        throw failureAt(options.treeString, "is empty", ExitStatus::kDamaged);
-    korvex::Array structure(kxCreateStructure({1, 1}, {kTreeStringField, kPathTreeField}));
-    kxReplaceField(structure.get(), 0, kTreeStringField, characters.release());
-    kxReplaceField(structure.get(), 0, kPathTreeField, readRawBytes(options.pathTree).release());
-    return restoreSet(options.pathTree, std::move(structure));
+struct ImportOptions {
+    std::string set;
+    PieceOptions pieces;
+    bool force = false;
+    MessageOptions messages;
+};
+
+ExitStatus importSet(const ImportOptions& options) {
+    GrowingSet set(options.set, modeOfNew(options.force), "importing", options.messages);
+    importPieces({.treeString = readWholeFile(options.pieces.treeString),
+                  .pathTree = readWholeFile(options.pieces.pathTree),
+                  .treeStringName = options.pieces.treeString,
+                  .pathTreeName = options.pieces.pathTree},
+                 set.writer());
+    set.save();
+    return ExitStatus::kDone;
 }
 
 }  // namespace
 
-ExitStatus runImport(const ImportOptions& options, const MessageOptions& messages) {
-    requireRoomFor(options.set, options.force);
-    PathSet set = restore(options);
-    requireWholePaths(set, options.pathTree, messages);
-    saveNewSet(options.set, set, options.force, messages);
-    return ExitStatus::kDone;
+Verb importVerb() {
+    const auto options = std::make_shared<ImportOptions>();
+    return {.name = "import",
+            .synopsis = "SET --tree-string FILE --path-tree FILE",
+            .summary = "make a set of two pieces that another host saved",
+            .example = "zqpaths import usr.zqp --tree-string usr.chars --path-tree usr.paths",
+            .options = rows(setArgument(options->set), pieceOptions(options->pieces),
+                            forceOption(options->force), messageOptions(options->messages)),
+            .run = [options] { return importSet(*options); }};
 }
 
-}  // namespace zqpaths
+}  // namespace zqpaths::program

@@ -1,29 +1,43 @@
+#include <memory>
+#include <string>
+
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/NewSet.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
-#include "tools/zqpaths/SetBuilding.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sets/GrowingSet.hpp"
+#include "tools/zqpaths/sources/PathSource.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 namespace {
 
-std::string namesOf(const SourceOptions& source) {
-    if (source.list) return *source.list == "-" ? "standard input" : printablePath(*source.list);
-    std::string names;
-    for (const std::string& directory : source.directories)
-        names.append(names.empty() ? "" : ", ").append(printablePath(directory));
-    return names;
+struct IndexOptions {
+    std::string set;
+    SourceOptions source;
+    bool force = false;
+    MessageOptions messages;
+};
+
+ExitStatus index(const IndexOptions& options) {
+    const std::unique_ptr<PathSource> source = openSource(options.source);
+    GrowingSet set(options.set, modeOfNew(options.force), "indexing", options.messages);
+    source->visit([&set](std::string_view path) { set.add(path); });
+    if (set.addedCount() == 0)
+        throw Failure(ExitStatus::kFailed, "no paths in " + printableNames(options.source));
+    set.save();
+    return statusAfter(*source, options.source.ignoreUnreadable);
 }
 
 }  // namespace
 
-ExitStatus runIndex(const IndexOptions& options, const MessageOptions& messages) {
-    requireRoomFor(options.set, options.force);
-    const std::unique_ptr<PathSource> source = openSource(options.source);
-    std::optional<PathSet> set = buildSet(*source, messages);
-    if (!set) throw Failure(ExitStatus::kFailed, "no paths in " + namesOf(options.source));
-    saveNewSet(options.set, *set, options.force, messages);
-    return statusAfter(*source, options.source.ignoreUnreadable);
+Verb indexVerb() {
+    const auto options = std::make_shared<IndexOptions>();
+    return {.name = "index",
+            .synopsis = "SET DIR... | SET --list FILE",
+            .summary = "make a set of directories or of a list",
+            .example = "zqpaths index usr.zqp /usr",
+            .options = rows(setArgument(options->set), sourceOptions(options->source),
+                            forceOption(options->force), messageOptions(options->messages)),
+            .run = [options] { return index(*options); }};
 }
 
-}  // namespace zqpaths
+}  // namespace zqpaths::program

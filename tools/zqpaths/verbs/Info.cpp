@@ -1,24 +1,28 @@
 #include <langinfo.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <clocale>
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <numeric>
-#include <string_view>
-#include <vector>
+#include <memory>
+#include <string>
 
-#include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/Output.hpp"
-#include "tools/zqpaths/Progress.hpp"
-#include "tools/zqpaths/SavedSet.hpp"
-#include "tools/zqpaths/SetReport.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Output.hpp"
+#include "tools/zqpaths/output/SetReport.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 namespace {
+
+struct InfoOptions {
+    std::string set;
+    bool json = false;
+    MessageOptions messages;
+};
 
 constexpr std::size_t kLargestFolders = 10;
 
@@ -41,59 +45,25 @@ ReportStyle styleOfStandardOutput() {
     return {isUtf8Locale(), !isSet("NO_COLOR")};
 }
 
-std::uint64_t measureText(PathSet& set, const MessageOptions& messages) {
-    Progress progress("reading", messages, set.size());
-    std::uint64_t size = 0;
-    set.get(1, set.size(), [&](std::uint64_t /*number*/, std::string_view path) {
-        size += path.size() + 1;
-        progress.advance();
-    });
-    return size;
-}
-
-/// What the frequencies say, if they are known.
-void addBits(const std::vector<double>& frequencies, SetReport& report) {
-    const std::vector<unsigned>& lengths = report.form.codeLengths;
-    const double count = std::accumulate(frequencies.begin(), frequencies.end(), 0.0);
-    if (frequencies.size() != lengths.size() || count <= 0) return;
-    report.codedCount = static_cast<std::uint64_t>(std::llround(count));
-    report.bitsACharacter =
-        std::inner_product(frequencies.begin(), frequencies.end(), lengths.begin(), 0.0) / count;
-}
-
-SavedForm readForm(const std::string& file, const kxArray* fields, std::u16string_view characters) {
-    try {
-        return readSavedForm(kxGetData<std::uint8_t>(kxGetField(fields, 0, kPathTreeField)),
-                             characters, kLargestFolders);
-    } catch (const Failure& failure) {
-        throw failureAt(file, std::string("field ") + kPathTreeField + ": " + failure.what(),
-                        failure.status());
-    }
-}
-
-SetReport reportOn(const std::string& file, const MessageOptions& messages) {
-    const korvex::Array fields = loadFields(file);
-    PathSet set = restoreSet(file, korvex::Array(kxDuplicateArray(fields.get())));
-    const std::u16string characters = set.characters();
-    const std::vector<double> frequencies = set.frequencies();
-
+SetReport reportOn(const std::string& file) {
+    using Clock = std::chrono::steady_clock;
     SetReport report;
+    const Clock::time_point start = Clock::now();
+    const PathSet set = openSet(file);
+    const Clock::time_point opened = Clock::now();
+    report.opening = opened - start;
+    if (set.size() > 0) {
+        static_cast<void>(set.path(1));
+        report.firstPath = Clock::now() - opened;
+    }
     report.file = file;
     report.fileSize = std::filesystem::file_size(file);
-    report.pathCount = set.size();
-    report.characterCount = characters.size();
-    report.characterBytes =
-        characters.size() * sizeof(char16_t) + frequencies.size() * sizeof(double);
-    report.form = readForm(file, fields.get(), characters);
-    addBits(frequencies, report);
-    report.textSize = measureText(set, messages);
+    report.statistics = statisticsOf(set, kLargestFolders);
     return report;
 }
 
-}  // namespace
-
-ExitStatus runInfo(const InfoOptions& options, const MessageOptions& messages) {
-    const SetReport report = reportOn(options.set, messages);
+ExitStatus info(const InfoOptions& options) {
+    const SetReport report = reportOn(options.set);
     Output output({});
     if (options.json) {
         output.line(reportJson(report));
@@ -104,4 +74,18 @@ ExitStatus runInfo(const InfoOptions& options, const MessageOptions& messages) {
     return ExitStatus::kDone;
 }
 
-}  // namespace zqpaths
+}  // namespace
+
+Verb infoVerb() {
+    const auto options = std::make_shared<InfoOptions>();
+    return {.name = "info",
+            .synopsis = "SET",
+            .summary = "tell what is in a set and where its bytes go",
+            .example = "zqpaths info usr.zqp",
+            .options = rows(setArgument(options->set),
+                            flag("--json", options->json, "print one JSON object"),
+                            messageOptions(options->messages)),
+            .run = [options] { return info(*options); }};
+}
+
+}  // namespace zqpaths::program

@@ -1,59 +1,59 @@
+#include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
-#include <unordered_map>
+#include <vector>
 
-#include "tools/zqpaths/Messages.hpp"
-#include "tools/zqpaths/Output.hpp"
-#include "tools/zqpaths/PathScan.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
-#include "tools/zqpaths/Progress.hpp"
-#include "tools/zqpaths/SavedSet.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Messages.hpp"
+#include "tools/zqpaths/output/Output.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 namespace {
 
-constexpr std::uint64_t kNoNumber = 0;
+struct NumberOptions {
+    std::string set;
+    std::vector<std::string> paths;
+    OutputOptions output;
+    MessageOptions messages;
+};
 
-using Numbers = std::unordered_map<std::string_view, std::uint64_t>;
-
-/// Fills in the first number of each path that the set has.
-void findNumbers(PathSet& set, Numbers& numbers, const MessageOptions& messages) {
-    Progress progress("searching", messages, set.size());
-    std::size_t missingCount = numbers.size();
-    scanPaths(
-        set,
-        [&](std::uint64_t number, std::string_view path) {
-            progress.advance();
-            const auto wanted = numbers.find(path);
-            if (wanted == numbers.end() || wanted->second != kNoNumber) return;
-            wanted->second = number;
-            --missingCount;
-        },
-        [&] { return missingCount == 0; });
+ExitStatus number(const NumberOptions& options) {
+    const PathSet set = openSet(options.set);
+    Output output(options.output);
+    std::vector<const std::string*> missing;
+    for (const std::string& path : options.paths) {
+        if (const std::optional<std::uint64_t> found = set.numberOf(path))
+            output.number(*found, path);
+        else
+            missing.push_back(&path);
+    }
+    output.finish();
+    if (!options.messages.quiet)
+        for (const std::string* path : missing)
+            tell(printablePath(*path) + ": is not in " + printablePath(options.set));
+    return missing.empty() ? ExitStatus::kDone : ExitStatus::kNegative;
 }
 
 }  // namespace
 
-ExitStatus runNumber(const NumberOptions& options, const MessageOptions& messages) {
-    PathSet set = openSet(options.set);
-    Numbers numbers;
-    for (const std::string& path : options.paths) numbers.emplace(path, kNoNumber);
-    findNumbers(set, numbers, messages);
-
-    Output output(options.output);
-    for (const std::string& path : options.paths)
-        if (numbers[path] != kNoNumber) output.number(numbers[path], path);
-    output.finish();
-
-    ExitStatus status = ExitStatus::kDone;
-    for (const std::string& path : options.paths) {
-        if (numbers[path] != kNoNumber) continue;
-        status = ExitStatus::kNegative;
-        if (!messages.quiet)
-            tell(printablePath(path) + ": is not in " + printablePath(options.set));
-    }
-    return status;
+Verb numberVerb() {
+    const auto options = std::make_shared<NumberOptions>();
+    return {
+        .name = "number",
+        .synopsis = "SET PATH...",
+        .summary = "print the numbers of exact paths",
+        .example = "zqpaths number usr.zqp /usr/bin/env",
+        .details =
+            "A path that occurs more than once has its first number printed. Status 1 "
+            "tells that a path is not there; the numbers of the others are printed.",
+        .options = rows(setArgument(options->set), arguments("PATH", options->paths, "the paths"),
+                        outputOptions(options->output), messageOptions(options->messages)),
+        .run = [options] { return number(*options); }};
 }
 
-}  // namespace zqpaths
+}  // namespace zqpaths::program

@@ -1,13 +1,41 @@
-#include "tools/zqpaths/ChosenPaths.hpp"
-#include "tools/zqpaths/SavedSet.hpp"
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sets/ChosenPaths.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
+namespace {
 
-ExitStatus runSample(const SampleOptions& options, const MessageOptions& messages) {
-    PathSet set = openSet(options.set);
-    printInRandomOrder(set, options.count, options.seed, "sampling", options.output, messages);
-    return ExitStatus::kDone;
+struct SampleOptions {
+    std::string set;
+    std::uint64_t count = 1;
+    std::uint64_t seed = 0;
+    OutputOptions output;
+    MessageOptions messages;
+};
+
+}  // namespace
+
+Verb sampleVerb() {
+    const auto options = std::make_shared<SampleOptions>();
+    return {.name = "sample",
+            .synopsis = "SET -n K --seed S",
+            .summary = "print paths chosen at random",
+            .example = "zqpaths sample usr.zqp -n 10 --seed 7",
+            .options = rows(setArgument(options->set),
+                            required(number("-n,--count", "K", options->count,
+                                            "how many, each at most once; all if there are fewer")),
+                            seedOption(options->seed), outputOptions(options->output),
+                            messageOptions(options->messages)),
+            .run = [options] {
+                printInRandomOrder(openSet(options->set), options->count, options->seed, "sampling",
+                                   options->output, options->messages);
+                return ExitStatus::kDone;
+            }};
 }
 
-}  // namespace zqpaths
+}  // namespace zqpaths::program

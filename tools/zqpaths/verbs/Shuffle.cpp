@@ -1,13 +1,38 @@
-#include "tools/zqpaths/ChosenPaths.hpp"
-#include "tools/zqpaths/SavedSet.hpp"
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sets/ChosenPaths.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
+namespace {
 
-ExitStatus runShuffle(const ShuffleOptions& options, const MessageOptions& messages) {
-    PathSet set = openSet(options.set);
-    printInRandomOrder(set, set.size(), options.seed, "shuffling", options.output, messages);
-    return ExitStatus::kDone;
+struct ShuffleOptions {
+    std::string set;
+    std::uint64_t seed = 0;
+    OutputOptions output;
+    MessageOptions messages;
+};
+
+}  // namespace
+
+Verb shuffleVerb() {
+    const auto options = std::make_shared<ShuffleOptions>();
+    return {.name = "shuffle",
+            .synopsis = "SET --seed S",
+            .summary = "print all paths in a random order",
+            .example = "zqpaths shuffle usr.zqp --seed 7",
+            .options = rows(setArgument(options->set), seedOption(options->seed),
+                            outputOptions(options->output), messageOptions(options->messages)),
+            .run = [options] {
+                const PathSet set = openSet(options->set);
+                printInRandomOrder(set, set.size(), options->seed, "shuffling", options->output,
+                                   options->messages);
+                return ExitStatus::kDone;
+            }};
 }
 
-}  // namespace zqpaths
+}  // namespace zqpaths::program

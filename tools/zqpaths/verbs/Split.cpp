@@ -1,34 +1,59 @@
-#include "tools/zqpaths/ChosenPaths.hpp"
-#include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/SavedSet.hpp"
-#include "tools/zqpaths/verbs/Verbs.hpp"
+#include <cstdint>
+#include <memory>
+#include <string>
 
-namespace zqpaths {
+#include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sets/ChosenPaths.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/verbs/Verbs.hpp"
+#include "zqpaths/choosing/Share.hpp"
+
+namespace zqpaths::program {
 namespace {
 
-void requireReader(const SplitOptions& options) {
-    if (options.of == 0) throw Failure(ExitStatus::kFailed, "--of 0: there is no reader");
-    if (options.rank >= options.of)
-        throw Failure(ExitStatus::kFailed, "--rank " + std::to_string(options.rank) + ": of " +
-                                               std::to_string(options.of) +
-                                               " readers the last has rank " +
-                                               std::to_string(options.of - 1));
+struct SplitOptions {
+    std::string set;
+    std::uint64_t rank = 0;  // from 0
+    std::uint64_t of = 1;
+    OutputOptions output;
+    MessageOptions messages;
+};
+
+/// The library's words, with the option that they are about.
+Share shareOf(const PathSet& set, const SplitOptions& options) {
+    try {
+        return {set.size(), options.rank, options.of};
+    } catch (const Error& error) {
+        throw Failure(ExitStatus::kFailed,
+                      (options.of == 0 ? "--of 0: " : "--") + std::string(error.what()));
+    }
+}
+
+ExitStatus split(const SplitOptions& options) {
+    const PathSet set = openSet(options.set);
+    const Share share = shareOf(set, options);
+    printChosen(
+        set, share.size(), [&share](std::uint64_t place) { return share[place]; }, "splitting",
+        options.output, options.messages);
+    return ExitStatus::kDone;
 }
 
 }  // namespace
 
-/// Paths are dealt like cards: number k goes to the reader of rank (k - 1) mod N, so that the
-/// shares differ by one path at most and each is spread over the whole set.
-ExitStatus runSplit(const SplitOptions& options, const MessageOptions& messages) {
-    requireReader(options);
-    PathSet set = openSet(options.set);
-    const std::uint64_t rest = set.size() % options.of;
-    const std::uint64_t count = set.size() / options.of + (options.rank < rest ? 1 : 0);
-    printChosen(
-        set, count,
-        [&options](std::uint64_t place) { return options.rank + 1 + place * options.of; },
-        "splitting", options.output, messages);
-    return ExitStatus::kDone;
+Verb splitVerb() {
+    const auto options = std::make_shared<SplitOptions>();
+    return {
+        .name = "split",
+        .synopsis = "SET --rank R --of N",
+        .summary = "print the share of one of several readers",
+        .example = "zqpaths split usr.zqp --rank 0 --of 4",
+        .options = rows(setArgument(options->set),
+                        required(number("--rank", "R", options->rank,
+                                        "which reader, from 0: number k is for k - 1 modulo N")),
+                        required(number("--of", "N", options->of, "how many readers")),
+                        outputOptions(options->output), messageOptions(options->messages)),
+        .run = [options] { return split(*options); }};
 }
 
-}  // namespace zqpaths
+}  // namespace zqpaths::program

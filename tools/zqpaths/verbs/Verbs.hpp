@@ -1,26 +1,30 @@
 #pragma once
-// The verbs of the program, one source file each. Each gets what its arguments say and the streams
-// it may use, and returns what the shell is told; it throws Failure and korvex::Error.
+// The verbs of the program, one source file each with all that is the verb's own: its row of the
+// table and its work. The work returns what the shell is told and throws Failure and Error.
 
-#include "tools/zqpaths/ExitStatus.hpp"
-#include "tools/zqpaths/Options.hpp"
+#include "tools/zqpaths/arguments/Verb.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 
-ExitStatus runIndex(const IndexOptions& options, const MessageOptions& messages);
-ExitStatus runAdd(const AddOptions& options, const MessageOptions& messages);
-ExitStatus runGet(const GetOptions& options, const MessageOptions& messages);
-ExitStatus runList(const ListOptions& options, const MessageOptions& messages);
-ExitStatus runFind(const FindOptions& options, const MessageOptions& messages);
-ExitStatus runNumber(const NumberOptions& options, const MessageOptions& messages);
-ExitStatus runSample(const SampleOptions& options, const MessageOptions& messages);
-ExitStatus runShuffle(const ShuffleOptions& options, const MessageOptions& messages);
-ExitStatus runSplit(const SplitOptions& options, const MessageOptions& messages);
-ExitStatus runInfo(const InfoOptions& options, const MessageOptions& messages);
-ExitStatus runVerify(const VerifyOptions& options, const MessageOptions& messages);
-ExitStatus runDiff(const DiffOptions& options, const MessageOptions& messages);
-ExitStatus runMerge(const MergeOptions& options, const MessageOptions& messages);
-ExitStatus runExport(const ExportOptions& options, const MessageOptions& messages);
-ExitStatus runImport(const ImportOptions& options, const MessageOptions& messages);
+Verb addVerb();
+Verb compactVerb();
+Verb diffVerb();
+Verb documentVerb();
+Verb exportVerb();
+Verb findVerb();
+Verb getVerb();
+Verb importVerb();
+Verb indexVerb();
+Verb infoVerb();
+Verb listVerb();
+Verb mergeVerb();
+Verb numberVerb();
+Verb sampleVerb();
+Verb shuffleVerb();
+Verb splitVerb();
+Verb verifyVerb();
 
-}  // namespace zqpaths
+/// All of them, in the order in which people read of them.
+ProgramTable programTable();
+
+}  // namespace zqpaths::program

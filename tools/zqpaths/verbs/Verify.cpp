@@ -1,30 +1,35 @@
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/Figures.hpp"
-#include "tools/zqpaths/FilesOnDisk.hpp"
-#include "tools/zqpaths/Messages.hpp"
-#include "tools/zqpaths/Output.hpp"
-#include "tools/zqpaths/PathCheck.hpp"
-#include "tools/zqpaths/PrintablePath.hpp"
-#include "tools/zqpaths/Progress.hpp"
-#include "tools/zqpaths/SavedSet.hpp"
-#include "tools/zqpaths/SetFile.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Figures.hpp"
+#include "tools/zqpaths/output/Messages.hpp"
+#include "tools/zqpaths/output/Output.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sources/FilesOnDisk.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
-namespace zqpaths {
+namespace zqpaths::program {
 namespace {
 
-Failure failureOf(const std::string& file, const SetFile::Damage& damage) {
-    return failureAt(file, SetFile::describe(damage), ExitStatus::kDamaged);
-}
+struct VerifyOptions {
+    std::string set;
+    bool disk = false;
+    MessageOptions messages;
+};
 
 /// Tells every damage but the last, which it throws.
-void requireNoDamage(const std::string& file) {
-    const std::vector<SetFile::Damage> damages = SetFile::check(file);
+void requireNoDamage(const PathSet& set) {
+    const std::vector<Error> damages = set.verify();
     if (damages.empty()) return;
-    for (std::size_t i = 0; i + 1 < damages.size(); ++i) tell(failureOf(file, damages[i]).what());
-    throw failureOf(file, damages.back());
+    for (std::size_t i = 0; i + 1 < damages.size(); ++i) tell(printableText(damages[i].what()));
+    throw Error(damages.back());
 }
 
 struct DiskResult {
@@ -33,10 +38,10 @@ struct DiskResult {
 };
 
 /// Prints the paths that are not there.
-DiskResult compareWithDisk(PathSet& set, Output& output, const MessageOptions& messages) {
+DiskResult compareWithDisk(const PathSet& set, Output& output, const MessageOptions& messages) {
     DiskResult result;
     Progress progress("comparing", messages, set.size());
-    set.get(1, set.size(), [&](std::uint64_t number, std::string_view path) {
+    set.forEach([&](std::uint64_t number, std::string_view path) {
         try {
             if (!isOnDisk(std::string(path))) {
                 ++result.missingCount;
@@ -56,25 +61,36 @@ ExitStatus statusOf(const DiskResult& result) {
     return result.missingCount > 0 ? ExitStatus::kNegative : ExitStatus::kDone;
 }
 
-}  // namespace
-
-ExitStatus runVerify(const VerifyOptions& options, const MessageOptions& messages) {
-    requireNoDamage(options.set);
-    PathSet set = openSet(options.set);
-    requireWholePaths(set, options.set, messages);
-    std::string summary =
-        printablePath(options.set) + ": " + groupDigits(set.size()) + " paths, all whole";
+ExitStatus verify(const VerifyOptions& options) {
+    const PathSet set = openSet(options.set);
+    requireNoDamage(set);
+    std::string summary = printablePath(options.set) + ": " + groupDigits(set.size()) +
+                          (set.size() == 1 ? " path" : " paths") + ", all whole";
     Output output({});
     DiskResult result;
     if (options.disk) {
-        result = compareWithDisk(set, output, messages);
+        result = compareWithDisk(set, output, options.messages);
         summary += ", " + groupDigits(result.missingCount) + " missing on disk";
     }
     // Where missing paths are printed, nothing else is.
-    if (!messages.quiet && options.disk) tell(summary);
-    if (!messages.quiet && !options.disk) output.line(summary);
+    if (!options.messages.quiet && options.disk) tell(summary);
+    if (!options.messages.quiet && !options.disk) output.line(summary);
     output.finish();
     return statusOf(result);
 }
 
-}  // namespace zqpaths
+}  // namespace
+
+Verb verifyVerb() {
+    const auto options = std::make_shared<VerifyOptions>();
+    return {.name = "verify",
+            .synopsis = "SET",
+            .summary = "read everything and tell what is damaged",
+            .example = "zqpaths verify usr.zqp --disk",
+            .options = rows(setArgument(options->set),
+                            flag("--disk", options->disk, "compare with the file system"),
+                            messageOptions(options->messages)),
+            .run = [options] { return verify(*options); }};
+}
+
+}  // namespace zqpaths::program

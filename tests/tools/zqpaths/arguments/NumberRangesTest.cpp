@@ -1,0 +1,97 @@
+#include "tools/zqpaths/arguments/NumberRanges.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tools/zqpaths/Failure.hpp"
+
+namespace zqpaths::program {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+std::vector<std::uint64_t> numbersOf(const std::string& text) {
+    const NumberRange range = parseNumberRange(text);
+    std::vector<std::uint64_t> numbers;
+    for (std::uint64_t i = 0; i < range.size(); ++i) numbers.push_back(range[i]);
+    return numbers;
+}
+
+std::string complaintOf(const std::string& text) {
+    try {
+        parseNumberRange(text);
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.status(), ExitStatus::kFailed);
+        return failure.what();
+    }
+    return "none";
+}
+
+TEST(NumberRanges, areOneNumber) {
+    EXPECT_THAT(numbersOf("7"), ElementsAre(7));
+}
+
+TEST(NumberRanges, haveBothEnds) {
+    EXPECT_THAT(numbersOf("2:5"), ElementsAre(2, 3, 4, 5));
+    EXPECT_THAT(numbersOf("5:5"), ElementsAre(5));
+    EXPECT_THAT(numbersOf("5:5:-3"), ElementsAre(5));
+}
+
+TEST(NumberRanges, goAsFarAsStepsReach) {
+    EXPECT_THAT(numbersOf("2:9:3"), ElementsAre(2, 5, 8));
+    EXPECT_THAT(numbersOf("10:1:-4"), ElementsAre(10, 6, 2));
+    EXPECT_THAT(numbersOf("10:2:-4"), ElementsAre(10, 6, 2));
+    EXPECT_THAT(numbersOf("3:1:-9007199254740992"), ElementsAre(3));
+}
+
+TEST(NumberRanges, doNotCountDownUnlessTold) {
+    EXPECT_EQ(complaintOf("5:2"), "5:2: counts down, which takes a step like -1");
+    EXPECT_EQ(complaintOf("5:2:3"), "5:2:3: counts down, which takes a step like -1");
+    EXPECT_EQ(complaintOf("2:5:-1"), "2:5:-1: counts up, which takes a step like 1");
+}
+
+TEST(NumberRanges, refuseAStepOfNothing) {
+    EXPECT_EQ(complaintOf("1:2:0"), "1:2:0: a step of 0 goes nowhere");
+}
+
+TEST(NumberRanges, beginAtOne) {
+    EXPECT_EQ(complaintOf("0"), "0: the first path has number 1");
+    EXPECT_EQ(complaintOf("-3"), "-3: the first path has number 1");
+    EXPECT_EQ(complaintOf("3:0:-1"), "3:0:-1: the first path has number 1");
+}
+
+TEST(NumberRanges, refuseNumbersThatNoSetHas) {
+    EXPECT_EQ(complaintOf("9007199254740993"), "9007199254740993: no set has so many paths");
+    EXPECT_THAT(complaintOf("1:99999999999999999999999"), HasSubstr("no set has so many paths"));
+    EXPECT_THAT(complaintOf("1:2:-9223372036854775808"), HasSubstr("no set has so many paths"));
+}
+
+TEST(NumberRanges, refuseWhatIsNoNumber) {
+    for (const char* text :
+         {"", "x", "1x", "1:", ":2", "1:2:", "1::2", "1:2:3:4", "1.5", " 1", "+1"})
+        EXPECT_THAT(complaintOf(text), HasSubstr("is neither a number nor numbers like")) << text;
+}
+
+TEST(NumberRanges, areInASetThatHasTheHighestOfThem) {
+    EXPECT_NO_THROW(parseNumberRange("1:10").requireIn(10));
+    EXPECT_NO_THROW(parseNumberRange("1:12:4").requireIn(9));
+    EXPECT_NO_THROW(parseNumberRange("10:1:-1").requireIn(10));
+    EXPECT_THROW(parseNumberRange("11:1:-1").requireIn(10), Failure);
+    EXPECT_THROW(parseNumberRange("1").requireIn(0), Failure);
+}
+
+TEST(NumberRanges, tellNumberAndSizeOfASetThatIsTooSmall) {
+    try {
+        parseNumberRange("1:11").requireIn(10);
+        FAIL();
+    } catch (const Failure& failure) {
+        EXPECT_STREQ(failure.what(), "there is no path 11 in this set of 10 paths");
+    }
+}
+
+}  // namespace
+}  // namespace zqpaths::program

@@ -1,0 +1,25 @@
+#include "tools/zqpaths/output/Base64.hpp"
+
+#include <gtest/gtest.h>
+
+namespace zqpaths::program {
+namespace {
+
+// RFC 4648, section 10.
+TEST(Base64, givesTheExamplesOfItsStandard) {
+    EXPECT_EQ(toBase64(""), "");
+    EXPECT_EQ(toBase64("f"), "Zg==");
+    EXPECT_EQ(toBase64("fo"), "Zm8=");
+    EXPECT_EQ(toBase64("foo"), "Zm9v");
+    EXPECT_EQ(toBase64("foob"), "Zm9vYg==");
+    EXPECT_EQ(toBase64("fooba"), "Zm9vYmE=");
+    EXPECT_EQ(toBase64("foobar"), "Zm9vYmFy");
+}
+
+TEST(Base64, takesBytesThatAreNoCharacters) {
+    EXPECT_EQ(toBase64("\xFF\xFE\xFD"), "//79");
+    EXPECT_EQ(toBase64(std::string_view("\0\0", 2)), "AAA=");
+}
+
+}  // namespace
+}  // namespace zqpaths::program

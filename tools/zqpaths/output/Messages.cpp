@@ -1,0 +1,16 @@
+#include "tools/zqpaths/output/Messages.hpp"
+
+#include <cstdio>
+
+#include "tools/zqpaths/output/Progress.hpp"
+
+namespace zqpaths::program {
+
+void tell(std::string_view message) noexcept {
+    Progress::makeRoom();
+    // There is nobody left to tell that this failed.
+    static_cast<void>(
+        std::fprintf(stderr, "zqpaths: %.*s\n", static_cast<int>(message.size()), message.data()));
+}
+
+}  // namespace zqpaths::program

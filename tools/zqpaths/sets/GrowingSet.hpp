@@ -1,0 +1,68 @@
+#pragma once
+// GrowingSet is a set file that a verb makes or adds to, path by path, with what the person at the
+// terminal sees of it: progress, how many paths it holds in the end, and that a signal takes
+// everything back.
+//
+//     GrowingSet set("usr.zqp", PathSetWriter::Mode::kCreate, "indexing", messages);
+//     source->visit([&set](std::string_view path) { set.add(path); });
+//     set.save();  // tells "usr.zqp holds 2 paths"
+//
+// SIGINT, SIGTERM and SIGHUP end the program when what was not saved is gone, or when all is saved.
+//
+// Threads: one set at a time, on one thread.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/zqpaths/DeferredSignals.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
+#include "zqpaths/PathSetWriter.hpp"
+
+namespace zqpaths::program {
+
+/// A new file, which may take the place of one that is there with --force.
+inline PathSetWriter::Mode modeOfNew(bool force) {
+    return force ? PathSetWriter::Mode::kReplace : PathSetWriter::Mode::kCreate;
+}
+
+class GrowingSet {
+public:
+    /// `work` names it for the progress, `total` is how many paths come, if that is known. Throws
+    /// Error as PathSetWriter does.
+    GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::string work,
+               const MessageOptions& messages, std::optional<std::uint64_t> total = std::nullopt,
+               PathSetWriter::Form form = PathSetWriter::Form::kImage);
+
+    /// Throws Error as PathSetWriter does, and Failure if a signal has come.
+    void add(std::string_view path) {
+        DeferredSignals::throwIfOneCame();
+        writer_->add(path);
+        ++addedCount_;
+        progress_.advance();
+    }
+
+    /// For who adds paths otherwise; they are not counted, and no signal ends it.
+    PathSetWriter& writer() noexcept { return *writer_; }
+
+    std::uint64_t addedCount() const noexcept { return addedCount_; }
+
+    /// Makes the paths those of the file, and tells how many there are.
+    void save();
+
+    /// Tells how many paths the file has; for who adds none.
+    void tellSize() const;
+
+private:
+    const std::string file_;
+    const MessageOptions messages_;
+    std::uint64_t addedCount_ = 0;
+    // In this order: a signal that came takes effect when the writer has discarded what it has.
+    const DeferredSignals signals_;
+    std::optional<PathSetWriter> writer_;
+    Progress progress_;
+};
+
+}  // namespace zqpaths::program

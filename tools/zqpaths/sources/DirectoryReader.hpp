@@ -1,0 +1,37 @@
+#pragma once
+// DirectoryReader reads one directory of a walk: what is no directory in it, and its
+// sub-directories.
+//
+// Threads: calls may come from several threads, each for a directory of its own.
+
+#include <list>
+
+#include "tools/zqpaths/sources/DirectoryWalk.hpp"
+#include "tools/zqpaths/sources/OpenDirectories.hpp"
+#include "tools/zqpaths/sources/WalkedDirectory.hpp"
+
+namespace zqpaths::program {
+
+class DirectoryReader {
+public:
+    explicit DirectoryReader(const WalkOptions& options) noexcept
+        : options_(options), open_(options.follow) {}
+
+    /// Fills in what is in `directory` and returns its sub-directories, in byte order. The root is
+    /// read before all others. Throws nothing: what goes wrong is left in `directory`.
+    std::list<WalkedDirectory> read(WalkedDirectory& directory) noexcept;
+
+    /// Nothing below `directory` will be read any more.
+    void drop(const WalkedDirectory& directory) { open_.drop(directory); }
+
+private:
+    /// Whether the walk goes into an open directory.
+    bool isEntered(WalkedDirectory& directory, int descriptor) const;
+    std::list<WalkedDirectory> readNames(WalkedDirectory& directory, DIR* stream) const;
+    bool isWalked(int directory, const dirent& entry) const;
+
+    const WalkOptions options_;
+    OpenDirectories open_;
+};
+
+}  // namespace zqpaths::program

@@ -1,0 +1,30 @@
+#pragma once
+// DirectorySource gives what is in directory trees, one tree after the other, each in the order of
+// DirectoryWalk.
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/zqpaths/sources/DirectoryWalk.hpp"
+#include "tools/zqpaths/sources/PathSource.hpp"
+
+namespace zqpaths::program {
+
+class DirectorySource final : public PathSource {
+public:
+    /// Throws Failure kFailed if one of `directories` is none.
+    DirectorySource(std::vector<std::string> directories, const WalkOptions& options);
+
+    void visit(const std::function<void(std::string_view path)>& visitor) override;
+    std::uint64_t unreadableCount() const noexcept override { return unreadableCount_; }
+
+private:
+    std::vector<std::string> directories_;
+    WalkOptions options_;
+    std::uint64_t unreadableCount_ = 0;
+};
+
+}  // namespace zqpaths::program

@@ -1,0 +1,167 @@
+#include "tools/zqpaths/sources/DirectoryWalk.hpp"
+
+#include <algorithm>
+#include <condition_variable>
+#include <cstddef>
+#include <list>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "tools/zqpaths/sources/DirectoryReader.hpp"
+#include "tools/zqpaths/sources/WalkedDirectory.hpp"
+#include "zqpaths/text/PathComponents.hpp"
+
+namespace zqpaths::program {
+namespace {
+
+using State = WalkedDirectory::State;
+
+constexpr unsigned kMaxJobs = 64;  // each holds a few open files
+constexpr std::size_t kMaxAheadOfAJob = 32;
+constexpr std::size_t kMaxNamesAhead = 1'000'000;
+
+unsigned threadCount(unsigned jobs) {
+    return std::clamp(jobs > 0 ? jobs : std::thread::hardware_concurrency(), 1U, kMaxJobs);
+}
+
+/// The directories that are known and not yet reported stand in a list in the order in which they
+/// will be; one that has been read gets its sub-directories right behind it. The thread that walks
+/// takes them from the front and reads the front one itself if nobody has; helpers read the first
+/// that are unread. So the order is that of the names, whoever reads.
+class Walk {
+public:
+    Walk(const WalkOptions& options, const EntryVisitor& onPath, const ErrorVisitor& onError)
+        : reader_(options),
+          onPath_(onPath),
+          onError_(onError),
+          threadCount_(threadCount(options.jobs)) {}
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
+    ~Walk() {
+        {
+            const std::lock_guard lock(mutex_);
+            isOver_ = true;
+        }
+        workThere_.notify_all();
+    }
+
+    void run(const std::string& root) {
+        ahead_.emplace_back(nullptr, root);
+        report(takeFirst());
+        if (ahead_.empty()) return;
+        for (unsigned i = 1; i < threadCount_; ++i) helpers_.emplace_back([this] { help(); });
+        while (hasMore()) report(takeFirst());
+    }
+
+private:
+    using Place = std::list<WalkedDirectory>::iterator;
+    using Lock = std::unique_lock<std::mutex>;
+
+    bool hasMore() {
+        const Lock lock(mutex_);
+        return !ahead_.empty();
+    }
+
+    /// The first directory, read; it is now the last of `entered_`.
+    WalkedDirectory& takeFirst() {
+        Lock lock(mutex_);
+        const auto first = ahead_.begin();
+        if (first->state == State::kUnread) read(first, lock);
+        firstIsRead_.wait(lock, [first] { return first->state == State::kRead; });
+
+        for (; !entered_.empty() && &entered_.back() != first->parent; entered_.pop_back())
+            reader_.drop(entered_.back());
+        entered_.splice(entered_.end(), ahead_, first);
+        --directoriesAhead_;
+        namesAhead_ -= first->files.size();
+        workThere_.notify_one();
+        return *first;
+    }
+
+    void help() {
+        Lock lock(mutex_);
+        while (true) {
+            Place unread;
+            workThere_.wait(lock, [&] {
+                unread = firstUnread();
+                return isOver_ || unread != ahead_.end();
+            });
+            if (isOver_) return;
+            read(unread, lock);
+        }
+    }
+
+    /// The end if there is none, or too much is ahead. O(directories ahead).
+    Place firstUnread() {
+        if (directoriesAhead_ >= kMaxAheadOfAJob * threadCount_ || namesAhead_ >= kMaxNamesAhead)
+            return ahead_.end();
+        return std::ranges::find(ahead_, State::kUnread, &WalkedDirectory::state);
+    }
+
+    /// Reads a directory, with the lock released meanwhile.
+    void read(Place place, Lock& lock) {
+        place->state = State::kBeingRead;
+        ++directoriesAhead_;
+        lock.unlock();
+        std::list<WalkedDirectory> subdirectories = reader_.read(*place);
+        lock.lock();
+        namesAhead_ += place->files.size();
+        if (!subdirectories.empty()) workThere_.notify_all();
+        ahead_.splice(std::next(place), subdirectories);
+        place->state = State::kRead;
+        firstIsRead_.notify_one();
+    }
+
+    void report(WalkedDirectory& directory) {
+        if (directory.failure) std::rethrow_exception(directory.failure);
+        path_.resize(directory.parent == nullptr ? 0 : directory.parent->pathLength);
+        path_.append(directory.name);
+        if (directory.sameAbove != nullptr)
+            onError_(path_, "is " + pathOf(*directory.sameAbove) + ", in which it is: a loop");
+        else if (directory.error != 0)
+            onError_(path_, std::generic_category().message(directory.error));
+        if (path_.empty() || path_.back() != kSeparator) path_.push_back(kSeparator);
+
+        directory.pathLength = path_.size();
+        for (const std::string& name : directory.files) {
+            path_.append(name);
+            onPath_(path_);
+            path_.resize(directory.pathLength);
+        }
+        directory.files = {};
+    }
+
+    /// The path of a directory that leads to the one at hand.
+    std::string pathOf(const WalkedDirectory& above) const {
+        const std::string path = path_.substr(0, above.pathLength);
+        return path.size() > 1 ? path.substr(0, path.size() - 1) : path;
+    }
+
+    DirectoryReader reader_;
+    const EntryVisitor& onPath_;
+    const ErrorVisitor& onError_;
+    const unsigned threadCount_;
+    std::string path_;                    // of the directory or file at hand
+    std::list<WalkedDirectory> entered_;  // from the root to the directory at hand
+
+    std::mutex mutex_;  // guards what follows, and the states of all directories
+    std::condition_variable workThere_;
+    std::condition_variable firstIsRead_;
+    std::list<WalkedDirectory> ahead_;
+    std::size_t directoriesAhead_ = 0;  // of `ahead_`, those not unread
+    std::size_t namesAhead_ = 0;        // of files in them
+    bool isOver_ = false;
+
+    std::vector<std::jthread> helpers_;  // last, so that they end first
+};
+
+}  // namespace
+
+void walkDirectory(const std::string& root, const WalkOptions& options, const EntryVisitor& onPath,
+                   const ErrorVisitor& onError) {
+    Walk(options, onPath, onError).run(root);
+}
+
+}  // namespace zqpaths::program

@@ -1,0 +1,35 @@
+#pragma once
+// ListSource gives the paths of a list: a file, or standard input, in which each path ends with a
+// newline, or each with a NUL. The last one need not.
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "tools/zqpaths/sources/FileDescriptor.hpp"
+#include "tools/zqpaths/sources/PathSource.hpp"
+
+namespace zqpaths::program {
+
+class ListSource final : public PathSource {
+public:
+    /// The list in a file, "-" for standard input. Throws Failure kFailed if it cannot be opened.
+    ListSource(const std::string& fileName, bool nulDelimited);
+
+    /// Takes what comes when it comes, from pipes too; memory for the longest path.
+    void visit(const std::function<void(std::string_view path)>& visitor) override;
+    std::uint64_t unreadableCount() const noexcept override { return 0; }
+
+    /// How messages call such a list.
+    static std::string printableName(const std::string& fileName);
+
+private:
+    void requirePath(std::string_view path, std::uint64_t number) const;
+
+    std::string name_;  // for people
+    char delimiter_;
+    FileDescriptor file_;
+};
+
+}  // namespace zqpaths::program
