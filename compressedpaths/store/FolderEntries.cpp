@@ -157,6 +157,7 @@ std::optional<FolderEntries::Cursor> FolderEntries::holding(std::uint64_t pathNu
         left -= half;
     }
     Cursor cursor = startOf(static_cast<std::size_t>(block - blocks_.data()));
+    if (cursor.pathsBefore >= pathNumber) throw InvalidImageException();  // the first one can lie
     while (cursor.pathsUpTo() < pathNumber) {
         if (cursor.number + 1 == size_) throw InvalidImageException();
         advance(cursor);

@@ -229,5 +229,19 @@ TEST(DamagedImage, hasTheRootInTheRootWhateverItsRecordHolds) {
     EXPECT_EQ(image.open()->parentOf(root), root);
 }
 
+TEST(DamagedImage, isRefusedWhereItsFirstEntryBeginsPastThePathsAskedFor) {
+    HuffmanPathTree set;
+    buildSample(set);
+    ImageBytes image(set);
+    const std::uint64_t pathsBefore = set.size();
+    std::memcpy(image.data() + image.header()[image::Part::kEntryBlocks].offset, &pathsBefore,
+                sizeof pathsBefore);
+    const auto opened = image.open();
+    std::string text;
+    EXPECT_THROW(opened->appendText(1, "/", text), InvalidImageException);
+    EXPECT_THROW(opened->forEachText(1, 2, "/", [](std::size_t, std::string_view) {}),
+                 InvalidImageException);
+}
+
 }  // namespace
 }  // namespace compressedpaths
