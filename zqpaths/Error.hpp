@@ -1,5 +1,5 @@
 #pragma once
-// Error is what every operation of the library throws, want of memory aside (std::bad_alloc). Its
+// Error is what every operation of the library throws, lack of memory aside (std::bad_alloc). Its
 // text is for people and says what is wrong and where; its kind is for programs.
 //
 //     try {

@@ -157,7 +157,7 @@ void requireRoom(const std::vector<SegmentEntry>& segments, const Superblock& su
     if (shared != taken.end()) refuseDamage("segments lie over one another");
 }
 
-/// The last superblock of a file once more, as it stands behind its directory.
+/// The last superblock of a file once more, as it stands after its directory.
 std::optional<Superblock> closingSuperblock(std::span<const std::byte> file) {
     if (file.size() < kPageSize + kSuperblockSize) return std::nullopt;
     const auto closing = decodeSuperblock(file.last<kSuperblockSize>());

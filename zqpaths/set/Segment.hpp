@@ -68,7 +68,7 @@ public:
     /// directory says it has. O(bytes).
     void verify() const;
 
-    /// What `work(set())` gives. What it throws, want of memory aside, means that the set is
+    /// What `work(set())` gives. What it throws, lack of memory aside, means that the set is
     /// damaged and becomes an Error that says so; so it must not call what belongs to others.
     template <class Work>
     decltype(auto) read(Work work) const {

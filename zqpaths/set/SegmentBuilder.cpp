@@ -41,7 +41,7 @@ private:
 void writeImage(const HuffmanPathTree& set, BuiltSegment& segment) {
     ArrayBuffer buffer(segment.bytes);
     std::ostream out(&buffer);
-    out.exceptions(std::ios::badbit);  // so that want of memory is thrown as such
+    out.exceptions(std::ios::badbit);  // so that lack of memory is thrown as such
     set.writeImage(out);
     segment.bytes.shrink();
 }

@@ -1,8 +1,8 @@
-# zqpaths add: more paths behind those of a set.
+# zqpaths add: more paths after those of a set.
 
 load setup
 
-@test "paths stand behind those that were there" {
+@test "paths stand after those that were there" {
     make_set s.zqp a/x b
     zqpaths add s.zqp --list - <<<$'a/b\nb'
     [ "$(zqpaths list s.zqp)" = $'a/x\nb\na/b\nb' ]

@@ -98,7 +98,7 @@ complete_words() {
     zsh -n "$PREFIX/share/zsh/site-functions/_zqpaths"
 }
 
-# fish_completes LINE - what fish offers behind a line, without what it says of it
+# fish_completes LINE - what fish offers after a line, without what it says of it
 fish_completes() {
     fish --command 'source $argv[1]; complete --do-complete $argv[2]' \
         "$PREFIX/share/fish/vendor_completions.d/zqpaths.fish" "$1" | cut -f 1

@@ -146,7 +146,7 @@ is_set_of() {
     LC_ALL=C sort -z got1 | cmp - expected
 }
 
-@test "several directories stand one behind the other" {
+@test "several directories stand one after the other" {
     mkdir one two
     touch one/x two/x
     zqpaths index s.zqp two one two

@@ -31,7 +31,7 @@ load setup
     zqpaths split odd.zqp --rank 0 --of 1 -0 | cmp - odd.zqp.paths
 }
 
-@test "a reader behind the last path gets nothing" {
+@test "a reader past the last path gets nothing" {
     make_set two.zqp a b
     run -0 zqpaths split two.zqp --rank 18446744073709551614 --of 18446744073709551615
     [ -z "$output" ]

@@ -11,7 +11,7 @@ namespace zqpaths::program {
 /// The digits in groups of three.
 std::string groupDigits(std::uint64_t number);
 
-/// With `digits` places behind the point; the digits before it in groups of three.
+/// With `digits` places after the point; the digits before it in groups of three.
 std::string fixedPoint(double number, int digits);
 
 /// A time in its two largest units, rounded to the smaller one: "42 s", "1 min 5 s", "2 h 3 min".

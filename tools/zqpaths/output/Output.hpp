@@ -45,7 +45,7 @@ public:
     void number(std::uint64_t number, std::string_view path);  // the number alone; with --json both
     void count(std::uint64_t count);                           // with --json {"count":7}
 
-    /// A folder, then its files, each behind a tab; with --json one object of "folder" and "files".
+    /// A folder, then its files, each after a tab; with --json one object of "folder" and "files".
     /// Where one of them is not UTF-8 there is "folderBytes" or "fileBytes", null for files that
     /// are.
     void group(std::string_view folder, std::span<const std::string> fileNames);

@@ -82,7 +82,7 @@ void Progress::draw(double seconds) {
     if (total_ && rate > 0 && done_ <= *total_)
         line += ", " + durationText(static_cast<double>(*total_ - done_) / rate) + " left";
 
-    // The last column stays free: some terminals go on to the next line behind it.
+    // The last column stays free: some terminals go on to the next line after it.
     const std::size_t width = std::min(line.size(), terminalWidth() - 1);
     line.resize(std::max(width, drawnWidth_), ' ');
     std::fill(line.begin() + static_cast<std::ptrdiff_t>(width), line.end(), ' ');

@@ -27,7 +27,7 @@ unsigned threadCount(unsigned jobs) {
 }
 
 /// The directories that are known and not yet reported stand in a list in the order in which they
-/// will be; one that has been read gets its sub-directories right behind it. The thread that walks
+/// will be; one that has been read gets its sub-directories right after it. The thread that walks
 /// takes them from the front and reads the front one itself if nobody has; helpers read the first
 /// that are unread. So the order is that of the names, whoever reads.
 class Walk {
