@@ -37,8 +37,9 @@ complete_words() {
 
 @test "a program is built on the installed library alone" {
     local source=$BATS_TEST_DIRNAME/../../../examples/library_session.cpp
-    g++ -std=c++20 -o session "$source" -isystem "$PREFIX/include" -L "$PREFIX/lib" -lzqpaths \
-        -Wl,-rpath,"$PREFIX/lib"
+    # A library with a sanitizer in it wants one in the program.
+    g++ -std=c++20 ${ZQ_SANITIZE:+-fsanitize=$ZQ_SANITIZE} -o session "$source" \
+        -isystem "$PREFIX/include" -L "$PREFIX/lib" -lzqpaths -Wl,-rpath,"$PREFIX/lib"
     run -0 ./session s.zqp /b /usr/bin/x /usr/lib/y
     [ "$output" = $'2 paths, the last one is /usr/lib/y\n1\t/usr/bin/x' ]
 }
