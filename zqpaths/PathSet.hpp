@@ -15,9 +15,9 @@
 // threads of its own for long work and joins them before the call returns, so that a process may
 // fork between calls.
 //
-// A file that others change while it is open gives an error or the right path. Its size is looked at
-// once a call; one that is cut short in the midst of a call can end the process with SIGBUS, which
-// the library leaves to the program.
+// A file that others change while it is open gives an error or the right path. Its size is looked
+// at once a call; one that is cut short in the midst of a call can end the process with SIGBUS,
+// which the library leaves to the program.
 
 #include <cstddef>
 #include <cstdint>
@@ -60,8 +60,8 @@ public:
     std::string path(std::uint64_t number) const;
     void appendPath(std::uint64_t number, std::string& text) const;
 
-    /// The paths with these numbers, in the order of the numbers given. O(log entries + bytes) each;
-    /// less where they ascend.
+    /// The paths with these numbers, in the order of the numbers given. O(log entries + bytes)
+    /// each; less where they ascend.
     void paths(std::span<const std::uint64_t> numbers, PathVisitor visit) const;
 
     /// All paths, or those from number `first` to `last`, both included, downwards if last is below
@@ -136,8 +136,8 @@ private:
     std::shared_ptr<const OpenedSet> opened_;
     std::uint64_t number_ = 1;
     std::uint64_t firstOfBuffer_ = 1;
-    std::string buffer_;              // paths, one after the other
-    std::vector<std::size_t> ends_;   // of each in the buffer
+    std::string buffer_;             // paths, one after the other
+    std::vector<std::size_t> ends_;  // of each in the buffer
 };
 
 }  // namespace zqpaths
