@@ -46,7 +46,7 @@ std::string digits(std::uint64_t value, std::size_t width) {
 
 std::string hexDigits(std::uint64_t value, std::size_t width) {
     std::array<char, 16> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, 16).ptr;
+    auto* const end = std::to_chars(text.data(), text.data() + text.size(), value, 16).ptr;
     const std::string shown(text.data(), end);
     return shown.size() < width ? std::string(width - shown.size(), '0') + shown
                                 : shown.substr(0, width);

@@ -143,7 +143,7 @@ TEST(FoldersNamed, mayHaveNamesOfAnyLength) {
     TextEntries entries;
     Names expected;
     for (std::size_t length = 1; length <= 120; length += 7) {
-        for (std::size_t count : {0, 1, 30, 90}) {
+        for (const std::size_t count : {0U, 1U, 30U, 90U}) {
             const std::u16string name = std::u16string(length, u'n') + std::u16string(count, u'/');
             entries.push_back({{name}, {u"x"}});
             if (length == 43) expected.push_back(name);

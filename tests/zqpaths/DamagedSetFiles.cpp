@@ -219,7 +219,7 @@ TEST_P(DamagedSetFiles, areAnsweredOrRefusedWithAnyNumberOfTheirHeadsMadeUp) {
         places.push_back(kSuperblockOffsets[1] + at);
         places.push_back(whole_.bytes.size() - 8 - at);
         for (const SegmentEntry& segment : whole_.segments)
-            for (const std::size_t part : {0, 128, 256, 384})
+            for (const std::size_t part : {0U, 128U, 256U, 384U})
                 places.push_back(segment.offset + part + at);
     }
     for (const std::size_t at : places) {

@@ -16,7 +16,6 @@
 namespace zqpaths {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using Numbers = std::vector<std::uint64_t>;
 using Paths = std::vector<std::string>;
