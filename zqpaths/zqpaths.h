@@ -27,8 +27,8 @@
 // A set that others change while it is open gives an error or the right path. One that is cut short
 // in the midst of a call can end the process with SIGBUS, which the library leaves to the program.
 //
-// The interface grows and does not change: a program that was built with an older version works
-// with a newer one, and the values of the constants stay.
+// The interface grows and does not change: a program that was built with an older version of the
+// library works with a newer one of the same name, libzqpaths.so.0.
 
 #include <stddef.h>
 #include <stdint.h>
