@@ -75,6 +75,7 @@ private:
 
 using zqpaths::PathSet;
 using zqpaths::cinterface::Call;
+using zqpaths::cinterface::fail;
 using zqpaths::cinterface::given;
 using zqpaths::cinterface::PathFilling;
 using zqpaths::cinterface::patternOf;
@@ -197,6 +198,6 @@ zqp_status zqp_verify(const zqp_set* set, zqp_reporter report, void* context) {
         const std::vector<zqpaths::Error> damages = given(call, set).verify();
         if (report != nullptr)
             for (const zqpaths::Error& damage : damages) report(context, damage.what());
-        if (!damages.empty()) throw damages.front();
+        return damages.empty() ? ZQP_OK : fail(ZQP_DAMAGED, damages.front().what());
     });
 }
