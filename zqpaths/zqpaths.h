@@ -49,7 +49,7 @@ typedef enum zqp_status {
     ZQP_NO_SPACE = 6,    // the device or a quota is full
     ZQP_SYSTEM = 7,      // the system refuses something else
     ZQP_WRONG_USE = 8,   // an argument that cannot be meant: NULL, a number beyond the set
-    ZQP_NO_MEMORY = 9,   // what was asked for may be asked for again
+    ZQP_NO_MEMORY = 9,   // there is not enough memory
     ZQP_TOO_SMALL = 10,  // the buffer; how large it has to be is told
     ZQP_UNEXPECTED = 11  // anything else, such as a C++ exception that a callback throws
 } zqp_status;
@@ -72,7 +72,7 @@ typedef struct zqp_set zqp_set;
 /// ZQP_NOT_FOUND, ZQP_SYSTEM, ZQP_NOT_A_SET, ZQP_DAMAGED. O(segments of the file).
 ZQP_API zqp_status zqp_open(const char* file, zqp_set** set);
 
-/// Closes a set that nobody uses any more; NULL is none, and stays so.
+/// Closes a set that nobody uses any more. Does nothing if `set` is NULL.
 ZQP_API void zqp_close(zqp_set* set);
 
 /// How many paths the set has; 0 if `set` is NULL.
@@ -108,7 +108,8 @@ ZQP_API zqp_status zqp_number_of(const zqp_set* set, const char* path, size_t le
 
 // --- Visits.
 
-/// What a callback returns: to go on, or to end the visit. Ending it is no error: ZQP_OK.
+/// What a callback returns: to go on, or to end the visit, as any other value does. A visit that is
+/// ended has not failed: ZQP_OK.
 enum { ZQP_GO_ON = 0, ZQP_STOP = 1 };
 
 /// Is called for each path of a visit, in order, on the thread that asked. `context` is what was
@@ -204,8 +205,8 @@ ZQP_API uint64_t zqp_writer_size(const zqp_writer* writer);
 /// there.
 ZQP_API zqp_status zqp_writer_commit(zqp_writer* writer);
 
-/// Ends a writer, and discards its paths if they were not committed: the file is as it was before
-/// zqp_writer_open. NULL is none, and stays so.
+/// Ends a writer, and discards its paths if they were not committed: the file is then as it was
+/// before zqp_writer_open. Does nothing if `writer` is NULL.
 ZQP_API void zqp_writer_close(zqp_writer* writer);
 
 #ifdef __cplusplus

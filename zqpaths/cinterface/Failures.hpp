@@ -11,6 +11,7 @@
 // Threads: each has a text of its own.
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <type_traits>
 
