@@ -79,6 +79,10 @@ std::uint64_t PathSet::size() const noexcept {
     return opened_->size();
 }
 
+std::uint64_t PathSet::fingerprint() const noexcept {
+    return opened_->file().state().superblock.directorySum;
+}
+
 // --- Paths by their numbers.
 
 std::string PathSet::path(std::uint64_t number) const {

@@ -6,12 +6,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <stdexcept>
 #include <thread>
 
 #include "tests/support/SetFiles.hpp"
 #include "tests/zqpaths/SegmentedSets.hpp"
 #include "tests/zqpaths/set/OddPaths.hpp"
+#include "zqpaths/PathSetWriter.hpp"
 
 namespace zqpaths {
 namespace {
@@ -63,6 +65,42 @@ TEST(PathSet, givesThePathsByTheirNumbers) {
     std::string text = "before ";
     set.appendPath(3, text);
     EXPECT_EQ(text, "before plain");
+}
+
+TEST(PathSet, hasTheFingerprintOfItsFileAndOfCopies) {
+    const SegmentedSet made = sample();
+    const PathSet set = made.open();
+    EXPECT_EQ(made.open().fingerprint(), set.fingerprint());
+    const PathSet sameSet = set;
+    EXPECT_EQ(sameSet.fingerprint(), set.fingerprint());
+    const std::string copy = made.file() + ".copy";
+    std::filesystem::copy_file(made.file(), copy);
+    EXPECT_EQ(PathSet::open(copy).fingerprint(), set.fingerprint());
+}
+
+TEST(PathSet, hasAnotherFingerprintAfterAnAppend) {
+    const SegmentedSet made = sample();
+    const PathSet before = made.open();
+    PathSetWriter(made.file(), PathSetWriter::Mode::kAppend).commit();  // of nothing
+    EXPECT_EQ(made.open().fingerprint(), before.fingerprint());
+    PathSetWriter writer(made.file(), PathSetWriter::Mode::kAppend);
+    writer.add("one more");
+    writer.commit();
+    EXPECT_NE(made.open().fingerprint(), before.fingerprint());
+    EXPECT_EQ(PathSet(before).fingerprint(), before.fingerprint());  // of what was opened
+}
+
+// Each has as many paths and bytes as the one before, so that only sums tell them apart.
+TEST(PathSet, hasAnotherFingerprintForOtherPathsInItsPlace) {
+    const SegmentedSet made = sample();
+    std::set<std::uint64_t> fingerprints;
+    for (const Paths& paths : {Paths{"a/b", "a/c"}, Paths{"a/c", "a/b"}, Paths{"a/b", "a/d"}}) {
+        PathSetWriter writer(made.file(), PathSetWriter::Mode::kReplace);
+        for (const std::string& path : paths) writer.add(path);
+        writer.commit();
+        fingerprints.insert(made.open().fingerprint());
+    }
+    EXPECT_EQ(fingerprints.size(), 3U);
 }
 
 TEST(PathSet, givesPathsInTheOrderOfTheNumbersGiven) {
