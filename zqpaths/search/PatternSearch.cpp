@@ -12,11 +12,18 @@ namespace {
 
 constexpr std::size_t kPathsASlice = 16384;
 
-/// True if a text may begin in `folderText` and end after it.
+/// True if the name of a file in a folder may begin with a text, which has separators at its end
+/// alone then.
+bool canBeginFileName(std::string_view text) {
+    return !text.empty() && text.front() != kSeparator && folderLength(text) == 0;
+}
+
+/// True if a text may begin in `folderText` and end in the name of a file there.
 bool canGoOnAfter(std::string_view folderText, std::string_view text) {
     for (std::size_t end = text.find(kSeparator); end != std::string_view::npos;
          end = text.find(kSeparator, end + 1))
-        if (folderText.ends_with(text.substr(0, end + 1))) return true;
+        if (canBeginFileName(text.substr(end + 1)) && folderText.ends_with(text.substr(0, end + 1)))
+            return true;
     return false;
 }
 

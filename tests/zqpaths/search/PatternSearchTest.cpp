@@ -69,6 +69,19 @@ TEST_F(PatternSearchTest, findsTextsWithSeparators) {
     EXPECT_EQ(text("python3/"), (Numbers{2, 3, 12}));
 }
 
+// What begins in the text of a folder ends there or in the name of a file, which has separators at
+// its end alone.
+TEST_F(PatternSearchTest, findsTextsThatGoOnInAFileName) {
+    EXPECT_EQ(text("a/lib/"), Numbers{8});
+    EXPECT_EQ(text("a/lib"), Numbers{8});
+    EXPECT_EQ(text("a//lib"), Numbers{9});
+    EXPECT_EQ(text("a//"), Numbers{9});
+    EXPECT_EQ(text("a/lib//"), Numbers{});
+    EXPECT_EQ(text("r/lib/p"), (Numbers{2, 3, 12}));
+    EXPECT_EQ(text("/python3/lib/y"), Numbers{3});
+    EXPECT_EQ(text("/lib/"), (Numbers{1, 2, 3, 8, 12}));
+}
+
 TEST_F(PatternSearchTest, findsTextsThatAreNotUtf8) {
     EXPECT_EQ(text("\xFF"), Numbers{6});
     EXPECT_EQ(text("\xC3"), (Numbers{5, 6}));
