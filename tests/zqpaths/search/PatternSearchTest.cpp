@@ -13,6 +13,16 @@ using Case = Pattern::Case;
 using Numbers = std::vector<std::uint64_t>;
 using Paths = std::vector<std::string>;
 
+/// The numbers in the ranges that a search gives.
+Numbers numbersFound(const PathSet& set, const Pattern& pattern) {
+    Numbers numbers;
+    set.findNumbers(pattern, [&](std::uint64_t first, std::uint64_t last) {
+        for (; first <= last; ++first) numbers.push_back(first);
+        return true;
+    });
+    return numbers;
+}
+
 /// The numbers that a search gives, which must be those of the paths that match one by one.
 Numbers found(const PathSet& set, const Paths& paths, const Pattern& pattern,
               const std::string& what) {
@@ -23,6 +33,7 @@ Numbers found(const PathSet& set, const Paths& paths, const Pattern& pattern,
     EXPECT_EQ(set.count(pattern), visited.size()) << what;
     Numbers numbers;
     for (const auto& [number, path] : visited) numbers.push_back(number);
+    EXPECT_EQ(numbersFound(set, pattern), numbers) << what;
     return numbers;
 }
 
