@@ -8,7 +8,7 @@
 #include <memory>
 #include <random>
 
-#include "tools/zqpaths/sources/DirectoryWalk.hpp"
+#include "zqpaths/directory/DirectoryWalk.hpp"
 #include "zqpaths/text/PathComponents.hpp"
 #include "zqpaths/text/PathText.hpp"
 
@@ -23,7 +23,7 @@ std::vector<std::string> readPaths() {
         std::ifstream in(list);
         for (std::string line; std::getline(in, line);) lines.push_back(line);
     } else {
-        zqpaths::program::walkDirectory(
+        zqpaths::walkDirectory(
             "/usr", {}, [&](std::string_view path) { lines.emplace_back(path); },
             [](std::string_view path, std::string_view reason) {
                 std::cerr << path << ": " << reason << '\n';

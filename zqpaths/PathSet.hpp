@@ -21,6 +21,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -53,6 +54,14 @@ public:
     const std::string& file() const noexcept;
     std::uint64_t size() const noexcept;
 
+    /// Tells what was opened from any other state of a file: the sum of its directory, which holds
+    /// the sum of each segment. As good as unique (64 bits), but not against who means to deceive.
+    /// A copy of the file has the same, and so has the file under another name; a set of the same
+    /// paths that was written in another way may have another. Readers in several processes that
+    /// compare it know that a number means the same path to all of them. O(1); reads nothing, so
+    /// that damage of the segments is not seen.
+    std::uint64_t fingerprint() const noexcept;
+
     // All operations below throw Error kDamaged for bytes that cannot be what was saved, and
     // kWrongUse, before any visit, for a number that the set does not have.
 
@@ -60,8 +69,9 @@ public:
     std::string path(std::uint64_t number) const;
     void appendPath(std::uint64_t number, std::string& text) const;
 
-    /// The paths with these numbers, in the order of the numbers given. O(log entries + bytes)
-    /// each; less where they ascend.
+    /// The paths with these numbers, in the order of the numbers given. Sooner than one by one,
+    /// since thousands are looked up together before they are visited, on all cores; so kDamaged
+    /// can come before the visits of whole paths. O(log numbers + log entries + bytes) each.
     void paths(std::span<const std::uint64_t> numbers, PathVisitor visit) const;
 
     /// All paths, or those from number `first` to `last`, both included, downwards if last is below
@@ -88,6 +98,12 @@ public:
     /// The paths that match, in the order of numbers; on all cores.
     void find(const Pattern& pattern, PathVisitor visit) const;
     std::uint64_t count(const Pattern& pattern) const;
+
+    /// The numbers of these paths without their text, which mostly need not be decoded then: from
+    /// `first` to `last`, both included, range after range, until `visit` returns false.
+    void findNumbers(
+        const Pattern& pattern,
+        const std::function<bool(std::uint64_t first, std::uint64_t last)>& visit) const;
 
     /// All paths in the order of the folders, folder by folder, segment after segment; a path that
     /// is the folder of others is not among them. The number given to `visit` counts the steps.

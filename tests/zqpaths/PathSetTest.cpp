@@ -6,12 +6,15 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <random>
+#include <set>
 #include <stdexcept>
 #include <thread>
 
 #include "tests/support/SetFiles.hpp"
 #include "tests/zqpaths/SegmentedSets.hpp"
 #include "tests/zqpaths/set/OddPaths.hpp"
+#include "zqpaths/PathSetWriter.hpp"
 
 namespace zqpaths {
 namespace {
@@ -65,6 +68,42 @@ TEST(PathSet, givesThePathsByTheirNumbers) {
     EXPECT_EQ(text, "before plain");
 }
 
+TEST(PathSet, hasTheFingerprintOfItsFileAndOfCopies) {
+    const SegmentedSet made = sample();
+    const PathSet set = made.open();
+    EXPECT_EQ(made.open().fingerprint(), set.fingerprint());
+    const PathSet sameSet = set;
+    EXPECT_EQ(sameSet.fingerprint(), set.fingerprint());
+    const std::string copy = made.file() + ".copy";
+    std::filesystem::copy_file(made.file(), copy);
+    EXPECT_EQ(PathSet::open(copy).fingerprint(), set.fingerprint());
+}
+
+TEST(PathSet, hasAnotherFingerprintAfterAnAppend) {
+    const SegmentedSet made = sample();
+    const PathSet before = made.open();
+    PathSetWriter(made.file(), PathSetWriter::Mode::kAppend).commit();  // of nothing
+    EXPECT_EQ(made.open().fingerprint(), before.fingerprint());
+    PathSetWriter writer(made.file(), PathSetWriter::Mode::kAppend);
+    writer.add("one more");
+    writer.commit();
+    EXPECT_NE(made.open().fingerprint(), before.fingerprint());
+    EXPECT_EQ(PathSet(before).fingerprint(), before.fingerprint());  // of what was opened
+}
+
+// Each has as many paths and bytes as the one before, so that only sums tell them apart.
+TEST(PathSet, hasAnotherFingerprintForOtherPathsInItsPlace) {
+    const SegmentedSet made = sample();
+    std::set<std::uint64_t> fingerprints;
+    for (const Paths& paths : {Paths{"a/b", "a/c"}, Paths{"a/c", "a/b"}, Paths{"a/b", "a/d"}}) {
+        PathSetWriter writer(made.file(), PathSetWriter::Mode::kReplace);
+        for (const std::string& path : paths) writer.add(path);
+        writer.commit();
+        fingerprints.insert(made.open().fingerprint());
+    }
+    EXPECT_EQ(fingerprints.size(), 3U);
+}
+
 TEST(PathSet, givesPathsInTheOrderOfTheNumbersGiven) {
     const SegmentedSet made = sample();
     const Numbers numbers{6, 1, 2, 3, 4, 4, 3, 2, 5};
@@ -74,6 +113,38 @@ TEST(PathSet, givesPathsInTheOrderOfTheNumbersGiven) {
     EXPECT_EQ(visitedBy([&](auto visit) { made.open().paths(numbers, visit); }), expected);
     EXPECT_EQ(visitedBy([&](auto visit) { made.open().paths({}, visit); }),
               std::vector<Numbered>{});
+}
+
+/// So many numbers of a set in a chance order, with some twice, neighbours and ranges among them.
+Numbers chanceNumbers(std::size_t count, std::uint64_t largest) {
+    std::mt19937 random(static_cast<unsigned>(count));
+    Numbers numbers;
+    while (numbers.size() < count) {
+        const std::uint64_t first = 1 + random() % largest;
+        const std::size_t range = random() % 4 == 0 ? random() % 20 : 1;
+        for (std::size_t i = 0; i < range && numbers.size() < count; ++i)
+            numbers.push_back(std::min(first + i, largest));
+    }
+    return numbers;
+}
+
+TEST(PathSet, givesManyPathsByNumberOnTheCallingThread) {
+    const SegmentedSet made = manyPaths();
+    const PathSet set = made.open();
+    const std::thread::id caller = std::this_thread::get_id();
+    for (const std::size_t count : {1U, 7U, 500U, 1999U, 2000U, 4097U, 50000U}) {
+        Numbers numbers = chanceNumbers(count, set.size());
+        for (const bool ascend : {false, true}) {
+            if (ascend) std::sort(numbers.begin(), numbers.end());
+            std::size_t next = 0;
+            set.paths(numbers, [&](std::uint64_t number, std::string_view path) {
+                ASSERT_EQ(std::this_thread::get_id(), caller);
+                ASSERT_EQ(number, numbers[next++]);
+                ASSERT_EQ(path, made.paths()[number - 1]);
+            });
+            ASSERT_EQ(next, count);
+        }
+    }
 }
 
 TEST(PathSet, givesRangesUpAndDown) {
@@ -130,11 +201,14 @@ TEST(PathSet, stopsWhenTheVisitorSaysSo) {
     set.forEach(three);
     set.forEach(120000, 1, three);
     set.paths(numbers, three);
+    set.paths(chanceNumbers(20000, set.size()), three);
     set.find(Pattern::text("file"), three);
     set.find(Pattern::regex("."), three);
     set.under("dir0", three);
     set.walk(three);
-    EXPECT_EQ(count, 7 * 3);
+    EXPECT_EQ(count, 8 * 3);
+    set.findNumbers(Pattern::text("file1"), [&](auto, auto) { return ++count % 3 != 0; });
+    EXPECT_EQ(count, 9 * 3);
 }
 
 TEST(PathSet, passesOnWhatTheVisitorThrows) {
@@ -145,10 +219,11 @@ TEST(PathSet, passesOnWhatTheVisitorThrows) {
         if (++count % 5 == 0) throw std::out_of_range("mine");
     };
     EXPECT_THROW(set.forEach(fail), std::out_of_range);
+    EXPECT_THROW(set.paths(chanceNumbers(20000, set.size()), fail), std::out_of_range);
     EXPECT_THROW(set.find(Pattern::text("file"), fail), std::out_of_range);
     EXPECT_THROW(set.under("dir0", fail), std::out_of_range);
     EXPECT_THROW(set.walk(fail), std::out_of_range);
-    EXPECT_EQ(count, 20);
+    EXPECT_EQ(count, 25);
 }
 
 TEST(PathSet, refusesNumbersThatThereAreNotBeforeTheFirstVisit) {
@@ -158,6 +233,9 @@ TEST(PathSet, refusesNumbersThatThereAreNotBeforeTheFirstVisit) {
     expectRefusal(refusalOf([&] { set.path(0); }), noPath(made, "0"));
     expectRefusal(refusalOf([&] { set.path(7); }), noPath(made, "7"));
     expectRefusal(refusalOf([&] { set.paths(Numbers{1, 2, 7}, fail); }), noPath(made, "7"));
+    Numbers many(5000, 1);
+    many.back() = 7;
+    expectRefusal(refusalOf([&] { set.paths(many, fail); }), noPath(made, "7"));
     expectRefusal(refusalOf([&] { set.forEach(0, 2, fail); }), noPath(made, "0"));
     expectRefusal(refusalOf([&] { set.forEach(7, 2, fail); }), noPath(made, "7"));
     expectRefusal(refusalOf([&] { set.forEach(2, 7, fail); }), noPath(made, "7"));
@@ -271,6 +349,10 @@ TEST(PathSet, namesTheSegmentsThatAreDamaged) {
     EXPECT_THAT(texts, HasSubstr(made.file() + ": segment 3: "));
     EXPECT_THAT(texts, testing::Not(HasSubstr("segment 1")));
     EXPECT_EQ(set.path(1), "/usr/bin/a");
+    EXPECT_EQ(refusalOf([&] {
+                  set.paths(Numbers{1, 3}, [](auto, auto) {});
+              }).kind,
+              ErrorKind::kDamaged);
     const Refusal refusal = refusalOf([&] { set.path(3); });
     EXPECT_EQ(refusal.kind, ErrorKind::kDamaged);
     EXPECT_THAT(refusal.text, HasSubstr(made.file() + ": segment 2: "));
@@ -292,6 +374,7 @@ TEST(PathSet, refusesAFileThatHasBecomeShorter) {
                                                    [&] { set.under("", fail); },
                                                    [&] { set.find(Pattern::text("a"), fail); },
                                                    [&] { set.count(Pattern::text("a")); },
+                                                   [&] { set.findNumbers(Pattern::text("a"), {}); },
                                                    [&] { set.walk(fail); }};
     for (const auto& call : calls) EXPECT_EQ(refusalOf(call).kind, ErrorKind::kDamaged);
     ASSERT_EQ(set.verify().size(), 1U);

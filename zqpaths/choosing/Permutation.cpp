@@ -54,4 +54,10 @@ std::uint64_t Permutation::encrypt(std::uint64_t value) const noexcept {
     return left << halfBits_ | right;
 }
 
+std::uint64_t seedOfEpoch(std::uint64_t seed, std::uint64_t epoch) noexcept {
+    // mix(0) is 0 and every step of it can be undone. Epochs are small numbers that follow each
+    // other, as seeds are: mixed, epoch 1 of one seed is not epoch 0 of the next.
+    return seed + mix(epoch);
+}
+
 }  // namespace zqpaths

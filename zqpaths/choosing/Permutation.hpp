@@ -41,4 +41,9 @@ private:
     std::array<std::uint64_t, kRounds> keys_{};
 };
 
+/// The seed of the order that an epoch has, when readers go through a set again and again and each
+/// time in another order: seed + mix(epoch), modulo 2^64, where mix is the finalizer of SplitMix64.
+/// Epoch 0 has the seed itself, no two epochs have the same. As fixed as the orders themselves.
+ZQPATHS_EXPORT std::uint64_t seedOfEpoch(std::uint64_t seed, std::uint64_t epoch) noexcept;
+
 }  // namespace zqpaths

@@ -29,7 +29,8 @@ auto uninterrupted(Call call) {
 SystemFile SystemFile::tryOpen(const std::string& path, int flags, std::string name) {
     SystemFile file;
     file.name_ = std::move(name);
-    file.number_ = uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC, kMode); });
+    file.descriptor_ = FileDescriptor(
+        uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC, kMode); }));
     return file;
 }
 
@@ -41,7 +42,7 @@ SystemFile SystemFile::open(const std::string& path, int flags, std::string name
 
 struct stat SystemFile::status() const {
     struct stat status {};
-    if (::fstat(number_, &status) != 0) throw systemError(name_, errno);
+    if (::fstat(number(), &status) != 0) throw systemError(name_, errno);
     return status;
 }
 
@@ -59,7 +60,7 @@ std::size_t SystemFile::readAt(std::uint64_t offset, std::span<std::byte> bytes)
     std::size_t done = 0;
     while (done < bytes.size()) {
         const ssize_t count = uninterrupted([&] {
-            return ::pread(number_, bytes.data() + done, bytes.size() - done,
+            return ::pread(number(), bytes.data() + done, bytes.size() - done,
                            static_cast<off_t>(offset + done));
         });
         if (count < 0) throw systemError(name_, errno);
@@ -72,7 +73,7 @@ std::size_t SystemFile::readAt(std::uint64_t offset, std::span<std::byte> bytes)
 void SystemFile::writeAt(std::uint64_t offset, std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
         const ssize_t count = uninterrupted([&] {
-            return ::pwrite(number_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+            return ::pwrite(number(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
         });
         if (count < 0) throw systemError(name_, errno);
         offset += static_cast<std::uint64_t>(count);
@@ -81,12 +82,12 @@ void SystemFile::writeAt(std::uint64_t offset, std::span<const std::byte> bytes)
 }
 
 void SystemFile::truncate(std::uint64_t size) {
-    if (uninterrupted([&] { return ::ftruncate(number_, static_cast<off_t>(size)); }) != 0)
+    if (uninterrupted([&] { return ::ftruncate(number(), static_cast<off_t>(size)); }) != 0)
         throw systemError(name_, errno);
 }
 
 void SystemFile::sync() {
-    if (uninterrupted([&] { return ::fdatasync(number_); }) != 0) throw systemError(name_, errno);
+    if (uninterrupted([&] { return ::fdatasync(number()); }) != 0) throw systemError(name_, errno);
 }
 
 void SystemFile::takeRightsOf(const struct stat& other) {
@@ -94,19 +95,15 @@ void SystemFile::takeRightsOf(const struct stat& other) {
     // The owner comes first, for a new owner takes rights away. Who may not give files away keeps
     // the new one.
     if (own.st_uid != other.st_uid || own.st_gid != other.st_gid)
-        static_cast<void>(::fchown(number_, other.st_uid, other.st_gid) == 0);
+        static_cast<void>(::fchown(number(), other.st_uid, other.st_gid) == 0);
     constexpr mode_t kRights = 07777;
-    if (::fchmod(number_, other.st_mode & kRights) != 0) throw systemError(name_, errno);
+    if (::fchmod(number(), other.st_mode & kRights) != 0) throw systemError(name_, errno);
 }
 
 bool SystemFile::tryLock() {
-    if (uninterrupted([&] { return ::flock(number_, LOCK_EX | LOCK_NB); }) == 0) return true;
+    if (uninterrupted([&] { return ::flock(number(), LOCK_EX | LOCK_NB); }) == 0) return true;
     if (errno == EWOULDBLOCK) return false;
     throw systemError(name_, errno);
-}
-
-void SystemFile::close() noexcept {
-    if (isOpen()) ::close(std::exchange(number_, kClosed));
 }
 
 void requireRegularFile(const SystemFile& file) {

@@ -14,7 +14,8 @@
 #include <cstdint>
 #include <span>
 #include <string>
-#include <utility>
+
+#include "zqpaths/file/FileDescriptor.hpp"
 
 namespace zqpaths {
 
@@ -30,17 +31,8 @@ public:
     /// As open; of no open file, with errno, if it cannot be opened.
     static SystemFile tryOpen(const std::string& path, int flags, std::string name);
 
-    SystemFile(SystemFile&& other) noexcept
-        : number_(std::exchange(other.number_, kClosed)), name_(std::move(other.name_)) {}
-    SystemFile& operator=(SystemFile&& other) noexcept {
-        std::swap(number_, other.number_);
-        std::swap(name_, other.name_);
-        return *this;
-    }
-    ~SystemFile() { close(); }
-
-    bool isOpen() const noexcept { return number_ != kClosed; }
-    int number() const noexcept { return number_; }
+    bool isOpen() const noexcept { return descriptor_.isOpen(); }
+    int number() const noexcept { return descriptor_.number(); }
     const std::string& name() const noexcept { return name_; }
 
     struct stat status() const;
@@ -67,12 +59,10 @@ public:
     /// it. The lock goes when the file is closed.
     bool tryLock();
 
-    void close() noexcept;
+    void close() noexcept { descriptor_.close(); }
 
 private:
-    static constexpr int kClosed = -1;
-
-    int number_ = kClosed;
+    FileDescriptor descriptor_;
     std::string name_;
 };
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <set>
 #include <vector>
 
 namespace zqpaths {
@@ -85,6 +86,23 @@ TEST(Permutation, dependsOnTheSize) {
     const Permutation other(1'001, 1);
     for (std::uint64_t place = 0; place < 1'000; ++place) same += one[place] == other[place];
     EXPECT_LT(same, 10);
+}
+
+// The values were computed apart, as above.
+TEST(SeedOfEpoch, isTheSameOnEveryMachine) {
+    constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
+    EXPECT_EQ(seedOfEpoch(7, 0), 7U);
+    EXPECT_EQ(seedOfEpoch(0, 1), 6'238'072'747'940'578'789U);
+    EXPECT_EQ(seedOfEpoch(7, 1), 6'238'072'747'940'578'796U);
+    EXPECT_EQ(seedOfEpoch(7, 2), 15'839'785'061'582'574'737U);
+    EXPECT_EQ(seedOfEpoch(kMost, kMost), 13'029'008'266'876'403'066U);
+}
+
+TEST(SeedOfEpoch, isAnotherOneForEachOfManySeedsAndEpochs) {
+    std::set<std::uint64_t> seeds;
+    for (std::uint64_t seed = 0; seed < 200; ++seed)
+        for (std::uint64_t epoch = 0; epoch < 200; ++epoch) seeds.insert(seedOfEpoch(seed, epoch));
+    EXPECT_EQ(seeds.size(), 200U * 200U);
 }
 
 TEST(Permutation, givesAllOrdersOfFewNumbersEquallyOften) {

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/zqpaths/sources/DirectoryWalk.hpp"
 #include "tools/zqpaths/sources/PathSource.hpp"
+#include "zqpaths/directory/DirectoryWalk.hpp"
 
 namespace zqpaths::program {
 

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/sources/FileDescriptor.hpp"
+#include "zqpaths/file/FileDescriptor.hpp"
 
 namespace zqpaths::program {
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "tools/zqpaths/sources/FileDescriptor.hpp"
 #include "tools/zqpaths/sources/PathSource.hpp"
+#include "zqpaths/file/FileDescriptor.hpp"
 
 namespace zqpaths::program {
 

@@ -10,8 +10,8 @@
 
 #include "tools/zqpaths/DeferredSignals.hpp"
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/sources/FileDescriptor.hpp"
 #include "tools/zqpaths/sources/Transfers.hpp"
+#include "zqpaths/file/FileDescriptor.hpp"
 
 namespace zqpaths::program {
 namespace {

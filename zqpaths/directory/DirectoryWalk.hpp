@@ -16,7 +16,9 @@
 #include <string>
 #include <string_view>
 
-namespace zqpaths::program {
+#include "zqpaths/Export.hpp"
+
+namespace zqpaths {
 
 struct WalkOptions {
     bool follow = false;         // symbolic links to directories are walked, not reported
@@ -37,7 +39,7 @@ using ErrorVisitor = std::function<void(std::string_view path, std::string_view 
 /// std::bad_alloc, std::system_error if a thread cannot be had, and what the callbacks throw.
 /// O(entries log entries of one directory); holds the names of the directories ahead on the way
 /// down, and of a fixed number of others that were read ahead.
-void walkDirectory(const std::string& root, const WalkOptions& options, const EntryVisitor& onPath,
-                   const ErrorVisitor& onError);
+ZQPATHS_EXPORT void walkDirectory(const std::string& root, const WalkOptions& options,
+                                  const EntryVisitor& onPath, const ErrorVisitor& onError);
 
-}  // namespace zqpaths::program
+}  // namespace zqpaths

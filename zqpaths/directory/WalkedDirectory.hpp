@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace zqpaths::program {
+namespace zqpaths {
 
 struct WalkedDirectory {
     enum class State { kUnread, kBeingRead, kRead };
@@ -33,4 +33,4 @@ struct WalkedDirectory {
     std::size_t pathLength = 0;  // of its path with a separator; set when it is reported
 };
 
-}  // namespace zqpaths::program
+}  // namespace zqpaths

@@ -1,4 +1,4 @@
-#include "tools/zqpaths/sources/OpenDirectories.hpp"
+#include "zqpaths/directory/OpenDirectories.hpp"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <utility>
 
-namespace zqpaths::program {
+namespace zqpaths {
 namespace {
 
 DirectoryStream openFrom(int parent, const WalkedDirectory& directory, bool follow) {
@@ -83,4 +83,4 @@ OpenDirectories::Shared OpenDirectories::reopen(const WalkedDirectory& directory
     return above;
 }
 
-}  // namespace zqpaths::program
+}  // namespace zqpaths

@@ -6,11 +6,11 @@
 
 #include <list>
 
-#include "tools/zqpaths/sources/DirectoryWalk.hpp"
-#include "tools/zqpaths/sources/OpenDirectories.hpp"
-#include "tools/zqpaths/sources/WalkedDirectory.hpp"
+#include "zqpaths/directory/DirectoryWalk.hpp"
+#include "zqpaths/directory/OpenDirectories.hpp"
+#include "zqpaths/directory/WalkedDirectory.hpp"
 
-namespace zqpaths::program {
+namespace zqpaths {
 
 class DirectoryReader {
 public:
@@ -34,4 +34,4 @@ private:
     OpenDirectories open_;
 };
 
-}  // namespace zqpaths::program
+}  // namespace zqpaths

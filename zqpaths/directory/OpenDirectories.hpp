@@ -12,9 +12,9 @@
 #include <mutex>
 #include <vector>
 
-#include "tools/zqpaths/sources/WalkedDirectory.hpp"
+#include "zqpaths/directory/WalkedDirectory.hpp"
 
-namespace zqpaths::program {
+namespace zqpaths {
 
 struct CloseDirectory {
     void operator()(DIR* directory) const noexcept { ::closedir(directory); }
@@ -57,4 +57,4 @@ private:
     std::vector<Kept> kept_;  // the root, then the others, those used last at the end
 };
 
-}  // namespace zqpaths::program
+}  // namespace zqpaths

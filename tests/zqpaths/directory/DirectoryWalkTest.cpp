@@ -1,4 +1,4 @@
-#include "tools/zqpaths/sources/DirectoryWalk.hpp"
+#include "zqpaths/directory/DirectoryWalk.hpp"
 
 #include <dirent.h>
 #include <gmock/gmock.h>
@@ -16,7 +16,7 @@
 
 #include "tests/support/TemporaryTree.hpp"
 
-namespace zqpaths::program {
+namespace zqpaths {
 namespace {
 
 using test_support::TemporaryTree;
@@ -308,4 +308,4 @@ TEST(DirectoryWalk, reportsDirectoriesThatVanishDuringTheWalkAndGoesOn) {
 }
 
 }  // namespace
-}  // namespace zqpaths::program
+}  // namespace zqpaths

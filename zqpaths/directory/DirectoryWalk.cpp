@@ -1,4 +1,4 @@
-#include "tools/zqpaths/sources/DirectoryWalk.hpp"
+#include "zqpaths/directory/DirectoryWalk.hpp"
 
 #include <algorithm>
 #include <condition_variable>
@@ -9,11 +9,12 @@
 #include <thread>
 #include <vector>
 
-#include "tools/zqpaths/sources/DirectoryReader.hpp"
-#include "tools/zqpaths/sources/WalkedDirectory.hpp"
+#include "zqpaths/directory/DirectoryReader.hpp"
+#include "zqpaths/directory/WalkedDirectory.hpp"
+#include "zqpaths/set/OrderedWork.hpp"
 #include "zqpaths/text/PathComponents.hpp"
 
-namespace zqpaths::program {
+namespace zqpaths {
 namespace {
 
 using State = WalkedDirectory::State;
@@ -22,8 +23,8 @@ constexpr unsigned kMaxJobs = 64;  // each holds a few open files
 constexpr std::size_t kMaxAheadOfAJob = 32;
 constexpr std::size_t kMaxNamesAhead = 1'000'000;
 
-unsigned threadCount(unsigned jobs) {
-    return std::clamp(jobs > 0 ? jobs : std::thread::hardware_concurrency(), 1U, kMaxJobs);
+unsigned threadsFor(const WalkOptions& options) {
+    return std::min(options.jobs > 0 ? options.jobs : threadCount(), kMaxJobs);
 }
 
 /// The directories that are known and not yet reported stand in a list in the order in which they
@@ -33,10 +34,7 @@ unsigned threadCount(unsigned jobs) {
 class Walk {
 public:
     Walk(const WalkOptions& options, const EntryVisitor& onPath, const ErrorVisitor& onError)
-        : reader_(options),
-          onPath_(onPath),
-          onError_(onError),
-          threadCount_(threadCount(options.jobs)) {}
+        : reader_(options), onPath_(onPath), onError_(onError), threadCount_(threadsFor(options)) {}
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
     ~Walk() {
@@ -164,4 +162,4 @@ void walkDirectory(const std::string& root, const WalkOptions& options, const En
     Walk(options, onPath, onError).run(root);
 }
 
-}  // namespace zqpaths::program
+}  // namespace zqpaths

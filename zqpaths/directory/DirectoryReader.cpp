@@ -1,4 +1,4 @@
-#include "tools/zqpaths/sources/DirectoryReader.hpp"
+#include "zqpaths/directory/DirectoryReader.hpp"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace zqpaths::program {
+namespace zqpaths {
 
 std::list<WalkedDirectory> DirectoryReader::read(WalkedDirectory& directory) noexcept {
     std::list<WalkedDirectory> subdirectories;
@@ -85,4 +85,4 @@ bool DirectoryReader::isWalked(int directory, const dirent& entry) const {
     return ::fstatat(directory, entry.d_name, &status, flags) == 0 && S_ISDIR(status.st_mode);
 }
 
-}  // namespace zqpaths::program
+}  // namespace zqpaths
