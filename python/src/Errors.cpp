@@ -1,0 +1,71 @@
+#include "python/src/Errors.hpp"
+
+#include <cerrno>
+#include <exception>
+#include <system_error>
+
+namespace zqpaths::python {
+namespace {
+
+const char* nameOf(ErrorKind kind) noexcept {
+    switch (kind) {
+        case ErrorKind::kNotFound:
+            return "not_found";
+        case ErrorKind::kExists:
+            return "exists";
+        case ErrorKind::kNotASet:
+            return "not_a_set";
+        case ErrorKind::kDamaged:
+            return "damaged";
+        case ErrorKind::kHeld:
+            return "held";
+        case ErrorKind::kNoSpace:
+            return "no_space";
+        case ErrorKind::kSystem:
+            return "system";
+        case ErrorKind::kWrongUse:
+            break;
+    }
+    return "wrong_use";
+}
+
+py::object decoded(const std::string& text) {
+    return py::reinterpret_steal<py::object>(
+        PyUnicode_DecodeFSDefaultAndSize(text.data(), static_cast<Py_ssize_t>(text.size())));
+}
+
+void raise(const char* kind, const py::object& text, int systemCode, const py::object& file) {
+    const py::object exception =
+        py::module_::import("zqpaths._errors").attr("exception_of")(kind, text, systemCode, file);
+    PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(exception.ptr())), exception.ptr());
+}
+
+}  // namespace
+
+py::object words(const Error& error) {
+    return decoded(error.what());
+}
+
+void raise(const Error& error, const py::object& file) {
+    raise(nameOf(error.kind()), words(error), error.systemCode(), file);
+}
+
+void raiseChanged(const std::string& text) {
+    raise("changed", decoded(text), 0, py::none());
+    throw py::error_already_set();
+}
+
+void translateErrors() {
+    py::register_local_exception_translator([](std::exception_ptr thrown) {
+        try {
+            if (thrown) std::rethrow_exception(thrown);
+        } catch (const Error& error) {
+            raise(error);
+        } catch (const std::system_error& error) {
+            errno = error.code().value();
+            PyErr_SetFromErrno(PyExc_OSError);
+        }
+    });
+}
+
+}  // namespace zqpaths::python
