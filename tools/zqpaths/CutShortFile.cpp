@@ -19,7 +19,7 @@ std::atomic<std::size_t> messageSize{0};
 static_assert(std::atomic<std::size_t>::is_always_lock_free, "a handler must not wait");
 
 extern "C" void tellAndEnd(int /*signal*/) {
-    static_cast<void>(::write(STDERR_FILENO, message.data(), messageSize));
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message.data(), messageSize);
     ::_exit(static_cast<int>(ExitStatus::kFailed));
 }
 

@@ -1,10 +1,10 @@
 #!/usr/bin/env bats
 load setup
 
-# The tests share one installation.
+# The tests share one installation of the program and its documents.
 setup_file() {
     export PREFIX=$BATS_FILE_TMPDIR/prefix
-    cmake --install "$(dirname "$ZQPATHS")/.." --prefix "$PREFIX" >/dev/null
+    cmake --install "$(dirname "$ZQPATHS")/.." --prefix "$PREFIX" --component program >/dev/null
 }
 
 verbs() {
@@ -19,29 +19,6 @@ complete_words() {
     COMP_CWORD=$(($# - 1))
     _zqpaths 2>/dev/null
     printf '%s\n' "${COMPREPLY[@]}"
-}
-
-@test "the installed program makes and reads a set" {
-    cd /
-    "$PREFIX/bin/zqpaths" index "$BATS_TEST_TMPDIR/s.zqp" "$PREFIX/share"
-    [ "$("$PREFIX/bin/zqpaths" sample "$BATS_TEST_TMPDIR/s.zqp" -n 9 --seed 1 | wc -l)" -eq 4 ]
-}
-
-@test "the installed program loads its own libraries" {
-    run -0 ldd "$PREFIX/bin/zqpaths"
-    [[ $output == *"$PREFIX/bin/../lib/"* ]]
-    mv "$PREFIX/lib" "$PREFIX/lib.aside"
-    run -127 "$PREFIX/bin/zqpaths" --version
-    mv "$PREFIX/lib.aside" "$PREFIX/lib"
-}
-
-@test "a program is built on the installed library alone" {
-    local source=$BATS_TEST_DIRNAME/../../../examples/library_session.cpp
-    # A library with a sanitizer in it wants one in the program.
-    g++ -std=c++20 ${ZQ_SANITIZE:+-fsanitize=$ZQ_SANITIZE} -o session "$source" \
-        -isystem "$PREFIX/include" -L "$PREFIX/lib" -lzqpaths -Wl,-rpath,"$PREFIX/lib"
-    run -0 ./session s.zqp /b /usr/bin/x /usr/lib/y
-    [ "$output" = $'2 paths, the last one is /usr/lib/y\n1\t/usr/bin/x' ]
 }
 
 @test "the installed documents are what the program prints" {
