@@ -29,30 +29,17 @@ const char* nameOf(ErrorKind kind) noexcept {
     return "wrong_use";
 }
 
-py::object decoded(const std::string& text) {
-    return py::reinterpret_steal<py::object>(
-        PyUnicode_DecodeFSDefaultAndSize(text.data(), static_cast<Py_ssize_t>(text.size())));
-}
-
-void raise(const char* kind, const py::object& text, int systemCode, const py::object& file) {
-    const py::object exception =
-        py::module_::import("zqpaths._errors").attr("exception_of")(kind, text, systemCode, file);
-    PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(exception.ptr())), exception.ptr());
-}
-
 }  // namespace
 
 py::object words(const Error& error) {
-    return decoded(error.what());
+    return py::reinterpret_steal<py::object>(PyUnicode_DecodeFSDefault(error.what()));
 }
 
 void raise(const Error& error, const py::object& file) {
-    raise(nameOf(error.kind()), words(error), error.systemCode(), file);
-}
-
-void raiseChanged(const std::string& text) {
-    raise("changed", decoded(text), 0, py::none());
-    throw py::error_already_set();
+    const py::object exception =
+        py::module_::import("zqpaths._errors")
+            .attr("exception_of")(nameOf(error.kind()), words(error), error.systemCode(), file);
+    PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(exception.ptr())), exception.ptr());
 }
 
 void translateErrors() {

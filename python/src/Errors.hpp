@@ -24,9 +24,6 @@ py::object words(const Error& error);
 /// Raises the exception that an error is, about `file` unless that is none.
 void raise(const Error& error, const py::object& file = py::none());
 
-/// Throws the exception for a file that is another one than it was.
-[[noreturn]] void raiseChanged(const std::string& text);
-
 /// What `work()` gives. Exceptions about files get this one as their filename.
 template <class Work>
 decltype(auto) naming(const py::object& file, Work work) {

@@ -19,16 +19,9 @@ PathType typeOf(bool isBytes) noexcept {
     return isBytes ? PathType::kBytes : PathType::kText;
 }
 
-/// What pickle brings back: the same file, as it was.
-OpenedPathSet reopened(py::handle file, bool isBytes, std::uint64_t fingerprint) {
-    OpenedPathSet set = openedSet(file, typeOf(isBytes));
-    if (set.set().fingerprint() != fingerprint)
-        raiseChanged(set.file() + ": has changed since the set was pickled");
-    return set;
-}
-
+/// What pickle keeps: the name of the file, and what it was.
 py::tuple reduced(const OpenedPathSet& set) {
-    return py::make_tuple(py::module_::import("zqpaths._zqpaths").attr("_reopened"),
+    return py::make_tuple(py::module_::import("zqpaths._pickling").attr("reopened"),
                           py::make_tuple(py::bytes(set.file()), set.type() == PathType::kBytes,
                                          set.set().fingerprint()));
 }
@@ -141,6 +134,12 @@ A set can be pickled, as the name of its file: the process that gets it opens th
 raises Error if that has changed. So a worker process that is spawned has the same set, and one that
 is forked shares it.)";
 
+constexpr const char* kFingerprintDoc =
+    R"(An int that tells this set from other states of its file, and from other sets.
+
+Readers in several processes that compare it know that a position means the same path to all of them.
+A copy of the file has the same.)";
+
 constexpr const char* kFindDoc =
     R"(find(self, text=None, *, glob=None, regex=None, ignore_case=False)
 --
@@ -227,6 +226,9 @@ void bindPathSet(py::module_& module) {
     py::class_<OpenedPathSet, PathSequence> set(module, "PathSet", kSetDoc);
     set.attr("__module__") = "zqpaths";
     set.def_property_readonly("file", &fileOf, "The absolute name of the file, a str.");
+    set.def_property_readonly(
+        "fingerprint", [](const OpenedPathSet& self) { return self.set().fingerprint(); },
+        kFingerprintDoc);
     set.def("find", &find, kFindDoc, py::arg("text") = py::none(), py::kw_only(),
             py::arg("glob") = py::none(), py::arg("regex") = py::none(),
             py::arg("ignore_case") = false);
@@ -238,7 +240,6 @@ void bindPathSet(py::module_& module) {
     set.def("verify", &verify, kVerifyDoc);
     set.def("__repr__", &described);
     set.def("__reduce__", &reduced);
-    module.def("_reopened", &reopened);
     module.def(
         "open", [](py::handle file, bool isBytes) { return openedSet(file, typeOf(isBytes)); },
         kOpenDoc, py::arg("file"), py::kw_only(), py::arg("as_bytes") = false);

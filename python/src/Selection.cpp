@@ -49,36 +49,26 @@ py::object listed(const py::object& source, const py::bytes& positions) {
     return py::cast(Selection(source, set, ListedPaths(std::move(values))));
 }
 
-py::object dealt(const py::object& source, std::uint64_t rank, std::uint64_t of) {
-    return source.attr("split")(rank, of);
-}
-
-py::object shuffled(const py::object& source, std::uint64_t rank, std::uint64_t of,
-                    std::uint64_t seed, std::uint64_t epoch) {
-    using namespace py::literals;
-    return source.attr("split")(rank, of, "seed"_a = seed, "epoch"_a = epoch);
-}
-
 struct Reduction {
     const py::object& source;
-    py::module_ module = py::module_::import("zqpaths._zqpaths");
+    py::module_ module = py::module_::import("zqpaths._pickling");
 
     py::tuple operator()(const AllPaths& /*all*/) const {
-        return py::make_tuple(module.attr("_dealt"), py::make_tuple(source, 0, 1));
+        return py::make_tuple(module.attr("dealt"), py::make_tuple(source, 0, 1));
     }
     py::tuple operator()(const ListedPaths& paths) const {
         const auto* values = reinterpret_cast<const char*>(paths.positions().data());
         return py::make_tuple(
-            module.attr("_listed"),
+            module.attr("listed"),
             py::make_tuple(source, py::bytes(values, paths.size() * sizeof(std::int64_t))));
     }
     py::tuple operator()(const DealtPaths& paths) const {
-        return py::make_tuple(module.attr("_dealt"),
+        return py::make_tuple(module.attr("dealt"),
                               py::make_tuple(source, paths.reader.rank, paths.reader.of));
     }
     py::tuple operator()(const ShuffledPaths& paths) const {
         return py::make_tuple(
-            module.attr("_shuffled"),
+            module.attr("shuffled"),
             py::make_tuple(source, paths.reader.rank, paths.reader.of, paths.seed, paths.epoch));
     }
 };
@@ -107,8 +97,6 @@ void bindSelection(py::module_& module) {
         return std::visit(Reduction{self.source()}, *self.choice());
     });
     module.def("_listed", &listed);
-    module.def("_dealt", &dealt);
-    module.def("_shuffled", &shuffled);
 }
 
 }  // namespace zqpaths::python

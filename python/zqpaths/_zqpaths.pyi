@@ -54,6 +54,8 @@ class PathSequence(Sequence[AnyStr]):
 class PathSet(PathSequence[AnyStr]):
     @property
     def file(self) -> str: ...
+    @property
+    def fingerprint(self) -> int: ...
     def find(
         self,
         text: Optional[_Path] = None,
@@ -79,6 +81,8 @@ class Selection(PathSequence[AnyStr]):
     @property
     def positions(self) -> NDArray[numpy.int64]: ...
     def __reduce__(self) -> Tuple[Any, ...]: ...
+
+def _listed(source: PathSet[AnyStr], positions: bytes) -> Selection[AnyStr]: ...
 
 class Writer:
     def __init__(
