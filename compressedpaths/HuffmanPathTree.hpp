@@ -200,6 +200,14 @@ public:
         std::size_t first, std::size_t last, std::string_view separator,
         const std::function<void(std::size_t number, std::string_view text)>& visit) const;
 
+    /// The same for any numbers, in the order given; soonest if they ascend. Throws as appendText,
+    /// up to kFetchedTogether - 1 numbers before the one that it is about. O(log entries +
+    /// characters) each.
+    void forEachText(
+        std::span<const std::size_t> numbers, std::string_view separator,
+        const std::function<void(std::size_t number, std::string_view text)>& visit) const;
+    static constexpr std::size_t kFetchedTogether = 16;
+
     /// Replaces `text` by the next path of the walk that resetPathsToBTree starts, which then goes
     /// on after it, also for getNextPathFromBTree. What a folder has in common with the one before
     /// is decoded once. Throws NoMorePathException past the last, and as appendText; the walk and
@@ -415,6 +423,28 @@ private:
         std::uint32_t offset_ = 0;  // of the name, while it is in the run
     };
     FileName fileNameOf(const FolderEntries::Entry& entry, std::uint64_t index) const;
+    class FetchedTogether;
+
+    /// The paths of files as text, one after the other. What the folder of one has in common with
+    /// the folder of the file before is decoded once.
+    class FileTexts {
+    public:
+        FileTexts(const HuffmanPathTree& set, std::string_view separator) noexcept
+            : set_(set), separator_(separator) {}
+
+        /// Valid until the next call. Throws as appendText.
+        std::string_view textOf(const FileName& file);
+
+    private:
+        void setFolder(PathArena::Id folder);
+
+        const HuffmanPathTree& set_;
+        std::string_view separator_;
+        FolderText text_;  // of the folder, with a file name after it meanwhile
+        std::vector<PathArena::Id> chain_;
+        PathArena::Id folder_ = PathArena::kNone;
+        std::size_t folderSize_ = 0;
+    };
     template <class Text, class Separator>
     void appendPath(std::size_t number, Separator separator, Text& text) const;
 

@@ -137,6 +137,20 @@ HuffmanPathTree::FileName HuffmanPathTree::FileNames::next() {
     return file;
 }
 
+std::string_view HuffmanPathTree::FileTexts::textOf(const FileName& file) {
+    if (file.folder != folder_) setFolder(file.folder);
+    text_.text.resize(folderSize_);
+    set_.codeTables_.appendText(file.name, text_.text);
+    return text_.text;
+}
+
+void HuffmanPathTree::FileTexts::setFolder(Id folder) {
+    set_.arena().chainTo(folder, chain_);
+    set_.setFolders(text_, chain_, separator_);
+    folderSize_ = text_.text.size();
+    folder_ = folder;
+}
+
 void HuffmanPathTree::forEachText(
     std::size_t first, std::size_t last, std::string_view separator,
     const std::function<void(std::size_t number, std::string_view text)>& visit) const {
@@ -145,26 +159,11 @@ void HuffmanPathTree::forEachText(
     std::optional<FolderEntries::Cursor> entry = entryHolding(first);
     if (!entry) return;
 
-    FolderText folder;
-    std::vector<Id> chain;
-    Id current = PathArena::kNone;
-    std::size_t folderSize = 0;
-    const auto setFolder = [&](Id next) {
-        arena().chainTo(next, chain);
-        setFolders(folder, chain, separator);
-        folderSize = folder.text.size();
-        current = next;
-    };
+    FileTexts texts(*this, separator);
     for (std::size_t number = first;;) {
         const std::size_t end = std::min<std::uint64_t>(last, entry->pathsUpTo()) + 1;
         FileNames files(*this, entry->entry, number - entry->pathsBefore - 1);
-        for (; number < end; ++number) {
-            const FileName file = files.next();
-            if (file.folder != current) setFolder(file.folder);
-            folder.text.resize(folderSize);
-            codeTables_.appendText(file.name, folder.text);
-            visit(number, folder.text);
-        }
+        for (; number < end; ++number) visit(number, texts.textOf(files.next()));
         if (number > last || entry->number + 1 == entries_.size()) break;
         entries_.advance(*entry);
     }

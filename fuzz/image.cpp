@@ -4,6 +4,7 @@
 //
 // The first byte says whether the sums are put right, which chance would hardly do.
 
+#include <array>
 #include <cstring>
 
 #include "compressedpaths/HuffmanPathTree.hpp"
@@ -78,6 +79,8 @@ private:
             require(text == "kept", "nothing of a refused text");
         isTaken(
             [&] { set_.forEachText(number, number, "/", [](std::size_t, std::string_view) {}); });
+        const std::array<std::size_t, 3> numbers{number, number + 1, 1};
+        isTaken([&] { set_.forEachText(numbers, "/", [](std::size_t, std::string_view) {}); });
         isTaken([&] { set_.forEachNameWith(u"a", {number, number}, [](std::size_t) {}); });
     }
 

@@ -7,6 +7,7 @@
 #include "zqpaths/search/PatternSearch.hpp"
 #include "zqpaths/set/OpenedSet.hpp"
 #include "zqpaths/set/OrderedWork.hpp"
+#include "zqpaths/set/PathsByNumber.hpp"
 #include "zqpaths/text/PathComponents.hpp"
 #include "zqpaths/text/PathText.hpp"
 
@@ -100,16 +101,7 @@ void PathSet::appendPath(std::uint64_t number, std::string& text) const {
 void PathSet::paths(std::span<const std::uint64_t> numbers, PathVisitor visit) const {
     opened_->file().requireWhole();
     for (const std::uint64_t number : numbers) opened_->requireNumber(number);
-    PathBuffer buffer;
-    for (auto next = numbers.begin(); next != numbers.end();) {
-        // Neighbours that ascend by one have most of their folders in common.
-        const auto first = next++;
-        const auto mostEnd = first + std::min<std::ptrdiff_t>(kPathsAPiece, numbers.end() - first);
-        while (next != mostEnd && *next == *(next - 1) + 1) ++next;
-        buffer.clear();
-        opened_->appendPaths({*first, *(next - 1)}, buffer);
-        if (!buffer.visit(visit)) return;
-    }
+    visitByNumber(*opened_, numbers, visit);
 }
 
 void PathSet::forEach(PathVisitor visit) const {

@@ -68,8 +68,9 @@ public:
     std::string path(std::uint64_t number) const;
     void appendPath(std::uint64_t number, std::string& text) const;
 
-    /// The paths with these numbers, in the order of the numbers given. O(log entries + bytes)
-    /// each; less where they ascend.
+    /// The paths with these numbers, in the order of the numbers given. Sooner than one by one,
+    /// since thousands are looked up together before they are visited, on all cores; so kDamaged
+    /// can come before the visits of whole paths. O(log numbers + log entries + bytes) each.
     void paths(std::span<const std::uint64_t> numbers, PathVisitor visit) const;
 
     /// All paths, or those from number `first` to `last`, both included, downwards if last is below

@@ -148,6 +148,10 @@ FolderEntries::Cursor FolderEntries::at(std::size_t number) const {
 
 std::optional<FolderEntries::Cursor> FolderEntries::holding(std::uint64_t pathNumber) const {
     if (pathNumber == 0 || pathNumber > pathCount_) return std::nullopt;
+    return holdingIn(blockOf(pathNumber), pathNumber);
+}
+
+std::size_t FolderEntries::blockOf(std::uint64_t pathNumber) const noexcept {
     // The last block that begins before the number. No branch depends on what is compared: half of
     // them would be guessed wrong.
     const Block* block = blocks_.data();
@@ -156,7 +160,13 @@ std::optional<FolderEntries::Cursor> FolderEntries::holding(std::uint64_t pathNu
         block += block[half].pathsBefore < pathNumber ? half : 0;
         left -= half;
     }
-    Cursor cursor = startOf(static_cast<std::size_t>(block - blocks_.data()));
+    if (!blocks_.isEmpty() && block->offset < bytes_.size())
+        __builtin_prefetch(bytes_.data() + block->offset);
+    return static_cast<std::size_t>(block - blocks_.data());
+}
+
+FolderEntries::Cursor FolderEntries::holdingIn(std::size_t block, std::uint64_t pathNumber) const {
+    Cursor cursor = startOf(block);
     if (cursor.pathsBefore >= pathNumber) throw InvalidImageException();  // the first one can lie
     while (cursor.pathsUpTo() < pathNumber) {
         if (cursor.number + 1 == size_) throw InvalidImageException();

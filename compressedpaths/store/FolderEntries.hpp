@@ -113,6 +113,13 @@ public:
     /// O(kBlockSize), O(log entries), O(1).
     Cursor at(std::size_t number) const;
     std::optional<Cursor> holding(std::uint64_t pathNumber) const;
+
+    /// The two halves of holding, for who looks for many entries and does not wait for the memory
+    /// of one: the block that a path number of pathCount() is in, whose bytes are asked for, and
+    /// the entry there. O(log entries) and O(kBlockSize).
+    std::size_t blockOf(std::uint64_t pathNumber) const noexcept;
+    Cursor holdingIn(std::size_t block, std::uint64_t pathNumber) const;
+
     void advance(Cursor& cursor) const;
 
     void shrink() noexcept {

@@ -70,18 +70,7 @@ NameView PathArena::nameOf(Id id) const {
 }
 
 std::uint32_t PathArena::nameOffset(const Run& run, std::uint32_t index) const {
-    std::uint32_t offset = run.names;
-    std::uint32_t left = index;
-    if (run.count > kMaxPlainRun && index >= kSampleDistance) {
-        const std::uint8_t* const samples = arrays_.names.data() + run.samples;
-        const std::uint32_t sample = index / kSampleDistance - 1;
-        const std::uint64_t distance = run.hasWideSamples
-                                           ? load<std::uint32_t>(samples + std::size_t{4} * sample)
-                                           : load<std::uint16_t>(samples + std::size_t{2} * sample);
-        if (offset + distance >= arrays_.names.size()) refuse();
-        offset += static_cast<std::uint32_t>(distance);
-        left = index % kSampleDistance;
-    }
+    auto [offset, left] = nearName(run, index);
     for (; left > 0; --left) offset = nameAfter(offset);
     return offset;
 }

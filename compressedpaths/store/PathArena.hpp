@@ -147,14 +147,24 @@ public:
     /// item of it, or from the first. O(items + 8).
     std::optional<Place> childAt(Id folder, std::uint64_t position, Link from = kNone) const;
 
-    /// Asks for the record of a folder, or the names at an offset, before they are read.
+    /// The last name of a run before a file in it, or its own, that is found without going through
+    /// others, and how many files on the file is. Reads a sample of the run, if any. O(1).
+    struct NearName {
+        std::uint32_t offset;
+        std::uint32_t left;
+    };
+    NearName nearName(const Run& run, std::uint32_t index) const;
+
+    /// Ask for the record of a folder, its name, anything in the names, or what nearName reads,
+    /// before it is read. Only prefetchName reads: the record.
     void prefetchFolder(Id folder) const noexcept {
         __builtin_prefetch(arrays_.folders.data() + folder);
     }
-    void prefetchName(Id id) const {
-        const std::uint32_t offset = folder(id).name;
+    void prefetchAt(std::uint32_t offset) const noexcept {
         if (offset < arrays_.names.size()) __builtin_prefetch(arrays_.names.data() + offset);
     }
+    void prefetchSample(const Run& run, std::uint32_t index) const noexcept;
+    void prefetchName(Id id) const { prefetchAt(folder(id).name); }
 
     /// The ids of the folders from the first level down to `folder`, which is the last; none for
     /// the root. Replaces `chain`. O(depth).
@@ -255,6 +265,8 @@ private:
         FlatArray<Link> runs;                    // ascending
         IdTable names{IdTable::Tags::kInSlots};  // offsets; of equal names the first
     };
+    static bool hasSampleBefore(const Run& run, std::uint32_t index) noexcept;
+    static std::uint32_t sampleOffset(const Run& run, std::uint32_t index) noexcept;
     static constexpr std::uint32_t kWideFolder = 64;  // children; with fewer a scan is as fast
 
     [[noreturn]] static void refuse();
@@ -381,6 +393,30 @@ inline PathArena::Run PathArena::runAt(Link link) const {
         refuse();
     run.names = static_cast<std::uint32_t>(names);
     return run;
+}
+
+/// Whether a sample says where a name before a file of the run, or its own, stands; and where that
+/// sample stands.
+inline bool PathArena::hasSampleBefore(const Run& run, std::uint32_t index) noexcept {
+    return run.count > arena::kMaxPlainRun && index >= arena::kSampleDistance;
+}
+
+inline std::uint32_t PathArena::sampleOffset(const Run& run, std::uint32_t index) noexcept {
+    const std::uint32_t sample = index / arena::kSampleDistance - 1;
+    return run.samples + sample * (run.hasWideSamples ? 4 : 2);
+}
+
+inline void PathArena::prefetchSample(const Run& run, std::uint32_t index) const noexcept {
+    if (hasSampleBefore(run, index)) prefetchAt(sampleOffset(run, index));
+}
+
+inline PathArena::NearName PathArena::nearName(const Run& run, std::uint32_t index) const {
+    if (!hasSampleBefore(run, index)) return {run.names, index};
+    const std::uint8_t* const sample = arrays_.names.data() + sampleOffset(run, index);
+    const std::uint64_t distance = run.hasWideSamples ? arena::load<std::uint32_t>(sample)
+                                                      : arena::load<std::uint16_t>(sample);
+    if (run.names + distance >= arrays_.names.size()) refuse();
+    return {static_cast<std::uint32_t>(run.names + distance), index % arena::kSampleDistance};
 }
 
 inline bool PathArena::hasFormerFiles(const Run& run) const noexcept {

@@ -47,6 +47,9 @@ int answersOfReading(HuffmanPathTree& set) {
         count += answers([&] { set.folderOf(folder); });
     count +=
         answers([&] { set.forEachText(1, set.size(), "/", [](std::size_t, std::string_view) {}); });
+    std::vector<std::size_t> numbers;
+    for (std::size_t number = few; number > 0; --number) numbers.push_back(number);
+    answers([&] { set.forEachText(numbers, "/", [](std::size_t, std::string_view) {}); });
     for (const char16_t* const part : {u"", u"d", u"one-name"})
         count += answers([&] { set.forEachNameWith(part, {1, set.size()}, [](std::size_t) {}); });
     count += answers([&] {
@@ -239,8 +242,10 @@ TEST(DamagedImage, isRefusedWhereItsFirstEntryBeginsPastThePathsAskedFor) {
     const auto opened = image.open();
     std::string text;
     EXPECT_THROW(opened->appendText(1, "/", text), InvalidImageException);
-    EXPECT_THROW(opened->forEachText(1, 2, "/", [](std::size_t, std::string_view) {}),
-                 InvalidImageException);
+    const auto ignore = [](std::size_t, std::string_view) {};
+    EXPECT_THROW(opened->forEachText(1, 2, "/", ignore), InvalidImageException);
+    const std::vector<std::size_t> numbers{1};
+    EXPECT_THROW(opened->forEachText(numbers, "/", ignore), InvalidImageException);
 }
 
 }  // namespace

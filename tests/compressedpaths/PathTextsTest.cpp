@@ -163,6 +163,63 @@ TEST(PathTexts, areNoneOfARangeThatLeavesTheSet) {
     EXPECT_TRUE(textsBetween(set, 1, 0).empty());
 }
 
+using Numbers = std::vector<std::size_t>;
+
+Numbered textsOf(const HuffmanPathTree& set, const Numbers& numbers) {
+    Numbered texts;
+    set.forEachText(numbers, "/", [&](std::size_t number, std::string_view text) {
+        texts.emplace_back(number, text);
+    });
+    return texts;
+}
+
+TEST(PathTexts, comeInTheOrderOfAnyNumbers) {
+    HuffmanPathTree set;
+    buildSet(set, kEntries);
+    for (const Numbers& numbers : {Numbers{}, Numbers{5}, Numbers{8, 1, 4, 4, 4, 2, 7, 8, 3, 6}}) {
+        Numbered expected;
+        for (const std::size_t number : numbers) expected.emplace_back(number, kTexts[number - 1]);
+        EXPECT_EQ(textsOf(set, numbers), expected);
+    }
+}
+
+/// Files in runs with and without samples, narrow and wide ones, in entries that begin within runs.
+HuffmanPathTree& fillWithRuns(HuffmanPathTree& set) {
+    TextEntries entries;
+    for (const std::size_t size : {1U, 16U, 17U, 200U, 7000U, 3U}) {
+        TextEntry entry{{u"d", std::u16string(size % 5 + 1, u'd')}, {}};
+        for (std::size_t i = 0; i < size; ++i)
+            entry.files.push_back(std::u16string(1 + i % 90, u'x') + (i % 2 == 0 ? u"a" : u"b"));
+        entries.push_back(entry);
+    }
+    entries.push_back({{u"d", u"dd"}, {u"more", u"of", u"it"}});
+    buildSet(set, entries);
+    return set;
+}
+
+TEST(PathTexts, ofAnyNumbersAreThoseOfEach) {
+    HuffmanPathTree made;
+    const HuffmanPathTree& set = fillWithRuns(made);
+    std::mt19937 random(1);
+    for (const std::size_t size : {1U, 15U, 16U, 17U, 5000U}) {
+        Numbers numbers(size);
+        for (std::size_t& number : numbers) number = 1 + random() % set.size();
+        Numbered expected;
+        for (const std::size_t number : numbers) expected.emplace_back(number, textOf(set, number));
+        EXPECT_EQ(textsOf(set, numbers), expected);
+    }
+}
+
+TEST(PathTexts, ofNumbersThatThereAreNotAreRefused) {
+    HuffmanPathTree set;
+    buildSet(set, kEntries);
+    for (const std::size_t number : {std::size_t{0}, kTexts.size() + 1, ~std::size_t{0}})
+        EXPECT_THROW(textsOf(set, {1, number}), InvalidPathNumberException);
+    addSinglePath(set, {u"new"});
+    EXPECT_THROW(textsOf(set, {1, kTexts.size() + 1}), InvalidPathNumberException);
+    EXPECT_THROW(textsOf(HuffmanPathTree(), {1}), InvalidPathNumberException);
+}
+
 TEST(PathTexts, passOverPathsThatWereAddedOnTheirOwn) {
     HuffmanPathTree set;
     buildSet(set, {{{u"a"}, {u"b"}}});

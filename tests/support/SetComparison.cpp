@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 #include <unordered_map>
+#include <vector>
 
 #include "tests/support/Peers.hpp"
 
@@ -340,7 +341,17 @@ std::string differenceInTexts(const HuffmanPathTree& set, const PlainPathSet& pl
     set.forEachText(1, readable, "/", [&](std::size_t number, std::string_view text) {
         visited.emplace_hint(visited.end(), number, text);
     });
-    return visited == decltype(all)(all.begin(), end) ? "" : "the texts of all numbers differ";
+    if (visited != decltype(all)(all.begin(), end)) return "the texts of all numbers differ";
+
+    std::vector<std::size_t> numbers;  // downwards, then upwards
+    for (const auto& [number, text] : all) numbers.push_back(number);
+    numbers.insert(numbers.begin(), numbers.rbegin(), numbers.rend());
+    std::size_t next = 0;
+    bool isSame = true;
+    set.forEachText(numbers, "/", [&](std::size_t number, std::string_view text) {
+        isSame = isSame && number == numbers[next++] && text == all.at(number);
+    });
+    return isSame && next == numbers.size() ? "" : "the texts of scattered numbers differ";
 }
 
 std::string differenceInFinding(const HuffmanPathTree& set, const PlainPathSet& plain) {

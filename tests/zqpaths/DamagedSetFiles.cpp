@@ -104,6 +104,10 @@ protected:
         for (std::uint64_t number = 1; number <= few; number += 7)
             ask("path", [&] { bytes += set.path(number).size(); });
         ask("forEach", [&] { set.forEach(count); });
+        std::vector<std::uint64_t> scattered;
+        for (std::uint64_t number = few; number > 0; number -= std::min<std::uint64_t>(number, 3))
+            scattered.push_back(number);
+        ask("paths", [&] { set.paths(scattered, count); });
         ask("forEach down", [&] { set.forEach(few, 1, count); });
         for (const std::string& path : {whole_.paths.front(), whole_.paths.back()})
             ask("numberOf", [&] { set.numberOf(path); });

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <random>
 #include <set>
 #include <stdexcept>
 #include <thread>
@@ -114,6 +115,38 @@ TEST(PathSet, givesPathsInTheOrderOfTheNumbersGiven) {
               std::vector<Numbered>{});
 }
 
+/// So many numbers of a set in a chance order, with some twice, neighbours and ranges among them.
+Numbers chanceNumbers(std::size_t count, std::uint64_t largest) {
+    std::mt19937 random(static_cast<unsigned>(count));
+    Numbers numbers;
+    while (numbers.size() < count) {
+        const std::uint64_t first = 1 + random() % largest;
+        const std::size_t range = random() % 4 == 0 ? random() % 20 : 1;
+        for (std::size_t i = 0; i < range && numbers.size() < count; ++i)
+            numbers.push_back(std::min(first + i, largest));
+    }
+    return numbers;
+}
+
+TEST(PathSet, givesManyPathsByNumberOnTheCallingThread) {
+    const SegmentedSet made = manyPaths();
+    const PathSet set = made.open();
+    const std::thread::id caller = std::this_thread::get_id();
+    for (const std::size_t count : {1U, 7U, 500U, 1999U, 2000U, 4097U, 50000U}) {
+        Numbers numbers = chanceNumbers(count, set.size());
+        for (const bool ascend : {false, true}) {
+            if (ascend) std::sort(numbers.begin(), numbers.end());
+            std::size_t next = 0;
+            set.paths(numbers, [&](std::uint64_t number, std::string_view path) {
+                ASSERT_EQ(std::this_thread::get_id(), caller);
+                ASSERT_EQ(number, numbers[next++]);
+                ASSERT_EQ(path, made.paths()[number - 1]);
+            });
+            ASSERT_EQ(next, count);
+        }
+    }
+}
+
 TEST(PathSet, givesRangesUpAndDown) {
     const SegmentedSet made = sample();
     const PathSet set = made.open();
@@ -168,11 +201,12 @@ TEST(PathSet, stopsWhenTheVisitorSaysSo) {
     set.forEach(three);
     set.forEach(120000, 1, three);
     set.paths(numbers, three);
+    set.paths(chanceNumbers(20000, set.size()), three);
     set.find(Pattern::text("file"), three);
     set.find(Pattern::regex("."), three);
     set.under("dir0", three);
     set.walk(three);
-    EXPECT_EQ(count, 7 * 3);
+    EXPECT_EQ(count, 8 * 3);
 }
 
 TEST(PathSet, passesOnWhatTheVisitorThrows) {
@@ -183,10 +217,11 @@ TEST(PathSet, passesOnWhatTheVisitorThrows) {
         if (++count % 5 == 0) throw std::out_of_range("mine");
     };
     EXPECT_THROW(set.forEach(fail), std::out_of_range);
+    EXPECT_THROW(set.paths(chanceNumbers(20000, set.size()), fail), std::out_of_range);
     EXPECT_THROW(set.find(Pattern::text("file"), fail), std::out_of_range);
     EXPECT_THROW(set.under("dir0", fail), std::out_of_range);
     EXPECT_THROW(set.walk(fail), std::out_of_range);
-    EXPECT_EQ(count, 20);
+    EXPECT_EQ(count, 25);
 }
 
 TEST(PathSet, refusesNumbersThatThereAreNotBeforeTheFirstVisit) {
@@ -196,6 +231,9 @@ TEST(PathSet, refusesNumbersThatThereAreNotBeforeTheFirstVisit) {
     expectRefusal(refusalOf([&] { set.path(0); }), noPath(made, "0"));
     expectRefusal(refusalOf([&] { set.path(7); }), noPath(made, "7"));
     expectRefusal(refusalOf([&] { set.paths(Numbers{1, 2, 7}, fail); }), noPath(made, "7"));
+    Numbers many(5000, 1);
+    many.back() = 7;
+    expectRefusal(refusalOf([&] { set.paths(many, fail); }), noPath(made, "7"));
     expectRefusal(refusalOf([&] { set.forEach(0, 2, fail); }), noPath(made, "0"));
     expectRefusal(refusalOf([&] { set.forEach(7, 2, fail); }), noPath(made, "7"));
     expectRefusal(refusalOf([&] { set.forEach(2, 7, fail); }), noPath(made, "7"));
@@ -309,6 +347,10 @@ TEST(PathSet, namesTheSegmentsThatAreDamaged) {
     EXPECT_THAT(texts, HasSubstr(made.file() + ": segment 3: "));
     EXPECT_THAT(texts, testing::Not(HasSubstr("segment 1")));
     EXPECT_EQ(set.path(1), "/usr/bin/a");
+    EXPECT_EQ(refusalOf([&] {
+                  set.paths(Numbers{1, 3}, [](auto, auto) {});
+              }).kind,
+              ErrorKind::kDamaged);
     const Refusal refusal = refusalOf([&] { set.path(3); });
     EXPECT_EQ(refusal.kind, ErrorKind::kDamaged);
     EXPECT_THAT(refusal.text, HasSubstr(made.file() + ": segment 2: "));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace zqpaths {
 namespace {
@@ -11,6 +12,18 @@ std::uint64_t likelySize(const SegmentEntry& entry) {
     constexpr std::uint64_t kMost = 256;  // whatever a directory says
     const std::uint64_t average = entry.textSize / entry.pathCount;
     return std::min(average + average / 8, kMost);
+}
+
+/// Whether numbers that ascend begin with so many neighbours that they are decoded as a range.
+bool beginsWithRange(std::span<const std::uint64_t> numbers) {
+    constexpr std::size_t kFew = 8;
+    return numbers.size() >= kFew && numbers[kFew - 1] - numbers[0] == kFew - 1;
+}
+
+std::size_t sizeOfRange(std::span<const std::uint64_t> numbers) {
+    std::size_t size = 1;
+    while (size < numbers.size() && numbers[size] == numbers[size - 1] + 1) ++size;
+    return size;
 }
 
 }  // namespace
@@ -56,6 +69,37 @@ void OpenedSet::appendPaths(PathNumbers numbers, PathBuffer& paths) const {
                                 paths.append(segment.numberOf(position), path);
                             });
         numbers.first = last + 1;
+    }
+}
+
+void OpenedSet::appendPaths(std::span<const std::uint64_t> numbers, PathBuffer& paths) const {
+    paths.reserve(paths.size() + numbers.size(), 0);
+    while (!numbers.empty()) {
+        std::size_t size = 0;
+        if (beginsWithRange(numbers)) {
+            size = sizeOfRange(numbers);
+            appendPaths(PathNumbers{numbers.front(), numbers[size - 1]}, paths);
+        } else {
+            do ++size;
+            while (size < numbers.size() && !beginsWithRange(numbers.subspan(size)));
+            appendScattered(numbers.first(size), paths);
+        }
+        numbers = numbers.subspan(size);
+    }
+}
+
+void OpenedSet::appendScattered(std::span<const std::uint64_t> numbers, PathBuffer& paths) const {
+    std::vector<std::size_t> positions;
+    for (auto next = numbers.begin(); next != numbers.end();) {
+        const Segment& segment = segmentOf(*next);
+        positions.clear();
+        for (; next != numbers.end() && *next <= segment.lastNumber(); ++next)
+            positions.push_back(segment.positionOf(*next));
+        paths.reserve(0, paths.textSize() + positions.size() * likelySize(segment.entry()));
+        segment.forEachPath(std::span<const std::size_t>(positions),
+                            [&](std::size_t position, std::string_view path) {
+                                paths.append(segment.numberOf(position), path);
+                            });
     }
 }
 

@@ -4,7 +4,7 @@
 //
 //     const auto opened = OpenedSet::open("usr.zqp");
 //     PathBuffer paths;
-//     opened->appendPaths(1, 100, paths);
+//     opened->appendPaths({.first = 1, .last = 100}, paths);
 //
 // Threads: never changes but for segments that open; any number of threads may read it.
 
@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "zqpaths/file/SetFile.hpp"
@@ -63,7 +64,13 @@ public:
     /// + bytes).
     void appendPaths(PathNumbers numbers, PathBuffer& paths) const;
 
+    /// Appends the paths with these numbers, which there are and which ascend, none twice. Throws
+    /// Error kDamaged. O(log entries + bytes) each; less for many neighbours.
+    void appendPaths(std::span<const std::uint64_t> numbers, PathBuffer& paths) const;
+
 private:
+    void appendScattered(std::span<const std::uint64_t> numbers, PathBuffer& paths) const;
+
     std::shared_ptr<const SetFile> file_;
     std::deque<Segment> segments_;
 };

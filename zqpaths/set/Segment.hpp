@@ -12,6 +12,7 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -61,6 +62,18 @@ public:
     void forEachPath(Positions positions, Visit visit) const {
         read([&](const compressedpaths::HuffmanPathTree& set) {
             forEachPathOf(set, positions, visit);
+        });
+    }
+
+    /// The same for any positions, which there are, in the order given; soonest if they ascend.
+    /// O(log entries + bytes) each.
+    template <class Visit>
+    void forEachPath(std::span<const std::size_t> positions, Visit visit) const {
+        read([&](const compressedpaths::HuffmanPathTree& set) {
+            set.forEachText(positions, kSeparatorText,
+                            [&](std::size_t position, std::string_view text) {
+                                visit(position, pathOfComponents(text));
+                            });
         });
     }
 
