@@ -8,6 +8,7 @@ import re
 import pytest
 
 import zqpaths
+import zqpaths.torch
 from conftest import THREE
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -25,7 +26,8 @@ def members(one):
             yield from members(member)
 
 
-DOCUMENTED = dict([("zqpaths", zqpaths), *members(zqpaths)])
+DOCUMENTED = dict([("zqpaths", zqpaths), *members(zqpaths),
+                   ("zqpaths.torch", zqpaths.torch), *members(zqpaths.torch)])
 
 
 @pytest.mark.parametrize("name", DOCUMENTED)
@@ -41,7 +43,7 @@ def test_examples(name, make_set, tmp_path, monkeypatch):
 
 def test_every_part_has_an_example():
     with_examples = {name for name, one in DOCUMENTED.items() if ">>> " in one.__doc__}
-    assert {"zqpaths", "zqpaths.open", "zqpaths.index", "zqpaths.Writer", "zqpaths.Selection",
+    assert {"zqpaths", "zqpaths.torch", "zqpaths.open", "zqpaths.index", "zqpaths.Writer", "zqpaths.Selection",
             "PathSequence.take", "PathSequence.index", "PathSequence.count", "PathSet.find",
             "PathSet.under", "PathSet.sample", "PathSet.split", "PathSet.verify"} <= with_examples
 
