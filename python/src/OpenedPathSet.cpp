@@ -9,6 +9,7 @@
 #include "python/src/Interruption.hpp"
 #include "python/src/Places.hpp"
 #include "python/src/Selection.hpp"
+#include "python/src/Slots.hpp"
 #include "zqpaths/Pattern.hpp"
 #include "zqpaths/choosing/Permutation.hpp"
 
@@ -223,7 +224,8 @@ b'/data/a.txt')";
 }  // namespace
 
 void bindPathSet(py::module_& module) {
-    py::class_<OpenedPathSet, PathSequence> set(module, "PathSet", kSetDoc);
+    py::class_<OpenedPathSet, PathSequence> set(module, "PathSet",
+                                                py::custom_type_setup(refuseMaking), kSetDoc);
     set.attr("__module__") = "zqpaths";
     set.def_property_readonly("file", &fileOf, "The absolute name of the file, a str.");
     set.def_property_readonly(

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "python/src/Errors.hpp"
+#include "python/src/Slots.hpp"
 
 namespace zqpaths::python {
 namespace {
@@ -12,24 +12,9 @@ namespace {
 constexpr std::uint64_t kFirstPiece = 32;
 constexpr std::uint64_t kLargestPiece = 8192;
 
-PathIterator& iteratorOf(PyObject* object) {
-    // Its exact type is known here, so that nothing has to be looked up.
-    auto* instance = reinterpret_cast<py::detail::instance*>(object);
-    return *static_cast<PathIterator*>(instance->get_value_and_holder().value_ptr());
-}
-
-/// The slot of the type. What C++ throws must not pass through the interpreter.
-PyObject* nextOf(PyObject* object) {
-    try {
-        return iteratorOf(object).next();
-    } catch (py::error_already_set& error) {
-        error.restore();
-    } catch (const Error& error) {
-        raise(error);
-    } catch (const std::bad_alloc&) {
-        PyErr_NoMemory();
-    }
-    return nullptr;
+PyObject* nextOf(PyObject* self) {
+    return inSlot<PathIterator>(self, static_cast<PyObject*>(nullptr),
+                                [](PathIterator& iterator) { return iterator.next(); });
 }
 
 }  // namespace
@@ -77,6 +62,7 @@ void PathIterator::readPiece() {
 
 void bindPathIterator(py::module_& module) {
     const auto setSlots = [](PyHeapTypeObject* type) {
+        refuseMaking(type);
         type->ht_type.tp_iter = PyObject_SelfIter;
         type->ht_type.tp_iternext = nextOf;
     };

@@ -9,6 +9,7 @@
 #include "python/src/Interruption.hpp"
 #include "python/src/PathIterator.hpp"
 #include "python/src/Places.hpp"
+#include "python/src/Slots.hpp"
 
 namespace zqpaths::python {
 namespace {
@@ -122,6 +123,34 @@ py::object item(const PathSequence& paths, py::handle index) {
     return paths.list(places.count, [&](std::uint64_t i) { return places[i]; });
 }
 
+Py_ssize_t lengthOf(PyObject* self) {
+    return inSlot<PathSequence>(self, Py_ssize_t{-1}, [](const PathSequence& paths) {
+        return static_cast<Py_ssize_t>(paths.size());
+    });
+}
+
+PyObject* itemOf(PyObject* self, PyObject* index) {
+    return inSlot<PathSequence>(
+        self, static_cast<PyObject*>(nullptr),
+        [index](const PathSequence& paths) { return item(paths, index).release().ptr(); });
+}
+
+/// By a place as C has it, from which negative ones are gone.
+PyObject* itemAt(PyObject* self, Py_ssize_t index) {
+    return inSlot<PathSequence>(self, static_cast<PyObject*>(nullptr),
+                                [index](const PathSequence& paths) {
+                                    return paths.path(placeAt(index, paths.size())).release().ptr();
+                                });
+}
+
+void setSlots(PyHeapTypeObject* type) {
+    refuseMaking(type);
+    type->as_mapping.mp_length = lengthOf;
+    type->as_mapping.mp_subscript = itemOf;
+    type->as_sequence.sq_length = lengthOf;
+    type->as_sequence.sq_item = itemAt;
+}
+
 py::object take(const PathSequence& paths, py::handle indices, bool isArrowLike) {
     const std::vector<std::uint64_t> places = placesOf(indices, paths.size());
     if (isArrowLike) return paths.arrays(places);
@@ -208,13 +237,12 @@ well, what is in the folder is looked through.
 }  // namespace
 
 void bindPathSequence(py::module_& module) {
-    py::class_<PathSequence> sequence(module, "PathSequence", kSequenceDoc);
+    py::class_<PathSequence> sequence(module, "PathSequence", py::custom_type_setup(setSlots),
+                                      kSequenceDoc);
     sequence.attr("__module__") = "zqpaths";
     // PathSet[str] and PathSet[bytes] are for type checkers, as list[str] is.
     sequence.attr("__class_getitem__") = py::reinterpret_steal<py::object>(
         PyClassMethod_New(reinterpret_cast<PyObject*>(&Py_GenericAliasType)));
-    sequence.def("__len__", &PathSequence::size);
-    sequence.def("__getitem__", &item, py::arg("index"));
     sequence.def("__iter__", [](const PathSequence& paths) { return PathIterator(paths, false); });
     sequence.def("__reversed__",
                  [](const PathSequence& paths) { return PathIterator(paths, true); });

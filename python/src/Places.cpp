@@ -18,12 +18,6 @@ namespace {
                           std::to_string(size) + " paths");
 }
 
-std::uint64_t placeAt(std::int64_t index, std::uint64_t size) {
-    const auto place = static_cast<std::uint64_t>(index) + (index < 0 ? size : 0);
-    if (place >= size) refusePlace(std::to_string(index), size);
-    return place;
-}
-
 /// Places of numbers that lie in memory, each `stride` bytes after the one before.
 template <class Number>
 std::vector<std::uint64_t> placesIn(const Py_buffer& numbers, std::uint64_t size) {
@@ -99,6 +93,12 @@ std::optional<std::vector<std::uint64_t>> placesInArray(const Py_buffer& array,
 }
 
 }  // namespace
+
+std::uint64_t placeAt(std::int64_t index, std::uint64_t size) {
+    const auto place = static_cast<std::uint64_t>(index) + (index < 0 ? size : 0);
+    if (place >= size) refusePlace(std::to_string(index), size);
+    return place;
+}
 
 std::uint64_t placeOf(py::handle index, std::uint64_t size) {
     const Py_ssize_t number = PyNumber_AsSsize_t(index.ptr(), PyExc_IndexError);

@@ -17,6 +17,9 @@ namespace zqpaths::python {
 
 namespace py = pybind11;
 
+/// Throws IndexError.
+std::uint64_t placeAt(std::int64_t index, std::uint64_t size);
+
 /// Throws IndexError, TypeError.
 std::uint64_t placeOf(py::handle index, std::uint64_t size);
 

@@ -9,6 +9,7 @@
 
 #include "python/src/Errors.hpp"
 #include "python/src/OpenedPathSet.hpp"
+#include "python/src/Slots.hpp"
 
 namespace zqpaths::python {
 namespace {
@@ -89,7 +90,8 @@ constexpr const char* kPositionsDoc =
 }  // namespace
 
 void bindSelection(py::module_& module) {
-    py::class_<Selection, PathSequence> selection(module, "Selection", kSelectionDoc);
+    py::class_<Selection, PathSequence> selection(
+        module, "Selection", py::custom_type_setup(refuseMaking), kSelectionDoc);
     selection.attr("__module__") = "zqpaths";
     selection.def_property_readonly("positions", &positions, kPositionsDoc);
     selection.def("__repr__", &described);

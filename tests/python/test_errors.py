@@ -135,8 +135,9 @@ def test_takes_names_of_files_in_any_form(three, file):
 
 def test_cannot_be_made_otherwise():
     for one in [zqpaths.PathSet, zqpaths.Selection, zqpaths.PathSequence, zqpaths.PathIterator]:
-        with pytest.raises(TypeError):
-            one()
+        for make in [one, lambda one=one: object.__new__(one), type("Sub", (one,), {})]:
+            with pytest.raises(TypeError):
+                make()
 
 
 @pytest.mark.parametrize("arguments", [
