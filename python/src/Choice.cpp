@@ -29,7 +29,7 @@ std::optional<std::uint64_t> placeIn(const ShuffledPaths& paths, std::uint64_t n
 
 }  // namespace
 
-std::optional<std::uint64_t> placeOf(const Choice& choice, std::uint64_t number) noexcept {
+std::optional<std::uint64_t> placeOf(const Choice& choice, std::uint64_t number) {
     return std::visit([number](const auto& paths) { return placeIn(paths, number); }, choice);
 }
 

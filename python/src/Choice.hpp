@@ -75,11 +75,11 @@ struct ShuffledPaths : ShuffledShare {
 
 using Choice = std::variant<AllPaths, ListedPaths, DealtPaths, ShuffledPaths>;
 
-inline std::uint64_t sizeOf(const Choice& choice) noexcept {
+inline std::uint64_t sizeOf(const Choice& choice) {
     return std::visit([](const auto& paths) { return paths.size(); }, choice);
 }
 
-inline std::uint64_t numberAt(const Choice& choice, std::uint64_t place) noexcept {
+inline std::uint64_t numberAt(const Choice& choice, std::uint64_t place) {
     return std::visit([place](const auto& paths) { return paths[place]; }, choice);
 }
 
@@ -89,6 +89,6 @@ inline bool isAscending(const Choice& choice) noexcept {
 }
 
 /// The place of a number, if the choice has it. O(log size); O(size) for a shuffle.
-std::optional<std::uint64_t> placeOf(const Choice& choice, std::uint64_t number) noexcept;
+std::optional<std::uint64_t> placeOf(const Choice& choice, std::uint64_t number);
 
 }  // namespace zqpaths::python

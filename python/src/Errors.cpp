@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <exception>
 #include <system_error>
+#include <utility>
 
 namespace zqpaths::python {
 namespace {
@@ -45,7 +46,7 @@ void raise(const Error& error, const py::object& file) {
 void translateErrors() {
     py::register_local_exception_translator([](std::exception_ptr thrown) {
         try {
-            if (thrown) std::rethrow_exception(thrown);
+            if (thrown) std::rethrow_exception(std::move(thrown));
         } catch (const Error& error) {
             raise(error);
         } catch (const std::system_error& error) {

@@ -19,13 +19,13 @@ PyObject* nextOf(PyObject* self) {
 
 }  // namespace
 
-PathIterator::PathIterator(const PathSequence& paths, bool isBackwards)
-    : paths_(paths),
+PathIterator::PathIterator(PathSequence paths, bool isBackwards)
+    : paths_(std::move(paths)),
       isBackwards_(isBackwards),
       pieceSize_(kFirstPiece),
       reading_(std::make_unique<std::mutex>()) {}
 
-std::uint64_t PathIterator::left() const noexcept {
+std::uint64_t PathIterator::left() const {
     return paths_.size() - readCount_ +
            static_cast<std::uint64_t>(PyList_GET_SIZE(piece_.ptr()) - nextOfPiece_);
 }

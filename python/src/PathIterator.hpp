@@ -19,13 +19,13 @@ namespace zqpaths::python {
 
 class PathIterator {
 public:
-    PathIterator(const PathSequence& paths, bool isBackwards);
+    PathIterator(PathSequence paths, bool isBackwards);
 
     /// A new reference to the next path, or none at the end. Throws as PathSequence::list.
     PyObject* next();
 
     /// Paths that are still to come.
-    std::uint64_t left() const noexcept;
+    std::uint64_t left() const;
 
 private:
     bool hasReadPath() const noexcept { return nextOfPiece_ < PyList_GET_SIZE(piece_.ptr()); }

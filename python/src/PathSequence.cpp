@@ -21,7 +21,7 @@ py::array_t<Value> arrayOf(std::vector<Value> values) {
     const std::vector<Value>& kept = *owner;
     const py::capsule release(owner.get(),
                               [](void* owned) { delete static_cast<std::vector<Value>*>(owned); });
-    owner.release();
+    static_cast<void>(owner.release());  // to the capsule
     return py::array_t<Value>(static_cast<py::ssize_t>(kept.size()), kept.data(), release);
 }
 

@@ -36,7 +36,7 @@ public:
     const zqpaths::PathSet& set() const noexcept { return set_; }
     PathType type() const noexcept { return type_; }
     const std::shared_ptr<const Choice>& choice() const noexcept { return choice_; }
-    std::uint64_t size() const noexcept { return sizeOf(*choice_); }
+    std::uint64_t size() const { return sizeOf(*choice_); }
 
     // What reads paths throws Error as PathSet does, and py::error_already_set.
 

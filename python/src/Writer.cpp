@@ -44,12 +44,13 @@ Writer::Writer(py::object file, const std::string& mode, bool isPacked)
       writer_(naming(file_, [&] { return openedWriter(file_, mode, isPacked); })) {}
 
 Writer::~Writer() {
-    const py::gil_scoped_release unlocked;  // its threads end their work first
+    PyThreadState* const unlocked = PyEval_SaveThread();  // its threads end their work first
     // They are the parent's, and a child has none of them to wait for.
     if (process_ == ::getpid())
         writer_.reset();
     else
-        (void)writer_.release();
+        static_cast<void>(writer_.release());
+    PyEval_RestoreThread(unlocked);
 }
 
 template <class Work>
