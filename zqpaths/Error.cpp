@@ -32,14 +32,15 @@ ErrorKind kindOf(int error) noexcept {
 
 }  // namespace
 
-Error::Error(ErrorKind kind, std::string_view place, std::string_view reason)
-    : std::runtime_error(textOf(place, reason)), kind_(kind) {}
+Error::Error(ErrorKind kind, std::string_view place, std::string_view reason, int systemCode)
+    : std::runtime_error(textOf(place, reason)), kind_(kind), systemCode_(systemCode) {}
 
 Error systemError(std::string_view file, int error) {
     const ErrorKind kind = kindOf(error);
     // A full quota and a full device are one to people: something has to go.
-    if (kind == ErrorKind::kNoSpace) return {kind, file, "there is no space left on the device"};
-    return {kind, file, std::generic_category().message(error)};
+    if (kind == ErrorKind::kNoSpace)
+        return {kind, file, "there is no space left on the device", error};
+    return {kind, file, std::generic_category().message(error), error};
 }
 
 }  // namespace zqpaths

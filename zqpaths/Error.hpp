@@ -33,12 +33,16 @@ enum class ErrorKind {
 class ZQPATHS_EXPORT Error : public std::runtime_error {
 public:
     /// `place` is a file as a rule, and stands before the reason, if there is one.
-    Error(ErrorKind kind, std::string_view place, std::string_view reason);
+    Error(ErrorKind kind, std::string_view place, std::string_view reason, int systemCode = 0);
 
     ErrorKind kind() const noexcept { return kind_; }
 
+    /// The value of errno where the system has refused something; else 0.
+    int systemCode() const noexcept { return systemCode_; }
+
 private:
     ErrorKind kind_;
+    int systemCode_;
 };
 
 // Reasons that are given in more than one place.

@@ -21,8 +21,8 @@ bool isOfOneOf(const Include& include, const Folders& folders) {
 
 /// True for sources of this repository, in whatever marks; the others are libraries.
 bool isOurs(const Include& include) {
-    static const Folders top{"compressedpaths/", "binding/", "host/",  "tools/", "zqpaths/",
-                             "examples/",        "tests/",   "bench/", "fuzz/"};
+    static const Folders top{"compressedpaths/", "binding/",  "host/",  "tools/", "zqpaths/",
+                             "python/",          "examples/", "tests/", "bench/", "fuzz/"};
     return include.isQuoted || isOfOneOf(include, top);
 }
 
@@ -104,6 +104,10 @@ TEST(IncludeDirections, toolsKnowTheLibraryAlone) {
     expectOnly(includesIn("tools"), {"tools/", "zqpaths/"});
 }
 
+TEST(IncludeDirections, pythonKnowsTheLibraryAlone) {
+    expectOnly(includesIn("python"), {"python/", "zqpaths/"});
+}
+
 TEST(IncludeDirections, theExampleOfAProgramKnowsTheDoorsOfTheLibraryAlone) {
     expectOnly(includesOf("examples/library_session.cpp"),
                {"zqpaths/PathSet.hpp", "zqpaths/PathSetWriter.hpp"});
@@ -120,7 +124,7 @@ TEST(IncludeDirections, theExampleOfAHostProgramKnowsTheHostAlone) {
 
 TEST(IncludeDirections, whatIsShippedIncludesNoTests) {
     for (const char* folder :
-         {"compressedpaths", "binding", "host", "zqpaths", "tools", "examples"})
+         {"compressedpaths", "binding", "host", "zqpaths", "tools", "python", "examples"})
         for (const Include& include : includesIn(folder))
             EXPECT_FALSE(isOfOneOf(include, {"tests/", "bench/", "fuzz/"})) << include.source;
 }

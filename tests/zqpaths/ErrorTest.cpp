@@ -41,7 +41,12 @@ TEST(SystemError, hasTheKindAndTheWordsOfTheSystem) {
         const Error error = systemError("f", row.error);
         EXPECT_EQ(error.kind(), row.kind) << row.text;
         EXPECT_STREQ(error.what(), row.text);
+        EXPECT_EQ(error.systemCode(), row.error);
     }
+}
+
+TEST(Error, hasNoCodeOfTheSystemThatWasNotAsked) {
+    EXPECT_EQ(Error(ErrorKind::kDamaged, "usr.zqp", "the header is damaged").systemCode(), 0);
 }
 
 }  // namespace

@@ -1,0 +1,44 @@
+#pragma once
+// Slots of types: what the interpreter calls without looking up a method first, for the operations
+// that a program does for every path.
+//
+//     PyObject* nextOf(PyObject* self) {
+//         return inSlot<PathIterator>(self, nullptr, [](PathIterator& it) { return it.next(); });
+//     }
+//
+// Threads: with the interpreter's lock.
+
+#include <pybind11/pybind11.h>
+
+#include <new>
+
+#include "python/src/Errors.hpp"
+
+namespace zqpaths::python {
+
+/// What `work` gives for the object, which is of a type of ours with this class at its front; or
+/// `failed`, with the exception raised, since what C++ throws must not pass through the
+/// interpreter.
+template <class Class, class Result, class Work>
+Result inSlot(PyObject* self, Result failed, Work work) {
+    auto* instance = reinterpret_cast<py::detail::instance*>(self);
+    try {
+        return work(*static_cast<Class*>(instance->get_value_and_holder().value_ptr()));
+    } catch (py::error_already_set& error) {
+        error.restore();
+    } catch (const py::builtin_exception& error) {
+        error.set_error();
+    } catch (const Error& error) {
+        raise(error);
+    } catch (const std::bad_alloc&) {
+        PyErr_NoMemory();
+    }
+    return failed;
+}
+
+/// Keeps Python from making objects of a type, which would have nothing of C++ in them.
+inline void refuseMaking(PyHeapTypeObject* type) {
+    type->ht_type.tp_flags |= Py_TPFLAGS_DISALLOW_INSTANTIATION;
+}
+
+}  // namespace zqpaths::python
