@@ -1,7 +1,7 @@
 # The Python module, and the folder that it is installed in. ZQ_PYTHON is on where Python and pybind11
 # are found, and what is on is required.
-find_package(Python 3.9 QUIET COMPONENTS Interpreter Development.Module)
-find_package(pybind11 QUIET CONFIG)
+find_package(Python 3.11 QUIET COMPONENTS Interpreter Development.Module)
+find_package(pybind11 2.10 QUIET CONFIG)
 if(Python_FOUND AND pybind11_FOUND)
     set(python_is_there ON)
 else()
@@ -11,8 +11,8 @@ option(ZQ_PYTHON "build the Python module" ${python_is_there})
 if(NOT ZQ_PYTHON)
     return()
 endif()
-find_package(Python 3.9 REQUIRED COMPONENTS Interpreter Development.Module)
-find_package(pybind11 REQUIRED CONFIG)
+find_package(Python 3.11 REQUIRED COMPONENTS Interpreter Development.Module)
+find_package(pybind11 2.10 REQUIRED CONFIG)
 
 # Python itself looks into these folders of the prefixes /usr and /usr/local on Debian; elsewhere, into
 # what PYTHONPATH names.

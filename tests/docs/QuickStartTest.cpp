@@ -1,6 +1,9 @@
-// The quick start of README.md compiles as it stands there and prints what the page says.
+// The quick start of README.md and the program in C after it compile as they stand there and print
+// what the page says.
 
 #include <gtest/gtest.h>
+
+#include <string>
 
 #include "tests/docs/Page.hpp"
 #include "tests/support/ProgramRun.hpp"
@@ -8,12 +11,22 @@
 
 namespace {
 
-TEST(QuickStart, printsWhatThePageSays) {
-    const docs::Page page("README.md");
-    const test_support::TemporaryTree tree;  // the program makes a file where it is run
-    const auto run = test_support::runProgram({"env", "--chdir=" + tree.path(), ZQ_QUICK_START});
+/// Expects that a program prints, where it is run in `directory`, what the page says under `name`.
+void expectOutput(const char* program, const std::string& directory, const std::string& name) {
+    const auto run = test_support::runProgram({"env", "--chdir=" + directory, program});
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
-    EXPECT_EQ(run.output, page.blocksIn("text").at("quick-start-output"));
+    EXPECT_EQ(run.output, docs::Page("README.md").blocksIn("text").at(name));
+}
+
+TEST(QuickStart, printsWhatThePageSays) {
+    const test_support::TemporaryTree tree;  // the program makes a file where it is run
+    expectOutput(ZQ_QUICK_START, tree.path(), "quick-start-output");
+}
+
+TEST(QuickStart, makesWhatTheProgramInCReads) {
+    const test_support::TemporaryTree tree;
+    expectOutput(ZQ_QUICK_START, tree.path(), "quick-start-output");
+    expectOutput(ZQ_FROM_C, tree.path(), "from-c-output");
 }
 
 }  // namespace

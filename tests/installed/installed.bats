@@ -83,11 +83,28 @@ programs_and_libraries() {
     run ! grep -q 'RUNPATH\|RPATH' <(readelf -d usr/bin/zqpaths)
 }
 
-@test "what is not built is told before anything is installed" {
-    mkdir build
+# configure OPTION... - a build of the library alone, in the folder build
+configure() {
     cmake -S "$BATS_TEST_DIRNAME/../.." -B build -G Ninja -DBUILD_TESTING=OFF -DZQ_PROGRAM=OFF \
-        -DZQ_HOST=OFF >/dev/null
+        -DZQ_HOST=OFF -DZQ_PYTHON=OFF "$@"
+}
+
+@test "what is not built is told before anything is installed" {
+    configure >/dev/null
     run -1 cmake --install build --prefix "$PWD/prefix"
     [[ $output == *"is not built yet"*"--target shipped"* ]]
     [ ! -e prefix ]
+}
+
+@test "the library alone wants no packages of the tests, the program, the host and Python" {
+    local package options=()
+    for package in GTest rapidcheck benchmark OpenSSL CLI11 RapidJSON Python pybind11; do
+        options+=("-DCMAKE_DISABLE_FIND_PACKAGE_$package=ON")
+    done
+    configure "${options[@]}" >/dev/null
+}
+
+@test "folders that are not below the prefix are refused" {
+    run -1 configure -DCMAKE_INSTALL_LIBDIR=/elsewhere/lib
+    [[ $output == *"CMAKE_INSTALL_LIBDIR is /elsewhere/lib: give it relative to the prefix"* ]]
 }

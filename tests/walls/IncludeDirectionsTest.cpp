@@ -93,6 +93,13 @@ TEST(IncludeDirections, theDoorsOfTheLibraryLeadNowhereElse) {
     for (const std::string& door : doors) expectOnly(includesOf(door), doors);
 }
 
+TEST(IncludeDirections, theDoorForCLeadsToItsStandardHeadersAlone) {
+    for (const Include& include : includesOf("zqpaths/zqpaths.h"))
+        EXPECT_THAT(include.target, testing::AnyOf("stddef.h", "stdint.h"));
+    EXPECT_THAT(whoIncludes({"zqpaths"}, {"zqpaths/zqpaths.h"}),
+                testing::Each(testing::StartsWith("zqpaths/cinterface/")));
+}
+
 TEST(IncludeDirections, toolsKnowTheLibraryAlone) {
     expectOnly(includesIn("tools"), {"tools/", "zqpaths/"});
 }
@@ -104,6 +111,11 @@ TEST(IncludeDirections, pythonKnowsTheLibraryAlone) {
 TEST(IncludeDirections, theExampleOfAProgramKnowsTheDoorsOfTheLibraryAlone) {
     expectOnly(includesOf("examples/library_session.cpp"),
                {"zqpaths/PathSet.hpp", "zqpaths/PathSetWriter.hpp"});
+}
+
+TEST(IncludeDirections, theExampleOfAProgramInCKnowsTheDoorForCAlone) {
+    for (const Include& include : includesOf("examples/c_session.c"))
+        EXPECT_TRUE(include.target == "zqpaths.h" || !isOurs(include)) << include.target;
 }
 
 TEST(IncludeDirections, theExampleOfAHostProgramKnowsTheHostAlone) {

@@ -54,7 +54,8 @@ inline std::vector<Include> includesIn(const std::string& folder) {
     for (const auto& entry :
          std::filesystem::recursive_directory_iterator(ZQ_SOURCE_DIR "/" + folder)) {
         const std::string extension = entry.path().extension();
-        if (extension != ".cpp" && extension != ".hpp") continue;
+        if (extension != ".cpp" && extension != ".hpp" && extension != ".c" && extension != ".h")
+            continue;
         const std::vector<Include> more =
             includesOf(std::filesystem::relative(entry.path(), ZQ_SOURCE_DIR));
         includes.insert(includes.end(), more.begin(), more.end());

@@ -1,0 +1,1 @@
+// Is compiled for the precompiled headers of all tests, which belong to its target.
