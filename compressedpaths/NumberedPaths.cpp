@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <type_traits>
 #include <utility>
 
 #include "compressedpaths/HuffmanPathTree.hpp"
@@ -107,6 +108,15 @@ private:
 void HuffmanPathTree::addCodedBatch(const CodedBatch& batch) {
     const CodedBatch* const only = &batch;
     addCodedBatches({&only, 1});
+}
+
+/// Forgets the lists that ParallelCoding.cpp keeps of a batch that could not be coded.
+void HuffmanPathTree::clearThreadResources() {
+    const auto release = [](auto& list) { std::remove_reference_t<decltype(list)>().swap(list); };
+    release(asyncFolders);
+    release(asyncFiles);
+    release(asyncCodedFolders);
+    release(asyncCodedFiles);
 }
 
 void HuffmanPathTree::addCodedBatches(std::span<const CodedBatch* const> batches) {

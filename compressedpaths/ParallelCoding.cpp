@@ -1,5 +1,6 @@
 // Coding a batch on all cores, straight from the lists given. Each worker fills batches of its own,
 // in slots that say where they belong, so that the result does not depend on who is done first.
+// Nothing else stands here: a program that codes batches itself is not linked with oneTBB.
 
 #ifdef ZQ_PLAIN_THREADS
 #include <atomic>
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <type_traits>
 
 #include "compressedpaths/HuffmanPathTree.hpp"
 
@@ -135,14 +135,6 @@ void HuffmanPathTree::keepBatchAside(
     } catch (const std::bad_alloc&) {
         clearThreadResources();
     }
-}
-
-void HuffmanPathTree::clearThreadResources() {
-    const auto release = [](auto& list) { std::remove_reference_t<decltype(list)>().swap(list); };
-    release(asyncFolders);
-    release(asyncFiles);
-    release(asyncCodedFolders);
-    release(asyncCodedFiles);
 }
 
 }  // namespace compressedpaths

@@ -190,6 +190,15 @@ std::uint64_t PathSet::count(const Pattern& pattern) const {
     return PatternSearch(*opened_, pattern).count();
 }
 
+void PathSet::findNumbers(
+    const Pattern& pattern,
+    const std::function<bool(std::uint64_t first, std::uint64_t last)>& visit) const {
+    opened_->file().requireWhole();
+    PatternSearch(*opened_, pattern).findNumbers([&](PathNumbers numbers) {
+        return visit(numbers.first, numbers.last);
+    });
+}
+
 void PathSet::walk(PathVisitor visit) const {
     opened_->file().requireWhole();
     std::uint64_t step = 0;

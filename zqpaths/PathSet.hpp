@@ -21,6 +21,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -97,6 +98,12 @@ public:
     /// The paths that match, in the order of numbers; on all cores.
     void find(const Pattern& pattern, PathVisitor visit) const;
     std::uint64_t count(const Pattern& pattern) const;
+
+    /// The numbers of these paths without their text, which mostly need not be decoded then: from
+    /// `first` to `last`, both included, range after range, until `visit` returns false.
+    void findNumbers(
+        const Pattern& pattern,
+        const std::function<bool(std::uint64_t first, std::uint64_t last)>& visit) const;
 
     /// All paths in the order of the folders, folder by folder, segment after segment; a path that
     /// is the folder of others is not among them. The number given to `visit` counts the steps.

@@ -10,21 +10,31 @@
 
 namespace {
 
+using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
-/// What stands between the brackets of the lines RPATH and RUNPATH, cut at colons.
-std::vector<std::string> searchedFolders(const std::string& file) {
+/// What stands between the brackets of the lines of the dynamic section with a tag that ends so.
+std::vector<std::string> dynamicEntries(const std::string& file, const std::string& tagEnd) {
     const auto run = test_support::runProgram({"readelf", "-d", file});
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
-    std::vector<std::string> folders;
+    std::vector<std::string> entries;
     std::istringstream lines(run.output);
     for (std::string line; std::getline(lines, line);) {
-        if (line.find("PATH)") == std::string::npos) continue;
+        if (line.find(tagEnd + ")") == std::string::npos) continue;
         const std::size_t open = line.find('[') + 1;
-        std::string rest = line.substr(open, line.rfind(']') - open);
+        entries.push_back(line.substr(open, line.rfind(']') - open));
+    }
+    return entries;
+}
+
+/// The entries RPATH and RUNPATH, cut at colons.
+std::vector<std::string> searchedFolders(const std::string& file) {
+    std::vector<std::string> folders;
+    for (std::string rest : dynamicEntries(file, "PATH")) {
         for (std::size_t colon = 0; colon != std::string::npos; rest.erase(0, colon + 1)) {
             colon = rest.find(':');
             folders.push_back(rest.substr(0, colon));
@@ -48,10 +58,16 @@ TEST(LibrarySearch, ofOtherProgramsOfTheBuildNamesFoldersFromTheRoot) {
     EXPECT_THAT(searchedFolders(ZQ_HOST_SESSION), Each(StartsWith("/")));
 }
 
+TEST(LibrarySearch, ofTheLibraryForProgramsIsForWhatItUses) {
+    const std::vector<std::string> needed = dynamicEntries(ZQ_PATHS_LIBRARY, "NEEDED");
+    EXPECT_THAT(needed, Contains(StartsWith("libre2.so")));
+    EXPECT_THAT(needed, Not(Contains(StartsWith("libtbb"))));  // its threads are its own
+}
+
 TEST(LibrarySearch, findsTheLibraryOfTheProgram) {
     const auto run = test_support::runProgram({"ldd", ZQ_PROGRAM});
     EXPECT_THAT(run.output, testing::HasSubstr("/bin/../" ZQ_LIBDIR "/libzqpaths.so.0 "));
-    EXPECT_THAT(run.output, testing::Not(testing::HasSubstr("korvex")));
+    EXPECT_THAT(run.output, Not(testing::HasSubstr("korvex")));
 }
 
 }  // namespace

@@ -207,6 +207,8 @@ TEST(PathSet, stopsWhenTheVisitorSaysSo) {
     set.under("dir0", three);
     set.walk(three);
     EXPECT_EQ(count, 8 * 3);
+    set.findNumbers(Pattern::text("file1"), [&](auto, auto) { return ++count % 3 != 0; });
+    EXPECT_EQ(count, 9 * 3);
 }
 
 TEST(PathSet, passesOnWhatTheVisitorThrows) {
@@ -372,6 +374,7 @@ TEST(PathSet, refusesAFileThatHasBecomeShorter) {
                                                    [&] { set.under("", fail); },
                                                    [&] { set.find(Pattern::text("a"), fail); },
                                                    [&] { set.count(Pattern::text("a")); },
+                                                   [&] { set.findNumbers(Pattern::text("a"), {}); },
                                                    [&] { set.walk(fail); }};
     for (const auto& call : calls) EXPECT_EQ(refusalOf(call).kind, ErrorKind::kDamaged);
     ASSERT_EQ(set.verify().size(), 1U);

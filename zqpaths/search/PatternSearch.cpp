@@ -12,11 +12,18 @@ namespace {
 
 constexpr std::size_t kPathsASlice = 16384;
 
-/// True if a text may begin in `folderText` and end after it.
+/// True if the name of a file in a folder may begin with a text, which has separators at its end
+/// alone then.
+bool canBeginFileName(std::string_view text) {
+    return !text.empty() && text.front() != kSeparator && folderLength(text) == 0;
+}
+
+/// True if a text may begin in `folderText` and end in the name of a file there.
 bool canGoOnAfter(std::string_view folderText, std::string_view text) {
     for (std::size_t end = text.find(kSeparator); end != std::string_view::npos;
          end = text.find(kSeparator, end + 1))
-        if (folderText.ends_with(text.substr(0, end + 1))) return true;
+        if (canBeginFileName(text.substr(end + 1)) && folderText.ends_with(text.substr(0, end + 1)))
+            return true;
     return false;
 }
 
@@ -64,12 +71,19 @@ void PatternSearch::find(PathVisitor visit) const {
 }
 
 std::uint64_t PatternSearch::count() const {
-    const std::vector<Slice> all = slices();
     std::uint64_t total = 0;
-    makeInOrder(
-        all.size(), threadCount(), [&](std::size_t i) { return countIn(all[i]); },
-        [&](std::uint64_t count) { total += count; });
+    findNumbers([&](PathNumbers numbers) {
+        total += numbers.last - numbers.first + 1;
+        return true;
+    });
     return total;
+}
+
+void PatternSearch::findNumbers(const std::function<bool(PathNumbers numbers)>& visit) const {
+    const std::vector<Slice> all = slices();
+    makeInOrder(
+        all.size(), threadCount(), [&](std::size_t i) { return numbersIn(all[i]); },
+        [&](const std::vector<PathNumbers>& ranges) { return std::ranges::all_of(ranges, visit); });
 }
 
 std::vector<PatternSearch::Slice> PatternSearch::slices() const {
@@ -96,18 +110,25 @@ PathBuffer PatternSearch::matchesIn(const Slice& slice) const {
     return paths;
 }
 
-std::uint64_t PatternSearch::countIn(const Slice& slice) const {
-    std::uint64_t count = 0;
+std::vector<PathNumbers> PatternSearch::numbersIn(const Slice& slice) const {
+    const Segment& segment = *slice.in->segment;
+    std::vector<PathNumbers> ranges;
+    const auto append = [&](std::size_t first, std::size_t last) {
+        const PathNumbers numbers{segment.numberOf(first), segment.numberOf(last)};
+        if (!ranges.empty() && ranges.back().last + 1 == numbers.first)
+            ranges.back().last = numbers.last;
+        else
+            ranges.push_back(numbers);
+    };
     for (const auto& [positions, isCertain] : candidatesIn(slice)) {
         if (isCertain)
-            count += positions.last - positions.first + 1;
+            append(positions.first, positions.last);
         else
-            slice.in->segment->forEachPath(positions,
-                                           [&](std::size_t /*position*/, std::string_view path) {
-                                               count += matching_.matches(path) ? 1 : 0;
-                                           });
+            segment.forEachPath(positions, [&](std::size_t position, std::string_view path) {
+                if (matching_.matches(path)) append(position, position);
+            });
     }
-    return count;
+    return ranges;
 }
 
 /// What may match of a slice, ascending.

@@ -27,6 +27,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,10 @@ public:
     /// The paths that match, in the order of their numbers. Throws Error kDamaged.
     void find(PathVisitor visit) const;
     std::uint64_t count() const;
+
+    /// The numbers of these paths, neighbours as one range, until `visit` says to stop. Decodes
+    /// what is to be tested alone. Throws Error kDamaged.
+    void findNumbers(const std::function<bool(PathNumbers numbers)>& visit) const;
 
 private:
     using Positions = Segment::Positions;
@@ -74,7 +79,7 @@ private:
 
     std::vector<Slice> slices() const;
     PathBuffer matchesIn(const Slice& slice) const;
-    std::uint64_t countIn(const Slice& slice) const;
+    std::vector<PathNumbers> numbersIn(const Slice& slice) const;
     std::vector<Candidates> candidatesIn(const Slice& slice) const;
     FoldersWithPiece foldersWithPieceOf(const PathTree& set) const;
     void appendFilesOfFolder(const PathTree& set, Positions positions,

@@ -13,6 +13,16 @@ using Case = Pattern::Case;
 using Numbers = std::vector<std::uint64_t>;
 using Paths = std::vector<std::string>;
 
+/// The numbers in the ranges that a search gives.
+Numbers numbersFound(const PathSet& set, const Pattern& pattern) {
+    Numbers numbers;
+    set.findNumbers(pattern, [&](std::uint64_t first, std::uint64_t last) {
+        for (; first <= last; ++first) numbers.push_back(first);
+        return true;
+    });
+    return numbers;
+}
+
 /// The numbers that a search gives, which must be those of the paths that match one by one.
 Numbers found(const PathSet& set, const Paths& paths, const Pattern& pattern,
               const std::string& what) {
@@ -23,6 +33,7 @@ Numbers found(const PathSet& set, const Paths& paths, const Pattern& pattern,
     EXPECT_EQ(set.count(pattern), visited.size()) << what;
     Numbers numbers;
     for (const auto& [number, path] : visited) numbers.push_back(number);
+    EXPECT_EQ(numbersFound(set, pattern), numbers) << what;
     return numbers;
 }
 
@@ -67,6 +78,19 @@ TEST_F(PatternSearchTest, findsTextsWithSeparators) {
     EXPECT_EQ(text("/").size(), 11U);
     EXPECT_EQ(text("//"), Numbers{9});
     EXPECT_EQ(text("python3/"), (Numbers{2, 3, 12}));
+}
+
+// What begins in the text of a folder ends there or in the name of a file, which has separators at
+// its end alone.
+TEST_F(PatternSearchTest, findsTextsThatGoOnInAFileName) {
+    EXPECT_EQ(text("a/lib/"), Numbers{8});
+    EXPECT_EQ(text("a/lib"), Numbers{8});
+    EXPECT_EQ(text("a//lib"), Numbers{9});
+    EXPECT_EQ(text("a//"), Numbers{9});
+    EXPECT_EQ(text("a/lib//"), Numbers{});
+    EXPECT_EQ(text("r/lib/p"), (Numbers{2, 3, 12}));
+    EXPECT_EQ(text("/python3/lib/y"), Numbers{3});
+    EXPECT_EQ(text("/lib/"), (Numbers{1, 2, 3, 8, 12}));
 }
 
 TEST_F(PatternSearchTest, findsTextsThatAreNotUtf8) {
