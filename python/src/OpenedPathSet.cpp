@@ -142,7 +142,7 @@ short or overwritten in place raises Error.
 
 A set can be pickled, as the name of its file: the process that gets it opens the file again, and
 raises Error if that has changed. So a worker process that is spawned has the same set, and one that
-is forked shares it.)";
+is forked shares it; fork while no other thread is in the midst of a call, as with all that has locks.)";
 
 constexpr const char* kFingerprintDoc =
     R"(An int that tells this set from other states of its file, and from other sets.
