@@ -103,9 +103,10 @@ class Trie:
         self.trie = marisa.Trie()
         self.trie.mmap(file)
         self.agent = marisa.Agent()
+        self.count = self.trie.num_keys()
 
     def item(self, index):
-        self.agent.set_query(index)
+        self.agent.set_query(index % self.count)
         self.trie.reverse_lookup(self.agent)
         return self.agent.key_str()
 

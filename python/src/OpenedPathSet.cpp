@@ -38,16 +38,13 @@ std::string described(const OpenedPathSet& set) {
 
 // --- Choosing paths.
 
-/// The positions of what `search(visit)` visits, searched without the interpreter's lock.
+/// The positions that `search(interruption, positions)` finds without the interpreter's lock.
 template <class Search>
 ListedPaths found(Search search) {
     std::vector<std::int64_t> positions;
     const py::gil_scoped_release unlocked;
     Interruption interruption;
-    search([&](std::uint64_t number, std::string_view /*path*/) {
-        interruption.step();
-        positions.push_back(static_cast<std::int64_t>(number - 1));
-    });
+    search(interruption, positions);
     positions.shrink_to_fit();
     return ListedPaths(std::move(positions));
 }
@@ -65,13 +62,25 @@ Selection find(const py::object& self, py::handle text, py::handle glob, py::han
                bool ignoreCase) {
     const auto& set = self.cast<const OpenedPathSet&>();
     const Pattern pattern = patternOf(text, glob, regex, ignoreCase);
-    return {self, set, found([&](auto visit) { set.set().find(pattern, visit); })};
+    return {self, set, found([&](Interruption& interruption, std::vector<std::int64_t>& positions) {
+                set.set().findNumbers(pattern, [&](std::uint64_t first, std::uint64_t last) {
+                    interruption.step();
+                    for (std::uint64_t number = first; number <= last; ++number)
+                        positions.push_back(static_cast<std::int64_t>(number - 1));
+                    return true;
+                });
+            })};
 }
 
 Selection under(const py::object& self, py::handle folder) {
     const auto& set = self.cast<const OpenedPathSet&>();
     const GivenPath given(folder);
-    return {self, set, found([&](auto visit) { set.set().under(given.text(), visit); })};
+    return {self, set, found([&](Interruption& interruption, std::vector<std::int64_t>& positions) {
+                set.set().under(given.text(), [&](std::uint64_t number, std::string_view /*path*/) {
+                    interruption.step();
+                    positions.push_back(static_cast<std::int64_t>(number - 1));
+                });
+            })};
 }
 
 Selection split(const py::object& self, py::handle rank, py::handle of, py::handle epoch,
@@ -133,7 +142,7 @@ short or overwritten in place raises Error.
 
 A set can be pickled, as the name of its file: the process that gets it opens the file again, and
 raises Error if that has changed. So a worker process that is spawned has the same set, and one that
-is forked shares it.)";
+is forked shares it; fork while no other thread is in the midst of a call, as with all that has locks.)";
 
 constexpr const char* kFingerprintDoc =
     R"(An int that tells this set from other states of its file, and from other sets.

@@ -11,6 +11,8 @@ that read it share its bytes: eight workers of a data loader need no more memory
 (3, '/data/a.txt', '/data/b/c.txt')
 >>> list(s.under("/data/b"))
 ['/data/b/c.txt']
+
+Arrays are those of numpy, which is needed for them alone. zqpaths.torch gives sets to loaders of torch.
 """
 
 from collections.abc import Sequence as _Sequence

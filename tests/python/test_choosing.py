@@ -45,7 +45,7 @@ def test_finds_paths_that_hold_a_text(make_set, paths, text):
 def test_finds_what_is_in_a_folder(make_set, paths):
     s = make_set(paths)
     texts = as_text(paths)
-    inside = [i for i, path in enumerate(texts) if re.match(r"a($|/)", path)]
+    inside = [i for i, path in enumerate(texts) if re.match(r"a(/|\Z)", path)]
     expect(s.under("a"), inside, texts)
     expect(s.under("a//"), inside, texts)
 
