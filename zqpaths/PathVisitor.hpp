@@ -22,7 +22,8 @@ public:
     template <class Function>
     requires std::invocable<Function&, std::uint64_t, std::string_view> &&
         (!std::same_as<std::remove_cvref_t<Function>, PathVisitor>)
-            PathVisitor(Function&& function) noexcept
+        // NOLINTNEXTLINE(bugprone-forwarding-reference-overload): it is no visitor itself
+        PathVisitor(Function&& function) noexcept
         : function_(const_cast<void*>(static_cast<const void*>(std::addressof(function)))),
           call_([](void* called, std::uint64_t number, std::string_view path) -> bool {
               auto& visit = *static_cast<std::remove_reference_t<Function>*>(called);

@@ -18,8 +18,8 @@ namespace zqpaths::python {
 class OpenedPathSet : public PathSequence {
 public:
     /// `file` is its absolute name, which stays right wherever the process goes.
-    OpenedPathSet(zqpaths::PathSet set, PathType type, std::string file)
-        : PathSequence(std::move(set), type), file_(std::move(file)) {}
+    OpenedPathSet(const zqpaths::PathSet& set, PathType type, std::string file)
+        : PathSequence(set, type), file_(std::move(file)) {}
 
     const std::string& file() const noexcept { return file_; }
 

@@ -29,7 +29,7 @@ namespace zqpaths::python {
 class PathSequence {
 public:
     /// All paths of a set.
-    PathSequence(zqpaths::PathSet set, PathType type)
+    PathSequence(const zqpaths::PathSet& set, PathType type)
         : PathSequence(set, type, std::make_shared<const Choice>(AllPaths(set.size()))) {}
     PathSequence(zqpaths::PathSet set, PathType type, std::shared_ptr<const Choice> choice);
 

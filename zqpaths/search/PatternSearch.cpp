@@ -55,7 +55,7 @@ private:
 };
 
 PatternSearch::PatternSearch(const OpenedSet& set, const Pattern& pattern)
-    : set_(set), matching_(*pattern.matching_) {
+    : matching_(*pattern.matching_) {
     appendUtf16(matching_.piece.text, piece_);
     // No path holds NUL, but the component of no folder does.
     isAllPiece_ = matching_.fixedText == matching_.piece.text &&

@@ -85,7 +85,6 @@ private:
     void appendFilesOfFolder(const PathTree& set, Positions positions,
                              const std::vector<std::size_t>& named, CandidateList& list) const;
 
-    const OpenedSet& set_;
     const Pattern::Matching& matching_;
     std::u16string piece_;
     bool isAllPiece_;  // what holds the piece matches
