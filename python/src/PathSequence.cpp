@@ -36,7 +36,9 @@ PathSequence::PathSequence(zqpaths::PathSet set, PathType type,
 }
 
 py::object PathSequence::path(std::uint64_t place) const {
+    constexpr std::size_t kUsualSize = 256;  // of most paths; a text that grows moves several times
     std::string text;
+    text.reserve(kUsualSize);
     const auto read = [&] { set_.appendPath(numberAt(*choice_, place), text); };
     if (hasPacked_) {
         const py::gil_scoped_release unlocked;
