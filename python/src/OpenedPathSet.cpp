@@ -138,7 +138,9 @@ constexpr const char* kSetDoc =
 <zqpaths.PathSet of 3 paths in '...data.zqp'>
 
 What others do to the file later is not seen: they may append to it or replace it. One that is cut
-short or overwritten in place raises Error.
+short raises Error from the next call on; if that happens in the midst of a call, the system may end the
+process (SIGBUS). One whose bytes are overwritten raises Error where they cannot be what was saved;
+verify looks at all of them.
 
 A set can be pickled, as the name of its file: the process that gets it opens the file again, and
 raises Error if that has changed. So a worker process that is spawned has the same set, and one that
