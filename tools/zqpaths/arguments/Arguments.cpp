@@ -60,8 +60,10 @@ std::string inLines(const std::string& text) {
 }
 
 std::string footer(const Verb& verb) {
-    const std::string example = "Example:\n  " + verb.example;
-    return verb.details.empty() ? example : inLines(verb.details) + "\n" + example;
+    std::string text = verb.details.empty() ? "" : inLines(verb.details) + "\n";
+    text += "Examples:";
+    for (const std::string& example : verb.examples) text += "\n  " + example;
+    return text;
 }
 
 CLI::Option* declare(CLI::App& app, const Option& option) {

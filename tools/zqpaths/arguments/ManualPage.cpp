@@ -91,7 +91,9 @@ std::string verbText(const std::string& program, const Verb& verb) {
     if (!verb.details.empty()) text += ".PP\n" + escaped(verb.details) + '\n';
     for (const Option& option : verb.options)
         if (!option.isArgument()) text += optionText(option);
-    return text + ".PP\nExample:\n.PP\n.RS\n.nf\n" + escaped(verb.example) + "\n.fi\n.RE\n";
+    text += ".PP\nExamples:\n.PP\n.RS\n.nf\n";
+    for (const std::string& example : verb.examples) text += escaped(example) + '\n';
+    return text + ".fi\n.RE\n";
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 //         return {.name = "count",
 //                 .synopsis = "SET",
 //                 .summary = "tell how many paths a set has",
-//                 .example = "zqpaths count usr.zqp",
+//                 .examples = {"zqpaths count usr.zqp", "zqpaths count --quiet usr.zqp"},
 //                 .options = rows(setArgument(options->set),
 //                                 flag("-q,--quiet", options->quiet, "tell errors only")),
 //                 .run = [options] { return count(*options); }};
@@ -53,8 +53,8 @@ struct Verb {
     std::string name;
     std::string synopsis;  // what follows the verb: "SET DIR..."
     std::string summary;
-    std::string example;
-    std::string details{};  // sentences; empty where the summary says it all
+    std::vector<std::string> examples;  // commands, two as a rule
+    std::string details{};              // sentences; empty where the summary says it all
     std::vector<Option> options;
     std::function<ExitStatus()> run;
 };

@@ -32,7 +32,7 @@ ProgramTable tableOf(Told& told) {
         .name = "tell",
         .synopsis = "SET MORE...",
         .summary = "take everything",
-        .example = "program tell x y",
+        .examples = {"program tell x y"},
         .options = rows(argument("SET", told.set, "one"), arguments("MORE", told.more, "others"),
                         rows(flag("-l,--loud", told.isLoud, "a switch"),
                              excluding("--loud", text("--text", "T", told.text, "a text"))),

@@ -1,0 +1,106 @@
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Output.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/verbs/Verbs.hpp"
+#include "zqpaths/Pattern.hpp"
+
+namespace zqpaths::program {
+namespace {
+
+struct FindOptions {
+    std::string set;
+    std::string pattern;
+    bool isRegex = false;
+    bool isText = false;
+    bool ignoreCase = false;
+    bool countOnly = false;
+    bool statusOnly = false;
+    OutputOptions output;
+    MessageOptions messages;
+};
+
+Pattern patternOf(const FindOptions& options) {
+    const Pattern::Case letterCase =
+        options.ignoreCase ? Pattern::Case::kIgnore : Pattern::Case::kRespect;
+    if (options.isRegex) return Pattern::regex(options.pattern, letterCase);
+    if (options.isText) return Pattern::text(options.pattern, letterCase);
+    return Pattern::glob(options.pattern, letterCase);
+}
+
+bool hasMatch(const PathSet& set, const Pattern& pattern) {
+    bool isFound = false;
+    set.find(pattern, [&isFound](std::uint64_t /*number*/, std::string_view /*path*/) {
+        isFound = true;
+        return false;
+    });
+    return isFound;
+}
+
+std::uint64_t printMatches(const PathSet& set, const Pattern& pattern, const FindOptions& options) {
+    Output output(options.output);
+    Progress progress("finding", options.messages, std::nullopt, Progress::Prints::kPaths);
+    std::uint64_t count = 0;
+    set.find(pattern, [&](std::uint64_t number, std::string_view path) {
+        progress.advance();
+        ++count;
+        output.numberedPath(number, path);
+    });
+    output.finish();
+    return count;
+}
+
+std::uint64_t printCount(const PathSet& set, const Pattern& pattern, const FindOptions& options) {
+    const std::uint64_t count = set.count(pattern);
+    Output output(options.output);
+    output.count(count);
+    output.finish();
+    return count;
+}
+
+ExitStatus find(const FindOptions& options) {
+    const Pattern pattern = patternOf(options);
+    const PathSet set = openSet(options.set);
+    const auto isAny = [&] {
+        if (options.statusOnly) return hasMatch(set, pattern);
+        if (options.countOnly) return printCount(set, pattern, options) > 0;
+        return printMatches(set, pattern, options) > 0;
+    };
+    return isAny() ? ExitStatus::kDone : ExitStatus::kNegative;
+}
+
+}  // namespace
+
+Verb findVerb() {
+    const auto options = std::make_shared<FindOptions>();
+    return {
+        .name = "find",
+        .synopsis = "SET PATTERN",
+        .summary = "print numbers and paths that match a glob",
+        .examples = {"zqpaths find usr.zqp '*.hpp'",
+                     "zqpaths find usr.zqp -c -r 'lib[^/]*\\.so(\\.[0-9]+)*$'"},
+        .details =
+            "A glob without / is matched against the file name alone, one with / against the whole "
+            "path, each from beginning to end. * is any text, ? one character, [a-c] and [!a-c] "
+            "one of those, none of them a /. ** is any text with /; a/**/b is also a/b. A "
+            "backslash takes the meaning from what follows it. A regular expression (RE2) and a "
+            "fixed text may be anywhere in the path. A path that is not UTF-8 is matched byte by "
+            "byte. Status 1 tells that nothing matches.",
+        .options = rows(
+            setArgument(options->set), argument("PATTERN", options->pattern, "what to look for"),
+            flag("-r,--regex", options->isRegex, "PATTERN is a regular expression"),
+            excluding("--regex", flag("-F,--fixed", options->isText,
+                                      "PATTERN is a text that occurs in the path")),
+            flag("-i,--ignore-case", options->ignoreCase, "without regard to case"),
+            flag("-c,--count", options->countOnly, "print only how many match"),
+            flag("-q,--quiet", options->statusOnly, "print nothing; status 0 if something matches"),
+            outputOptions(options->output), progressOption(options->messages)),
+        .run = [options] { return find(*options); }};
+}
+
+}  // namespace zqpaths::program

@@ -1,0 +1,43 @@
+#include <memory>
+#include <string>
+
+#include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sources/WholeFiles.hpp"
+#include "tools/zqpaths/verbs/Verbs.hpp"
+#include "zqpaths/set/Pieces.hpp"
+
+namespace zqpaths::program {
+namespace {
+
+struct ExportOptions {
+    std::string set;
+    PieceOptions pieces;
+    MessageOptions messages;
+};
+
+ExitStatus exportSet(const ExportOptions& options) {
+    if (options.pieces.treeString == options.pieces.pathTree)
+        throw Failure(ExitStatus::kFailed, "the two pieces need two files");
+    const SavedPieces pieces = exportPieces(openSet(options.set));
+    writeWholeFile(options.pieces.treeString, pieces.treeString);
+    writeWholeFile(options.pieces.pathTree, pieces.pathTree);
+    return ExitStatus::kDone;
+}
+
+}  // namespace
+
+Verb exportVerb() {
+    const auto options = std::make_shared<ExportOptions>();
+    return {.name = "export",
+            .synopsis = "SET --tree-string FILE --path-tree FILE",
+            .summary = "write a set as the two pieces that other hosts load",
+            .examples = {"zqpaths export usr.zqp --tree-string usr.chars --path-tree usr.paths",
+                         "zqpaths export old.zqp --tree-string chars --path-tree paths"},
+            .options = rows(setArgument(options->set), pieceOptions(options->pieces),
+                            messageOptions(options->messages)),
+            .run = [options] { return exportSet(*options); }};
+}
+
+}  // namespace zqpaths::program

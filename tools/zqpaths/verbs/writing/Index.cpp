@@ -1,0 +1,44 @@
+#include <memory>
+#include <string>
+
+#include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sets/GrowingSet.hpp"
+#include "tools/zqpaths/sources/PathSource.hpp"
+#include "tools/zqpaths/verbs/Verbs.hpp"
+
+namespace zqpaths::program {
+namespace {
+
+struct IndexOptions {
+    std::string set;
+    SourceOptions source;
+    bool force = false;
+    MessageOptions messages;
+};
+
+ExitStatus index(const IndexOptions& options) {
+    const std::unique_ptr<PathSource> source = openSource(options.source);
+    GrowingSet set(options.set, modeOfNew(options.force), "indexing", options.messages);
+    source->visit([&set](std::string_view path) { set.add(path); });
+    if (set.addedCount() == 0)
+        throw Failure(ExitStatus::kFailed, "no paths in " + printableNames(options.source));
+    set.save();
+    return statusAfter(*source, options.source.ignoreUnreadable);
+}
+
+}  // namespace
+
+Verb indexVerb() {
+    const auto options = std::make_shared<IndexOptions>();
+    return {.name = "index",
+            .synopsis = "SET DIR... | SET --list FILE",
+            .summary = "make a set of directories or of a list",
+            .examples = {"zqpaths index usr.zqp /usr",
+                         "find /data -name '*.png' -print0 | zqpaths index png.zqp --list - -0"},
+            .options = rows(setArgument(options->set), sourceOptions(options->source),
+                            forceOption(options->force), messageOptions(options->messages)),
+            .run = [options] { return index(*options); }};
+}
+
+}  // namespace zqpaths::program
