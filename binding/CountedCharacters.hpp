@@ -19,7 +19,7 @@ public:
     std::unordered_map<char16_t, double> frequencies() const;
 
 private:
-    std::vector<double> counts_;  // by character; an array, since every character of a set comes by
+    std::vector<double> counts_;  // by character; an array: every character of a set passes through
     std::vector<char16_t> met_;   // in the order of first meeting
 };
 

@@ -18,7 +18,7 @@
 // An array without dimensions has no elements; a cell or field in which nothing has been put reads
 // as a double array of 0 by 0.
 //
-// Wrong use is a typed error: see ArrayErrors.hpp. Memory that cannot be had is
+// Wrong use is a typed error: see ArrayErrors.hpp. Lack of memory is
 // foundation::core::except::bad_alloc. An array without fields is one block of memory.
 //
 // Threads: an array belongs to one thread at a time; one that nobody changes can be read by many.

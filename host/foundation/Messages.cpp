@@ -42,7 +42,7 @@ Catalogue& catalogue() {
     return theOne;
 }
 
-/// The end of the hole that starts `text`, behind its '}', and its number; an end of 0 if there is
+/// The end of the hole that starts `text`, past its '}', and its number; an end of 0 if there is
 /// no hole.
 struct Hole {
     std::size_t end = 0;

@@ -3,8 +3,8 @@
 // numbered from 1 and take the arguments of a message:
 //
 //     messages::add("KORVEX:printer", "outOfPaper", "tray {1} of {2} is empty");
-//     messages::format("KORVEX:printer", "outOfPaper", {"2", "desk"});  // "tray 2 of desk is
-//     empty"
+//     messages::format("KORVEX:printer", "outOfPaper", {"2", "desk"});
+//         // "tray 2 of desk is empty"
 //
 // Threads: safe for concurrent use.
 

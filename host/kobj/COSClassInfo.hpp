@@ -16,7 +16,7 @@ namespace kobj {
 
 class COSClass;
 
-/// Who asks a class to describe itself.
+/// The caller that asks a class to describe itself.
 class COSClient {};
 
 class KORVEX_API COSClassInfo {

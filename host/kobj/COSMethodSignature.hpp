@@ -19,7 +19,7 @@ struct COSParameter {
 
 class KORVEX_API COSMethodSignature {
 public:
-    /// Optional parameters stand behind the others.
+    /// Optional parameters stand after the others.
     static std::unique_ptr<COSMethodSignature> createMethodSignature(
         std::vector<COSParameter> inputs, std::vector<COSParameter> outputs);
 

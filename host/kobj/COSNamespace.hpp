@@ -1,8 +1,9 @@
 #pragma once
 // Namespaces hold classes and further namespaces; one that is asked for is there.
 //
-//     kobj::COSNamespace* shapes = kobj::omGetInnerNamespace(kobj::omGetNamespace("korvex"),
-//     "shapes"); shapes->getFullName();                       // "korvex.shapes"
+//     kobj::COSNamespace* const top = kobj::omGetNamespace("korvex");
+//     kobj::COSNamespace* const shapes = kobj::omGetInnerNamespace(top, "shapes");
+//     shapes->getFullName();  // "korvex.shapes"
 //     shapes->addClass(new CircleCOSClassInfo, 0, 2);
 //
 // Threads: safe for concurrent use.

@@ -5,7 +5,7 @@
 //     COSValue number = COSTypeRepository::getConversion(type->getID(), "double").apply(value);
 //
 // A type is "any" or the name of a class: "double", "int8" … "uint64", "logical", "char", "cell",
-// "struct", or the full name of a class of objects. " vector" behind it asks for at most one
+// "struct", or the full name of a class of objects. " vector" after it asks for at most one
 // dimension other than 1, " scalar" for one element. Numbers, logical values and characters convert
 // to "double"; otherwise a type takes only its own class. Values that need no change are shared,
 // whatever their size.

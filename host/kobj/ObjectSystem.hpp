@@ -11,7 +11,7 @@ KORVEX_API bool omGetKobjUsingUSM() noexcept;
 KORVEX_API void omSetKobjUsingUSM(bool isUsing) noexcept;
 
 /// Forgets all namespaces and frees all classes. No object may be alive. For programs that count
-/// what they leave behind.
+/// what they leave.
 KORVEX_API void omReset() noexcept;
 
 }  // namespace kobj

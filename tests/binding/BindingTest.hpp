@@ -95,7 +95,7 @@ class BindingTest : public ::testing::Test {
 public:
     BindingTest(const BindingTest&) = delete;
     BindingTest& operator=(const BindingTest&) = delete;
-    /// Runs behind the destructors of a test's own fixture, which frees what that holds.
+    /// Runs after the destructors of a test's own fixture, which frees what that holds.
     ~BindingTest() override {
         const foundation::core::LiveObjects after = foundation::core::liveObjects();
         EXPECT_EQ(after.arrays, before_.arrays);

@@ -28,7 +28,7 @@ using Parameters = std::vector<kobj::COSParameter>;
 /// What is promised of a method.
 struct MethodRow {
     std::string name;
-    Parameters inputs;  // behind the object
+    Parameters inputs;  // after the object
     Parameters outputs;
     std::int32_t mostOutputs;
     std::int32_t fewestInputs;  // with the object

@@ -19,7 +19,7 @@ using foundation::core::liveObjects;
 
 class LiveObjectCounts : public BindingTest {
 protected:
-    /// Fails the test unless `call` throws and leaves nothing behind.
+    /// Fails the test unless `call` throws and leaves no object alive.
     template <class Call>
     static void expectLeavesNothing(Call call) {
         const LiveObjects before = liveObjects();

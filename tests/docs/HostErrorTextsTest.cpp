@@ -14,7 +14,7 @@ namespace {
 
 using Texts = std::map<std::string, std::string>;  // by identifier
 
-/// What stands behind `name` = " on a line.
+/// What stands after `name` = " on a line.
 std::optional<std::string> constantIn(const std::string& line, const std::string& name) {
     const std::string opening = name + " = \"";
     const std::size_t begin = line.find(opening);

@@ -1,6 +1,6 @@
 #pragma once
 // Page reads what a document of the repository holds for programs: its lines, and its fenced blocks
-// by the words behind the fence. Of this block the language is "hex", the name "bits-three":
+// by the words after the fence. Of this block the language is "hex", the name "bits-three":
 //
 //     ```hex bits-three
 //     05 03

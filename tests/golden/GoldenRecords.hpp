@@ -33,7 +33,7 @@ int failureCount();
 std::size_t runRecords(const std::filesystem::path& file, const RecordKinds& kinds);
 
 /// Runs the steps of a script on one `Script`, each by the function of its "op", up to the first
-/// one that fails: those behind it would only fail for the same reason.
+/// one that fails: those after it would only fail for the same reason.
 template <class Script>
 void runSteps(const Json& steps,
               const std::map<std::string, void (Script::*)(Fields&), std::less<>>& operations) {

@@ -40,7 +40,7 @@ public:
             const ProgramRun removal = runProgram({"rm", "-rf", "--", path_});
             EXPECT_EQ(removal.exitStatus, 0) << removal.errors;
         } catch (const std::exception& error) {
-            ADD_FAILURE() << path_ << " is left behind: " << error.what();
+            ADD_FAILURE() << path_ << " cannot be removed: " << error.what();
         }
     }
 

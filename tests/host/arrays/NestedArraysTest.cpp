@@ -19,7 +19,7 @@ kxArray* row(std::size_t number) {
     return kxCreateCharacters(std::u16string(digits.begin(), digits.end()));
 }
 
-/// Cells in cells; each has a row before the cell within it, a row behind it, and an empty place.
+/// Cells in cells; each has a row before the cell within it, a row after it, and an empty place.
 kxArrayPtr deepCells() {
     kxArrayPtr inner(kxCreateCharacters(u"innermost"));
     for (std::size_t depth = 0; depth < kDepth; ++depth) {
@@ -41,7 +41,7 @@ kxArrayPtr deepMixture() {
             outer.reset(kxCreateCell({1, 2}));
             kxReplaceCell(outer.get(), depth % 2, inner.release());
         } else {
-            const std::vector<std::string> names = {"before", "inner", "behind"};
+            const std::vector<std::string> names = {"before", "inner", "after"};
             outer.reset(depth % 3 == 1 ? kxCreateStructure({2, 1}, names)
                                        : kxCreateObjectWithFields("korvex.Box", {2, 1}, names));
             kxReplaceField(outer.get(), 1, "before", row(depth));
