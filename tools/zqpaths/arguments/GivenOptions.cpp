@@ -1,7 +1,9 @@
 #include "tools/zqpaths/arguments/GivenOptions.hpp"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstddef>
+#include <map>
 #include <string_view>
 #include <utility>
 
@@ -14,6 +16,42 @@ namespace zqpaths::program {
 namespace {
 
 constexpr std::string_view kEndOfOptions = "--";
+constexpr std::string_view kSwitchedOn = "true";  // the parser's word for a switch without a value
+
+/// The parser takes "[a,b]" apart, passes over a value that is empty, and goes on to look for
+/// options after "--" once a verb has its arguments; files have all sorts of names. So an argument
+/// that it could take for something else is marked, and one that begins with a mark as well.
+constexpr char kMark = '\1';
+
+/// The arguments, the last one first, as the parser wants them.
+std::vector<std::string> marked(const std::vector<std::string>& arguments) {
+    std::vector<std::string> texts;
+    bool mayBeOption = true;
+    for (std::string text : arguments) {
+        if (mayBeOption && text == kEndOfOptions) {
+            mayBeOption = false;
+            continue;
+        }
+        const bool isOption = mayBeOption && text.starts_with('-');
+        if (isOption && text.starts_with(kEndOfOptions) && text.find('=') == text.size() - 1)
+            text.push_back(kMark);
+        else if (text.starts_with('[') || text.starts_with(kMark) ||
+                 (!mayBeOption && text.starts_with('-')))
+            text.insert(text.begin(), kMark);
+        texts.push_back(std::move(text));
+    }
+    std::ranges::reverse(texts);
+    return texts;
+}
+
+std::string unmarked(const std::string& text) {
+    return text.starts_with(kMark) ? text.substr(1) : text;
+}
+
+/// Whether what the parser has no use for was meant as an option. "-5" counts from an end.
+bool isOptionLike(const std::string& text) {
+    return text.size() > 1 && text[0] == '-' && (text[1] < '0' || text[1] > '9');
+}
 
 /// What is said of an option: the longest of its names, an argument's only one.
 std::string nameOf(const Option& option) {
@@ -25,12 +63,19 @@ bool hasName(const Option& option, const std::string& name) {
     return std::ranges::find(names, name) != names.end();
 }
 
+/// The parser finds which text belongs to which option; whether they fit is told here, in words
+/// that name verb and option.
 class GivenOptions {
 public:
     GivenOptions(const ProgramTable& table, const Verb& verb,
                  const std::vector<std::string>& arguments)
-        : table_(table), verb_(verb), arguments_(arguments) {
-        while (next_ < arguments_.size()) read(arguments_[next_++]);
+        : table_(table), verb_(verb) {
+        parser_.set_help_flag();  // in the table's words instead
+        parser_.allow_extras();
+        declare(help_);
+        for (const Option& option : verb.options) declare(option);
+        parse(arguments);
+        collect();
     }
     GivenOptions(const GivenOptions&) = delete;
     GivenOptions& operator=(const GivenOptions&) = delete;
@@ -38,9 +83,11 @@ public:
     bool isHelpWanted() const { return isGiven(help_); }
 
     void requireThatAllFits() const {
-        if (!unexpected_.empty())
-            refuse(": the following arguments were not expected:" + unexpected_);
+        if (!withoutValue_.empty())
+            refuse(": " + withoutValue_ + " lacks its " + require(withoutValue_).value);
+        requireNothingElse();
         for (const Given& given : given_) {
+            requireNoValueOfSwitch(given);
             requireOnce(*given.option);
             requireCompany(*given.option);
             requireWord(given);
@@ -55,66 +102,47 @@ public:
 private:
     struct Given {
         const Option* option;
-        std::string text;  // nothing for a switch
+        std::string text;  // kSwitchedOn for a switch, unless it was given a value
     };
 
-    void read(const std::string& argument) {
-        if (!mayBeOption_ || !isOption(argument))
-            readArgument(argument);
-        else if (argument == kEndOfOptions)
-            mayBeOption_ = false;
-        else if (argument.starts_with("--"))
-            readLong(argument);
-        else
-            readShort(argument);
+    void declare(const Option& option) {
+        CLI::Option* const declared =
+            option.isSwitch()
+                ? parser_.add_flag(option.names)
+                : parser_.add_option(option.names, [](const CLI::results_t&) { return true; });
+        declared->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        if (option.isArgument() && option.isRepeated) declared->allow_extra_args();
+        declared_.emplace(declared, &option);
     }
 
-    bool isOption(const std::string& argument) const {
-        if (argument.size() < 2 || argument[0] != '-') return false;
-        const bool isNumber = argument[1] >= '0' && argument[1] <= '9';
-        return !isNumber || find(argument.substr(0, 2)) != nullptr;
-    }
-
-    void readArgument(const std::string& argument) {
-        const auto place = std::ranges::find_if(verb_.options, [this](const Option& option) {
-            return option.isArgument() && (option.isRepeated || !isGiven(option));
-        });
-        if (place != verb_.options.end())
-            given_.push_back({&*place, argument});
-        else
-            unexpected_ += ' ' + printablePath(argument);
-    }
-
-    void readLong(const std::string& argument) {
-        const std::size_t end = std::min(argument.find('='), argument.size());
-        const std::string name = argument.substr(0, end);
-        const Option& option = require(name);
-        if (end == argument.size())
-            given_.push_back({&option, option.isSwitch() ? "" : takeValue(name, option)});
-        else if (!option.isSwitch())
-            given_.push_back({&option, argument.substr(end + 1)});
-        else
-            refuse(": " + name + " takes no value");
-    }
-
-    /// Switches in one piece, and an option with its value, if it has one, at their end.
-    void readShort(const std::string& argument) {
-        for (std::size_t i = 1; i < argument.size(); ++i) {
-            const std::string name{'-', argument[i]};
-            const Option& option = require(name);
-            if (option.isSwitch()) {
-                given_.push_back({&option, ""});
-                continue;
-            }
-            const std::string rest = argument.substr(i + 1);
-            given_.push_back({&option, rest.empty() ? takeValue(name, option) : rest});
-            return;
+    void parse(const std::vector<std::string>& arguments) {
+        std::vector<std::string> texts = marked(arguments);
+        try {
+            parser_.parse(texts);
+        } catch (const CLI::ArgumentMismatch&) {
+            // The one thing that the parser refuses: the last option has no value.
+            const std::string& last = arguments.back();
+            withoutValue_ = last.starts_with(kEndOfOptions) ? last : std::string{'-', last.back()};
         }
     }
 
-    std::string takeValue(const std::string& name, const Option& option) {
-        if (next_ == arguments_.size()) refuse(": " + name + " lacks its " + option.value);
-        return arguments_[next_++];
+    /// What is for which option, in the order given.
+    void collect() {
+        std::map<const CLI::Option*, std::size_t> takenCounts;
+        for (const CLI::Option* const declared : parser_.parse_order()) {
+            const std::string& text = declared->results().at(takenCounts[declared]++);
+            given_.push_back({declared_.at(declared), unmarked(text)});
+        }
+    }
+
+    void requireNothingElse() const {
+        std::string unexpected;  // arguments, each after a space
+        for (const std::string& text : parser_.remaining()) {
+            if (isOptionLike(text)) static_cast<void>(require(text.substr(0, text.find('='))));
+            unexpected += ' ' + printablePath(unmarked(text));
+        }
+        if (!unexpected.empty())
+            refuse(": the following arguments were not expected:" + unexpected);
     }
 
     /// The option with this name, if there is one.
@@ -143,6 +171,11 @@ private:
     bool isGiven(const std::string& name) const {
         return std::ranges::any_of(
             given_, [&name](const Given& given) { return hasName(*given.option, name); });
+    }
+
+    void requireNoValueOfSwitch(const Given& given) const {
+        if (given.option->isSwitch() && given.text != kSwitchedOn)
+            refuse(": " + nameOf(*given.option) + " takes no value");
     }
 
     void requireOnce(const Option& option) const {
@@ -184,11 +217,10 @@ private:
     const ProgramTable& table_;
     const Verb& verb_;
     const Option help_ = helpOption();
-    const std::vector<std::string>& arguments_;
-    std::size_t next_ = 0;     // argument to be read
-    bool mayBeOption_ = true;  // no "--" has come
+    CLI::App parser_;
+    std::map<const CLI::Option*, const Option*> declared_;
     std::vector<Given> given_;
-    std::string unexpected_;  // arguments, each after a space
+    std::string withoutValue_;  // the name of an option that lacks its value
 };
 
 }  // namespace

@@ -108,6 +108,7 @@ TEST_F(GivenOptions, areNotNumbersThatCountFromAnEnd) {
 TEST_F(GivenOptions, mayAskForHelpInstead) {
     EXPECT_FALSE(give({"--help"}));
     EXPECT_FALSE(give({"s", "-ch", "--number", "x"}));
+    EXPECT_FALSE(give({"--count=yes", "--xyz", "-h", "--number"}));
     EXPECT_THAT(set_, IsEmpty());
     EXPECT_FALSE(isCount_);
 }
