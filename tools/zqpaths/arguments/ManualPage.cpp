@@ -82,7 +82,7 @@ std::string optionText(const Option& option) {
     for (const std::string& name : option.namesApart())
         names += (names.empty() ? "\\fB" : ", \\fB") + escaped(name) + "\\fR";
     if (!option.value.empty()) names += " \\fI" + escaped(option.value) + "\\fR";
-    return ".TP\n" + names + '\n' + sentence(option.description);
+    return ".TP\n" + names + '\n' + sentence(option.describedFully());
 }
 
 std::string verbText(const std::string& program, const Verb& verb) {

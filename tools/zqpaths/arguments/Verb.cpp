@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -17,7 +18,7 @@ Number wholeNumber(const std::string& names, const std::string& text) {
     const char* const end = text.data() + text.size();
     const auto [parsed, error] = std::from_chars(text.data(), end, number);
     if (error != std::errc() || parsed != end)
-        throw wrongUse(names + ": " + text + " is no whole number, or too large");
+        throw wrongUse(names + ": " + printablePath(text) + " is no whole number, or too large");
     return number;
 }
 
@@ -45,6 +46,13 @@ std::vector<std::string> Option::namesApart() const {
         begin = end + 1;
     }
     return apart;
+}
+
+std::string Option::describedFully() const {
+    std::string text = description;
+    if (!excluded.empty()) text += "; not with " + excluded;
+    if (!needed.empty()) text += "; with " + needed;
+    return text;
 }
 
 Option flag(std::string names, bool& isOn, std::string description) {

@@ -37,7 +37,7 @@ struct Option {
     /// Takes what was given, for a switch nothing. Throws Failure kFailed for what it cannot be.
     std::function<void(const std::string& text)> take;
     bool isRequired = false;
-    bool isRepeated = false;           // all arguments that are left
+    bool isRepeated = false;           // given any number of times; an argument: all that are left
     std::string excluded{};            // an option that cannot be given with it
     std::string needed{};              // one that must be
     std::vector<std::string> words{};  // all that it can be, if these are few
@@ -47,6 +47,9 @@ struct Option {
 
     /// "-j" and "--jobs".
     std::vector<std::string> namesApart() const;
+
+    /// The description with what else is to be known: "print one object a line; not with --null".
+    std::string describedFully() const;
 };
 
 struct Verb {

@@ -1,14 +1,25 @@
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
-namespace zqpaths::program {
+#include "tools/zqpaths/arguments/Arguments.hpp"
 
-ProgramTable programTable() {
+namespace zqpaths::program {
+namespace {
+
+ProgramTable tableWithoutHelp() {
     return {"zqpaths",
             ZQ_VERSION,
             "hold very large sets of file paths in small files",
             {indexVerb(), addVerb(), getVerb(), listVerb(), findVerb(), numberVerb(), sampleVerb(),
              shuffleVerb(), splitVerb(), infoVerb(), verifyVerb(), diffVerb(), mergeVerb(),
              compactVerb(), exportVerb(), importVerb(), documentVerb()}};
+}
+
+}  // namespace
+
+ProgramTable programTable() {
+    ProgramTable table = tableWithoutHelp();
+    table.verbs.push_back(helpVerb(namesOfVerbs(table)));
+    return table;
 }
 
 }  // namespace zqpaths::program

@@ -2,6 +2,9 @@
 // The verbs of the program, one source file each with all that is the verb's own: its row of the
 // table and its work. The work returns what the shell is told and throws Failure and Error.
 
+#include <string>
+#include <vector>
+
 #include "tools/zqpaths/arguments/Verb.hpp"
 
 namespace zqpaths::program {
@@ -13,6 +16,7 @@ Verb documentVerb();
 Verb exportVerb();
 Verb findVerb();
 Verb getVerb();
+Verb helpVerb(std::vector<std::string> verbs);  // all others, by name
 Verb importVerb();
 Verb indexVerb();
 Verb infoVerb();

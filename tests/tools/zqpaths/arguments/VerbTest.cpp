@@ -93,7 +93,7 @@ TEST(Verb, refusesWhatDoesNotGoTogether) {
     EXPECT_THAT(complaint({"a", "b", "--loud", "--text", "t"}), HasSubstr("excludes"));
     EXPECT_THAT(complaint({"a"}), HasSubstr("MORE"));
     EXPECT_THAT(complaint({"a", "b", "--quiet"}), HasSubstr("--quiet"));
-    EXPECT_THAT(complaint({"a", "b", "-n"}), HasSubstr("--count"));
+    EXPECT_THAT(complaint({"a", "b", "-n"}), HasSubstr("-n lacks its N"));
 }
 
 TEST(Verb, hasOptionsWhoseNamesStandApart) {

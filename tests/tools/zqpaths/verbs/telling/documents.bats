@@ -8,7 +8,7 @@ setup_file() {
 }
 
 verbs() {
-    "$ZQPATHS" --help | sed -n '/^Subcommands:/,$s/^  \([a-z]*\) .*/\1/p'
+    "$ZQPATHS" --help | sed -n '/^Verbs:/,/^$/s/^  \([a-z]*\) .*/\1/p'
 }
 
 # complete_words WORD... - what bash offers for the last word
