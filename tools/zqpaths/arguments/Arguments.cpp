@@ -9,6 +9,7 @@
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/output/Output.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -85,7 +86,8 @@ CLI::Option* declare(CLI::App& app, const Option& option) {
 void addOption(CLI::App& app, const Option& option) {
     CLI::Option* const declared = declare(app, option);
     declared->required(option.isRequired);
-    if (!option.excluded.empty()) declared->excludes(app.get_option(option.excluded));
+    for (const std::string& name : namesApart(option.excluded))
+        declared->excludes(app.get_option(name));
     if (!option.needed.empty()) declared->needs(app.get_option(option.needed));
     if (!option.words.empty()) declared->check(CLI::IsMember(option.words));
     if (!option.isSwitch() && !option.value.empty()) declared->option_text(option.value);
@@ -97,7 +99,7 @@ void addOption(CLI::App& app, const Option& option) {
 /// Takes the text that tells of a failure, or shows what was asked for instead.
 std::function<ExitStatus()> helpOrFailure(const CLI::App& app, const CLI::ParseError& error) {
     // Help and version come as errors without a failure.
-    if (error.get_exit_code() != 0) throw wrongUse(error.what());
+    if (error.get_exit_code() != 0) throw wrongUse(printableText(error.what()));
     std::ostringstream text;
     app.exit(error, text, text);
     return [shown = text.str()] {

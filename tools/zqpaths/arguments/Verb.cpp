@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -17,7 +18,7 @@ Number wholeNumber(const std::string& names, const std::string& text) {
     const char* const end = text.data() + text.size();
     const auto [parsed, error] = std::from_chars(text.data(), end, number);
     if (error != std::errc() || parsed != end)
-        throw wrongUse(names + ": " + text + " is no whole number, or too large");
+        throw wrongUse(names + ": " + printableText(text) + " is no whole number, or too large");
     return number;
 }
 
@@ -37,7 +38,7 @@ Option textOption(std::string names, std::string value, Taken& taken, std::strin
 
 }  // namespace
 
-std::vector<std::string> Option::namesApart() const {
+std::vector<std::string> namesApart(const std::string& names) {
     std::vector<std::string> apart;
     for (std::size_t begin = 0; begin < names.size();) {
         const std::size_t end = std::min(names.find(',', begin), names.size());

@@ -110,7 +110,9 @@ std::string reportJson(const SetReport& report) {
     putSaved(writer, report);
     putFolders(writer, statistics);
     writer.EndObject();
-    return {text.GetString(), text.GetSize()};
+    std::string shown;
+    appendShown({text.GetString(), text.GetSize()}, shown);
+    return shown;
 }
 
 }  // namespace zqpaths::program
