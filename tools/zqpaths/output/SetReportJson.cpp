@@ -77,6 +77,11 @@ void putSegments(JsonWriter& writer, const SetReport& report) {
     put(writer, "opening", report.opening);
     put(writer, "firstPath", report.firstPath);
     writer.EndObject();
+    putText(writer, "memory");
+    writer.StartObject();
+    put(writer, "ofFile", report.residentSize);
+    put(writer, "allocated", report.allocatedSize);
+    writer.EndObject();
 }
 
 void putFolders(JsonWriter& writer, const SetStatistics& statistics) {
