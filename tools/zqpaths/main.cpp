@@ -10,8 +10,8 @@
 #include "tools/zqpaths/StandardStreams.hpp"
 #include "tools/zqpaths/arguments/Arguments.hpp"
 #include "tools/zqpaths/output/Messages.hpp"
-#include "tools/zqpaths/output/Output.hpp"
 #include "tools/zqpaths/output/PrintablePath.hpp"
+#include "tools/zqpaths/output/StandardOutput.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 #include "zqpaths/Error.hpp"
 
@@ -35,13 +35,21 @@ ExitStatus fail(const Error& error) {
     }
 }
 
+/// Ends the process by the signal that a write into a closed pipe sends: whoever reads has what it
+/// wants, and a shell knows the status (141). All that had to be cleaned up is.
+ExitStatus endAsClosedPipe() {
+    static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
+    static_cast<void>(raise(SIGPIPE));
+    return ExitStatus::kFailed;  // the signal is blocked
+}
+
 ExitStatus run(int argumentCount, char** arguments) {
     try {
         reserveStandardStreams();
         watchForCutShortFiles();
         return parseArguments(programTable(), argumentCount, arguments)();
     } catch (const ClosedPipe&) {
-        return ExitStatus::kDone;  // whoever reads has what it wants
+        return endAsClosedPipe();
     } catch (const Failure& failure) {
         return fail(failure.status(), failure.what());
     } catch (const Error& error) {
@@ -49,7 +57,7 @@ ExitStatus run(int argumentCount, char** arguments) {
     } catch (const std::bad_alloc&) {
         return fail(ExitStatus::kLimit, "out of memory");
     } catch (const std::exception& error) {
-        return fail(ExitStatus::kFailed, error.what());
+        return fail(ExitStatus::kFailed, printableText(error.what()));
     }
 }
 

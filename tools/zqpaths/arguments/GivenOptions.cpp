@@ -186,8 +186,8 @@ private:
     }
 
     void requireCompany(const Option& option) const {
-        if (!option.excluded.empty() && isGiven(option.excluded))
-            refuse(": " + option.excluded + " excludes " + nameOf(option));
+        for (const std::string& other : namesApart(option.excluded))
+            if (isGiven(other)) refuse(": " + other + " excludes " + nameOf(option));
         if (!option.needed.empty() && !isGiven(option.needed))
             refuse(": " + nameOf(option) + " needs " + option.needed);
     }

@@ -19,9 +19,17 @@ Option progressOption(MessageOptions& messages) {
 }
 
 std::vector<Option> outputOptions(OutputOptions& output) {
+    Option fields{"--fields", "FIELDS",
+                  "what to print of each path, apart by commas: number, path, folder, name, "
+                  "extension",
+                  [&output](const std::string& names) { output.fields = parsePathFields(names); }};
     return rows(
         flag("-0,--null", output.nulTerminated, "end each path with NUL, not with a newline"),
-        excluding("--null", flag("--json", output.json, "print one JSON object a line")));
+        excluding("--null", flag("--json", output.json, "print one JSON object a line")),
+        excluding("--null,--json", flag("--csv", output.csv, "print a table with a line of names")),
+        std::move(fields),
+        flag("--strict", output.strict,
+             "fail where a newline or a tab in a path could be mistaken"));
 }
 
 std::vector<Option> messageOptions(MessageOptions& messages) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/zqpaths/arguments/Verb.hpp"
+#include "tools/zqpaths/output/PathFields.hpp"
 
 namespace zqpaths::program {
 
@@ -14,6 +15,9 @@ namespace zqpaths::program {
 struct OutputOptions {
     bool nulTerminated = false;  // else by a newline
     bool json = false;           // one object a line
+    bool csv = false;            // a table
+    bool strict = false;         // what a reader could mistake is a failure
+    PathFields fields{};         // empty for what is usual
 };
 
 /// What is told on standard error.

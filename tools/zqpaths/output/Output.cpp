@@ -1,212 +1,267 @@
 #include "tools/zqpaths/output/Output.hpp"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
+#include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/output/Base64.hpp"
-#include "tools/zqpaths/output/JsonText.hpp"
-#include "zqpaths/text/PathText.hpp"
+#include "tools/zqpaths/output/Figures.hpp"
+#include "tools/zqpaths/output/Messages.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
 
 namespace zqpaths::program {
 namespace {
 
-constexpr std::size_t kBufferedBytes = std::size_t{1} << 18;
+constexpr std::string_view kEndOfTableRow = "\r\n";
+constexpr const char* kSideKey = "in";
 
-/// One JSON object, field by field.
-class JsonObject {
-public:
-    JsonObject() : writer_(text_) { writer_.StartObject(); }
-
-    void add(std::string_view key, std::uint64_t value) {
-        putText(writer_, key);
-        writer_.Uint64(value);
-    }
-
-    void add(std::string_view key, std::string_view value) {
-        putText(writer_, key);
-        putText(writer_, value);
-    }
-
-    void addName(std::string_view key, std::string_view bytesKey, std::string_view name) {
-        putName(writer_, key, bytesKey, name);
-    }
-
-    /// Names, and under `bytesKey` the bytes of those that are not UTF-8, if there are any.
-    void addNames(std::string_view key, std::string_view bytesKey,
-                  std::span<const std::string> names) {
-        putText(writer_, key);
-        writer_.StartArray();
-        for (const std::string& name : names) putReadable(writer_, name);
-        writer_.EndArray();
-        if (std::ranges::all_of(names, isUtf8)) return;
-
-        putText(writer_, bytesKey);
-        writer_.StartArray();
-        for (const std::string& name : names) {
-            if (isUtf8(name)) {
-                writer_.Null();
-            } else {
-                putText(writer_, toBase64(name));
-            }
-        }
-        writer_.EndArray();
-    }
-
-    std::string_view finish() {
-        writer_.EndObject();
-        return {text_.GetString(), text_.GetSize()};
-    }
-
-private:
-    rapidjson::StringBuffer text_;
-    JsonWriter writer_;
-};
-
-void addPath(JsonObject& object, std::string_view path) {
-    object.addName("path", "bytes", path);
+PathFields fieldsOf(const OutputOptions& options, const OutputManner& manner) {
+    if (!options.fields.empty()) return options.fields;
+    return options.csv || options.json ? manner.forPrograms : manner.asText;
 }
 
-JsonObject& addNumberedPath(JsonObject& object, std::uint64_t number, std::string_view path) {
-    object.add("number", number);
-    addPath(object, path);
-    return object;
+const char* wordFor(Side side) {
+    return side == Side::kFirst ? "first" : "second";
 }
 
-/// Waits until a descriptor that must not block can be written to.
-void awaitWritable(int descriptor) {
-    pollfd waiting{descriptor, POLLOUT, 0};
-    poll(&waiting, 1, -1);
-}
-
-void writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-        if (written >= 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno == EAGAIN) {
-            awaitWritable(descriptor);
-        } else if (errno == EPIPE) {
-            throw ClosedPipe();
-        } else if (errno != EINTR) {
-            throw systemFailureAt("standard output", errno);
-        }
+/// Where JSON has the bytes of a field that is not UTF-8.
+std::string_view bytesKeyOf(PathField field) {
+    switch (field) {
+        case PathField::kFolder:
+            return "folderBytes";
+        case PathField::kName:
+            return "nameBytes";
+        case PathField::kExtension:
+            return "extensionBytes";
+        default:
+            return "bytes";
     }
+}
+
+constexpr const char* kInsteadOfNewline = " a newline, -0 ends paths with NUL";
+constexpr const char* kInsteadOfTab = " a tab, --csv and --json tell where a field ends";
+
+bool holds(std::string_view text, char character) {
+    return text.find(character) != std::string_view::npos;
+}
+
+void tellOf(std::uint64_t count, const char* what) {
+    if (count > 0) tell(groupDigits(count) + (count == 1 ? " path holds" : " paths hold") + what);
 }
 
 }  // namespace
 
-Output::Output(const OutputOptions& options) : options_(options) {}
+Output::Output(const OutputOptions& options, OutputManner manner)
+    : options_(options),
+      manner_(std::move(manner)),
+      fields_(fieldsOf(options_, manner_)),
+      isTerminal_(isatty(STDOUT_FILENO) != 0),
+      charset_(charsetOf(STDOUT_FILENO)),
+      isPathAlone_(!isTerminal_ && !options.csv && !options.json &&
+                   fields_ == PathFields{PathField::kPath}) {}
 
 void Output::path(std::uint64_t number, std::string_view path) {
-    if (options_.json) {
-        JsonObject object;
-        append(addNumberedPath(object, number, path).finish());
-    } else {
-        append(path);
+    if (!isPathAlone_) {
+        print({std::nullopt, number, path});
+        return;
     }
+    if (!options_.nulTerminated && holds(path, '\n')) note(Mistakable::kNewline, path);
+    out_.buffer() += path;
     end();
-}
-
-void Output::numberedPath(std::uint64_t number, std::string_view path) {
-    if (!options_.json) {
-        append(std::to_string(number));
-        append("\t");
-    }
-    this->path(number, path);
 }
 
 void Output::path(std::string_view path) {
-    if (options_.json) {
-        JsonObject object;
-        addPath(object, path);
-        append(object.finish());
-    } else {
-        append(path);
-    }
-    end();
+    print({std::nullopt, std::nullopt, path});
 }
 
 void Output::pathIn(Side side, std::uint64_t number, std::string_view path) {
-    const bool isFirst = side == Side::kFirst;
+    print({side, number, path});
+}
+
+void Output::print(const Row& row) {
     if (options_.json) {
-        JsonObject object;
-        object.add("in", std::string_view(isFirst ? "first" : "second"));
-        append(addNumberedPath(object, number, path).finish());
+        printObject(row);
+    } else if (options_.csv) {
+        printTableRow(row);
     } else {
-        append(isFirst ? "< " : "> ");
-        append(path);
+        printText(row);
+    }
+}
+
+void Output::printText(const Row& row) {
+    note(mistakableIn(row.path), row.path);
+    if (row.side) {
+        out_.buffer() += *row.side == Side::kFirst ? '<' : '>';
+        out_.buffer() += options_.fields.empty() ? ' ' : '\t';
+    }
+    bool isFirst = true;
+    for (const PathField field : fields_) {
+        if (!std::exchange(isFirst, false)) out_.buffer() += '\t';
+        if (field != PathField::kNumber)
+            appendName(partOf(field, row.path));
+        else if (row.number)
+            out_.buffer() += std::to_string(*row.number);
     }
     end();
 }
 
-void Output::number(std::uint64_t number, std::string_view path) {
-    if (options_.json) {
-        this->path(number, path);
-    } else {
-        append(std::to_string(number));
-        end();
+void Output::printTableRow(const Row& row) {
+    beginTable();
+    if (row.side) appendCell(wordFor(*row.side));
+    if (row.side) out_.buffer() += ',';
+    bool isFirst = true;
+    for (const PathField field : fields_) {
+        if (!std::exchange(isFirst, false)) out_.buffer() += ',';
+        if (field != PathField::kNumber)
+            appendCell(partOf(field, row.path));
+        else if (row.number)
+            out_.buffer() += std::to_string(*row.number);
     }
+    endWith(kEndOfTableRow);
+}
+
+void Output::printObject(const Row& row) {
+    object_.clear();
+    if (row.side) object_.add(kSideKey, wordFor(*row.side));
+    for (const PathField field : fields_) {
+        if (field != PathField::kNumber)
+            object_.addName(nameOf(field), bytesKeyOf(field), partOf(field, row.path));
+        else if (row.number)
+            object_.add(nameOf(field), *row.number);
+    }
+    line(object_);
 }
 
 void Output::count(std::uint64_t count) {
     if (options_.json) {
-        JsonObject object;
-        object.add("count", count);
-        append(object.finish());
-    } else {
-        append(std::to_string(count));
+        object_.clear();
+        object_.add("count", count);
+        line(object_);
+        return;
     }
-    endWith('\n');
+    if (options_.csv) out_.buffer().append("count").append(kEndOfTableRow);
+    out_.buffer() += std::to_string(count);
+    endWith(options_.csv ? kEndOfTableRow : "\n");
+    hasTableBegun_ = true;
 }
 
 void Output::group(std::string_view folder, std::span<const std::string> fileNames) {
     if (options_.json) {
-        JsonObject object;
-        object.addName("folder", "folderBytes", folder);
-        object.addNames("files", "fileBytes", fileNames);
-        append(object.finish());
-        end();
+        object_.clear();
+        object_.addName("folder", "folderBytes", folder);
+        object_.addNames("files", "fileBytes", fileNames);
+        line(object_);
         return;
     }
-    append(folder);
+    for (const std::string& name : fileNames) {
+        const std::string path = std::string(folder) + name;
+        const bool isNewline = !isTerminal_ && !options_.nulTerminated && holds(path, '\n');
+        note(isNewline ? Mistakable::kNewline : Mistakable::kNothing, path);
+    }
+    appendName(folder);
     end();
     for (const std::string& name : fileNames) {
-        append("\t");
-        append(name);
+        out_.buffer() += '\t';
+        appendName(name);
         end();
     }
 }
 
 void Output::text(std::string_view text) {
-    append(text);
+    out_.buffer() += text;
 }
 
 void Output::line(std::string_view text) {
-    append(text);
-    endWith('\n');
+    out_.buffer() += text;
+    endWith("\n");
+}
+
+void Output::line(JsonObject& object) {
+    object.appendTo(out_.buffer());
+    endWith("\n");
+}
+
+void Output::flush() {
+    out_.flush();
 }
 
 void Output::finish() {
-    writeAll(STDOUT_FILENO, buffer_);
-    buffer_.clear();
+    if (options_.csv) beginTable();
+    flush();
+    if (manner_.isQuiet) return;
+    tellOf(newlineCount_, kInsteadOfNewline);
+    tellOf(tabCount_, kInsteadOfTab);
 }
 
-void Output::append(std::string_view text) {
-    buffer_ += text;
+void Output::beginTable() {
+    if (std::exchange(hasTableBegun_, true)) return;
+    if (manner_.hasSides) out_.buffer().append(kSideKey).append(",");
+    bool isFirst = true;
+    for (const PathField field : fields_) {
+        if (!std::exchange(isFirst, false)) out_.buffer() += ',';
+        out_.buffer() += nameOf(field);
+    }
+    endWith(kEndOfTableRow);
+}
+
+void Output::appendName(std::string_view name) {
+    if (isTerminal_) {
+        appendPrintable(name, charset_, out_.buffer());
+    } else {
+        out_.buffer() += name;
+    }
+}
+
+Output::Mistakable Output::mistakableIn(std::string_view path) const {
+    if (isTerminal_) return Mistakable::kNothing;
+    bool hasTab = false;
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        if (fields_[i] == PathField::kNumber) continue;
+        const std::string_view part = partOf(fields_[i], path);
+        if (!options_.nulTerminated && holds(part, '\n')) return Mistakable::kNewline;
+        hasTab = hasTab || (i + 1 < fields_.size() && holds(part, '\t'));
+    }
+    return hasTab ? Mistakable::kTab : Mistakable::kNothing;
+}
+
+/// With --strict, what has been printed before the path is there.
+void Output::note(Mistakable what, std::string_view path) {
+    if (what == Mistakable::kNothing) return;
+    const bool isNewline = what == Mistakable::kNewline;
+    if (options_.strict) {
+        flush();
+        throw failureAt(path,
+                        std::string("holds") + (isNewline ? kInsteadOfNewline : kInsteadOfTab));
+    }
+    ++(isNewline ? newlineCount_ : tabCount_);
 }
 
 void Output::end() {
-    endWith(options_.nulTerminated ? '\0' : '\n');
+    endWith(options_.nulTerminated ? std::string_view("\0", 1) : "\n");
 }
 
-void Output::endWith(char terminator) {
-    buffer_.push_back(terminator);
-    if (buffer_.size() >= kBufferedBytes) finish();
+void Output::endWith(std::string_view terminator) {
+    out_.buffer() += terminator;
+    out_.flushIfFull();
+}
+
+/// In quotes where it has to be, and then with quotes doubled.
+void Output::appendCell(std::string_view text) {
+    std::string shown;
+    if (isTerminal_) {
+        appendPrintable(text, charset_, shown);
+        text = shown;
+    }
+    std::string& buffer = out_.buffer();
+    if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
+        buffer += text;
+        return;
+    }
+    buffer += '"';
+    for (const char character : text) buffer.append(character == '"' ? 2 : 1, character);
+    buffer += '"';
 }
 
 }  // namespace zqpaths::program

@@ -1,7 +1,11 @@
 #include "tools/zqpaths/output/PrintablePath.hpp"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <vector>
 
@@ -11,60 +15,71 @@ namespace zqpaths::program {
 namespace {
 
 constexpr std::size_t kMaxCharacters = 160;  // of a path that is written out in full
+constexpr char32_t kFirstNotAscii = 0x80;
+constexpr char32_t kLastOfFourDigits = 0xFFFF;
 
-std::string escapedByte(unsigned byte) {
-    std::array<char, 5> text{};
-    static_cast<void>(std::snprintf(text.data(), text.size(), "\\x%02X", byte & 0xFFU));
-    return text.data();
+void appendEscape(const char* format, std::uint32_t code, std::string& out) {
+    std::array<char, 11> text{};
+    static_cast<void>(std::snprintf(text.data(), text.size(), format, code));
+    out += text.data();
 }
 
-/// What stands for the character at the front of `text`, which is removed.
-std::string takeCharacter(std::u16string_view& text) {
-    const char16_t unit = text.front();
-    const bool isPair = unit >= 0xD800 && unit <= 0xDBFF;
-    const std::u16string_view character = text.substr(0, isPair ? 2 : 1);
-    text.remove_prefix(character.size());
-
-    const bool isControl = unit < 0x20 || unit == 0x7F;
-    const bool isByte = unit >= 0xDC80 && unit <= 0xDCFF;
-    if (isControl || isByte) return escapedByte(unit);
-    if (unit == u'\\') return "\\\\";
-    std::string bytes;
-    appendBytes(character, bytes);
-    // The control characters from U+0080 on, of which some terminals take the first one for ESC [.
-    if (unit >= 0x80 && unit < 0xA0) return escapedByte(0xC2) + escapedByte(unit);
-    return bytes;
+void appendCharacter(std::u16string_view character, Charset charset, std::string& out) {
+    const char32_t code = codeOf(character);
+    const bool isByte = code >= 0xDC80 && code <= 0xDCFF;
+    if (code == U'\\') {
+        out += "\\\\";
+    } else if (isByte || (code < kFirstNotAscii && !isShown(code))) {
+        appendEscape("\\x%02X", code & 0xFFU, out);
+    } else if (!isShown(code)) {
+        appendEscape(code <= kLastOfFourDigits ? "\\u%04X" : "\\U%08X", code, out);
+    } else if (code >= kFirstNotAscii && charset == Charset::kAscii) {
+        std::string bytes;
+        appendBytes(character, bytes);
+        for (const char byte : bytes)
+            appendEscape("\\x%02X", static_cast<unsigned char>(byte), out);
+    } else {
+        appendBytes(character, out);
+    }
 }
 
-/// What stands for the characters of a text, one by one.
-std::vector<std::string> printableCharacters(std::string_view bytes) {
+/// Calls `visit(character)` for the one or two units of each character.
+template <class Visit>
+void forEachCharacter(std::string_view bytes, Visit visit) {
     std::u16string text;
     appendUtf16(bytes, text);
-    std::vector<std::string> characters;
-    for (std::u16string_view rest = text; !rest.empty();) characters.push_back(takeCharacter(rest));
-    return characters;
+    for (std::u16string_view rest = text; !rest.empty();) visit(takeCharacter(rest));
 }
 
 }  // namespace
 
+void appendPrintable(std::string_view text, Charset charset, std::string& out) {
+    const std::size_t plain = std::min(shownAsciiPrefix(text), text.find('\\'));
+    out += text.substr(0, plain);
+    forEachCharacter(text.substr(plain), [charset, &out](std::u16string_view character) {
+        appendCharacter(character, charset, out);
+    });
+}
+
 std::string printablePath(std::string_view path) {
-    const std::vector<std::string> characters = printableCharacters(path);
     std::string out;
-    const bool isLong = characters.size() > kMaxCharacters;
-    for (std::size_t i = 0; i < characters.size(); ++i) {
-        if (isLong && i == kMaxCharacters / 2) {
-            const std::size_t leftOut = characters.size() - kMaxCharacters;
-            out.append(" ... ").append(std::to_string(leftOut)).append(" characters ... ");
-            i += leftOut;
-        }
-        out += characters[i];
-    }
-    return out;
+    std::vector<std::size_t> ends;  // of what stands for each character
+    const Charset charset = charsetOf(STDERR_FILENO);
+    forEachCharacter(path, [&](std::u16string_view character) {
+        appendCharacter(character, charset, out);
+        ends.push_back(out.size());
+    });
+    if (ends.size() <= kMaxCharacters) return out;
+
+    const std::size_t leftOut = ends.size() - kMaxCharacters;
+    const std::size_t begin = ends[kMaxCharacters / 2 - 1];
+    const std::size_t end = ends[kMaxCharacters / 2 - 1 + leftOut];
+    return out.replace(begin, end - begin, " ... " + std::to_string(leftOut) + " characters ... ");
 }
 
 std::string printableText(std::string_view text) {
     std::string out;
-    for (const std::string& character : printableCharacters(text)) out += character;
+    appendPrintable(text, charsetOf(STDERR_FILENO), out);
     return out;
 }
 

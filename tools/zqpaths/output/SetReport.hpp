@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/zqpaths/output/Figures.hpp"
 #include "zqpaths/set/SetStatistics.hpp"
 
 namespace zqpaths::program {
@@ -19,6 +20,9 @@ struct SetReport {
     std::uint64_t fileSize = 0;  // in bytes, as the file system tells
     Microseconds opening{};
     std::optional<Microseconds> firstPath;  // after that; none if there are no paths
+    // In memory after the first path: of the file, if the system tells, and besides.
+    std::optional<std::uint64_t> residentSize;
+    std::uint64_t allocatedSize = 0;
     SetStatistics statistics;
 };
 
@@ -26,6 +30,7 @@ struct SetReport {
 struct ReportStyle {
     bool hasBlocks = false;  // bars of block characters in UTF-8, else of '#'
     bool hasColours = false;
+    SizeUnits sizes = SizeUnits::kBinary;
 };
 
 /// Several lines, each with its end.

@@ -77,6 +77,11 @@ void putSegments(JsonWriter& writer, const SetReport& report) {
     put(writer, "opening", report.opening);
     put(writer, "firstPath", report.firstPath);
     writer.EndObject();
+    putText(writer, "memory");
+    writer.StartObject();
+    put(writer, "ofFile", report.residentSize);
+    put(writer, "allocated", report.allocatedSize);
+    writer.EndObject();
 }
 
 void putFolders(JsonWriter& writer, const SetStatistics& statistics) {
@@ -110,7 +115,9 @@ std::string reportJson(const SetReport& report) {
     putSaved(writer, report);
     putFolders(writer, statistics);
     writer.EndObject();
-    return {text.GetString(), text.GetSize()};
+    std::string shown;
+    appendShown({text.GetString(), text.GetSize()}, shown);
+    return shown;
 }
 
 }  // namespace zqpaths::program

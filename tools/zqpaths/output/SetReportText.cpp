@@ -12,7 +12,7 @@ namespace zqpaths::program {
 namespace {
 
 constexpr std::size_t kLabelWidth = 14;
-constexpr std::size_t kFigureWidth = 16;
+constexpr std::size_t kFigureWidth = 20;
 constexpr std::size_t kBarWidth = 30;
 constexpr unsigned kEighths = 8;
 constexpr std::array<const char*, kEighths> kPartBlocks{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
@@ -73,12 +73,27 @@ std::string counts(const SetStatistics& set) {
     return text;
 }
 
-std::string sizes(const SetReport& report) {
+/// What the file takes, what opening it takes and what then stays in memory, in one line.
+std::string inUse(const SetReport& report, SizeUnits units) {
+    const double opened =
+        report.opening.count() + report.firstPath.value_or(SetReport::Microseconds{}).count();
+    return "  " + sizeText(report.fileSize, units) + " on disk, the first path after " +
+           fixedPoint(opened, 0) + " microseconds, then " +
+           (report.residentSize
+                ? sizeText(*report.residentSize + report.allocatedSize, units) + " in memory\n"
+                : "an unknown amount in memory\n");
+}
+
+std::string sizes(const SetReport& report, SizeUnits units) {
     const SetStatistics& set = report.statistics;
-    return figureLine("text", groupDigits(set.textSize), "bytes as a list") +
-           figureLine("saved", groupDigits(report.fileSize),
-                      "bytes, " + percent(report.fileSize, set.textSize) + " of the text, " +
-                          fixedPoint(ratio(report.fileSize, set.pathCount), 2) + " a path");
+    return figureLine("text", sizeText(set.textSize, units), "as a list") +
+           figureLine("saved", sizeText(report.fileSize, units),
+                      percent(report.fileSize, set.textSize) + " of the text, " +
+                          fixedPoint(ratio(report.fileSize, set.pathCount), 2) + " bytes a path") +
+           figureLine("memory",
+                      report.residentSize ? sizeText(*report.residentSize, units) : "unknown",
+                      "of the file, shared by all who read it, and " +
+                          sizeText(report.allocatedSize, units) + " besides");
 }
 
 std::string shape(const SetStatistics& set) {
@@ -106,8 +121,9 @@ std::string opening(const SetReport& report) {
 
 std::string barLine(const std::string& label, std::uint64_t value, std::uint64_t whole,
                     const ReportStyle& style) {
-    return "  " + leftAligned(label, kLabelWidth) + rightAligned(groupDigits(value), kFigureWidth) +
-           "  " + bar(ratio(value, whole), style) + rightAligned(percent(value, whole), 8) + '\n';
+    return "  " + leftAligned(label, kLabelWidth) +
+           rightAligned(sizeText(value, style.sizes), kFigureWidth) + "  " +
+           bar(ratio(value, whole), style) + rightAligned(percent(value, whole), 8) + '\n';
 }
 
 std::string savedBytes(const SetReport& report, const ReportStyle& style) {
@@ -142,8 +158,9 @@ std::string largestFolders(const SetStatistics& set, const ReportStyle& style) {
 
 std::string reportText(const SetReport& report, const ReportStyle& style) {
     const SetStatistics& set = report.statistics;
-    return printablePath(report.file) + '\n' + counts(set) + sizes(report) + shape(set) +
-           opening(report) + savedBytes(report, style) + largestFolders(set, style);
+    return printablePath(report.file) + '\n' + inUse(report, style.sizes) + counts(set) +
+           sizes(report, style.sizes) + shape(set) + opening(report) + savedBytes(report, style) +
+           largestFolders(set, style);
 }
 
 }  // namespace zqpaths::program

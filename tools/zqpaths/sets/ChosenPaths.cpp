@@ -12,7 +12,7 @@ namespace zqpaths::program {
 void printChosen(const PathSet& set, std::uint64_t count, const Choice& numberAt,
                  const std::string& work, const OutputOptions& outputOptions,
                  const MessageOptions& messages) {
-    Output output(outputOptions);
+    Output output(outputOptions, {.isQuiet = messages.quiet});
     Progress progress(work, messages, count, Progress::Prints::kPaths);
     std::vector<std::uint64_t> numbers;
     for (std::uint64_t begin = 0; begin < count; begin += numbers.size()) {

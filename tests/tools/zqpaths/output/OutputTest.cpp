@@ -8,9 +8,11 @@
 #include <csignal>
 #include <cstdio>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "tools/zqpaths/Failure.hpp"
@@ -40,7 +42,7 @@ private:
 
 /// What `print` writes, read at the other end of a pipe.
 std::string printed(const OutputOptions& options, const std::function<void(Output&)>& print,
-                    int flags = 0) {
+                    int flags = 0, const OutputManner& manner = {}) {
     int ends[2];
     EXPECT_EQ(pipe2(ends, O_CLOEXEC | flags), 0);
     fcntl(ends[0], F_SETFL, 0);  // only writing may be told not to wait
@@ -53,7 +55,7 @@ std::string printed(const OutputOptions& options, const std::function<void(Outpu
     {
         const Redirection redirection(ends[1]);
         close(ends[1]);
-        Output output(options);
+        Output output(options, manner);
         print(output);
         output.finish();
     }
@@ -63,22 +65,117 @@ std::string printed(const OutputOptions& options, const std::function<void(Outpu
 }
 
 const OutputOptions kLines{};
-const OutputOptions kNuls{true, false};
-const OutputOptions kJson{false, true};
+const OutputOptions kNuls{.nulTerminated = true};
+const OutputOptions kJson{.json = true};
+const OutputOptions kTable{.csv = true};
+
+std::string printed(const OutputOptions& options, const OutputManner& manner,
+                    const std::function<void(Output&)>& print) {
+    return printed(options, print, 0, manner);
+}
+
+OutputOptions with(OutputOptions options, PathFields fields) {
+    options.fields = std::move(fields);
+    return options;
+}
+
+constexpr PathField kAllFields[]{PathField::kNumber, PathField::kPath, PathField::kFolder,
+                                 PathField::kName, PathField::kExtension};
+const PathFields kAll(std::begin(kAllFields), std::end(kAllFields));
 
 TEST(Output, printsAPathALine) {
     EXPECT_EQ(printed(kLines,
                       [](Output& output) {
                           output.path(1, "a");
-                          output.numberedPath(2, "b");
                           output.path("c");
-                          output.number(3, "d");
                           output.count(4);
                           output.pathIn(Side::kFirst, 5, "e");
                           output.pathIn(Side::kSecond, 6, "f");
                           output.line("text");
                       }),
-              "a\n2\tb\nc\n3\n4\n< e\n> f\ntext\n");
+              "a\nc\n4\n< e\n> f\ntext\n");
+}
+
+TEST(Output, printsWhatTheVerbPrintsUnlessFieldsAreAskedFor) {
+    const auto print = [](Output& output) { output.path(7, "a/b.c"); };
+    const OutputManner numbered{.asText = {PathField::kNumber, PathField::kPath}};
+    EXPECT_EQ(printed(kLines, numbered, print), "7\ta/b.c\n");
+    EXPECT_EQ(printed(with(kLines, {PathField::kName}), numbered, print), "b.c\n");
+    EXPECT_EQ(printed(kJson, numbered, print), "{\"number\":7,\"path\":\"a/b.c\"}\n");
+    const OutputManner walk{.forPrograms = {PathField::kPath}};
+    EXPECT_EQ(printed(kTable, walk, [](Output& output) { output.path("a"); }), "path\r\na\r\n");
+}
+
+TEST(Output, printsFieldsInTheOrderGiven) {
+    const auto print = [](Output& output) {
+        output.path(7, "a/b.c");
+        output.path(8, "d");
+    };
+    EXPECT_EQ(printed(with(kLines, kAll), print), "7\ta/b.c\ta/\tb.c\tc\n8\td\t\td\t\n");
+    EXPECT_EQ(printed(with(kLines, {PathField::kName, PathField::kNumber}), print),
+              "b.c\t7\nd\t8\n");
+    EXPECT_EQ(printed(with(kTable, {PathField::kExtension, PathField::kNumber}), print),
+              "extension,number\r\nc,7\r\n,8\r\n");
+    EXPECT_EQ(printed(with(kJson, {PathField::kFolder, PathField::kExtension}), print),
+              "{\"folder\":\"a/\",\"extension\":\"c\"}\n{\"folder\":\"\",\"extension\":\"\"}\n");
+    EXPECT_EQ(printed(with(kLines, {PathField::kNumber}),
+                      [](Output& output) { output.pathIn(Side::kFirst, 5, "e"); }),
+              "<\t5\n");
+}
+
+TEST(Output, printsATableThatHasItsFirstLineAlsoWithoutPaths) {
+    const auto nothing = [](Output& /*output*/) {};
+    EXPECT_EQ(printed(kTable, nothing), "number,path\r\n");
+    EXPECT_EQ(printed(kTable, {.hasSides = true}, nothing), "in,number,path\r\n");
+    EXPECT_EQ(printed(kTable, {.hasSides = true},
+                      [](Output& output) { output.pathIn(Side::kSecond, 5, "e"); }),
+              "in,number,path\r\nsecond,5,e\r\n");
+    EXPECT_EQ(printed(kTable, [](Output& output) { output.count(3); }), "count\r\n3\r\n");
+}
+
+TEST(Output, quotesCellsThatNeedIt) {
+    EXPECT_EQ(printed(with(kTable, {PathField::kPath}),
+                      [](Output& output) {
+                          output.path(1, "a,b");
+                          output.path(2, "say \"no\"");
+                          output.path(3, "new\nline");
+                          output.path(4, "re\rturn");
+                          output.path(5, "\xFF and\ttab");
+                      }),
+              "path\r\n\"a,b\"\r\n\"say \"\"no\"\"\"\r\n\"new\nline\"\r\n\"re\rturn\"\r\n"
+              "\xFF and\ttab\r\n");
+}
+
+TEST(Output, tellsHowManyPathsCouldBeMistaken) {
+    const auto told = [](const OutputOptions& options, const OutputManner& manner = {}) {
+        testing::internal::CaptureStderr();
+        printed(options, manner, [](Output& output) {
+            for (const char* path : {"a\nb", "c", "d\n/e", "f\t/g"}) output.path(1, path);
+        });
+        return testing::internal::GetCapturedStderr();
+    };
+    EXPECT_EQ(told(kLines), "zqpaths: 2 paths hold a newline, -0 ends paths with NUL\n");
+    EXPECT_EQ(told(kLines, {.isQuiet = true}), "");
+    EXPECT_EQ(told(kNuls) + told(kJson) + told(kTable), "");
+    // Not before the last field: a tab is one of the name then.
+    EXPECT_EQ(told(with(kNuls, {PathField::kNumber, PathField::kPath})), "");
+    EXPECT_EQ(told(with(kNuls, {PathField::kFolder, PathField::kName})),
+              "zqpaths: 1 path holds a tab, --csv and --json tell where a field ends\n");
+    EXPECT_EQ(told(with(kLines, {PathField::kFolder})),
+              "zqpaths: 1 path holds a newline, -0 ends paths with NUL\n");
+}
+
+TEST(Output, refusesStrictlyWhatCouldBeMistaken) {
+    for (const PathFields& fields : {PathFields{}, kAll}) {
+        OutputOptions strict = with(kLines, fields);
+        strict.strict = true;
+        EXPECT_EQ(printed(strict,
+                          [](Output& output) {
+                              EXPECT_THROW(output.path(2, "b\nc"), Failure);
+                              EXPECT_NO_THROW(output.path(3, "d\\e"));
+                          }),
+                  printed(with(kLines, fields), [](Output& output) { output.path(3, "d\\e"); }));
+    }
 }
 
 TEST(Output, endsPathsWithNulWhereTold) {
@@ -86,24 +183,20 @@ TEST(Output, endsPathsWithNulWhereTold) {
     EXPECT_EQ(printed(kNuls,
                       [](Output& output) {
                           output.path(1, "a\n");
-                          output.numberedPath(2, "b");
                           output.count(4);
                       }),
-              "a\n\0002\tb\0004\n"s);
+              "a\n\0004\n"s);
 }
 
 TEST(Output, printsAnObjectALine) {
     EXPECT_EQ(printed(kJson,
                       [](Output& output) {
                           output.path(1, "a\n\"");
-                          output.numberedPath(2, "b");
                           output.path("caf\xC3\xA9");
-                          output.number(3, "d");
                           output.count(4);
                           output.pathIn(Side::kSecond, 5, "e");
                       }),
-              "{\"number\":1,\"path\":\"a\\n\\\"\"}\n{\"number\":2,\"path\":\"b\"}\n"
-              "{\"path\":\"caf\xC3\xA9\"}\n{\"number\":3,\"path\":\"d\"}\n{\"count\":4}\n"
+              "{\"number\":1,\"path\":\"a\\n\\\"\"}\n{\"path\":\"caf\xC3\xA9\"}\n{\"count\":4}\n"
               "{\"in\":\"second\",\"number\":5,\"path\":\"e\"}\n");
 }
 
@@ -117,6 +210,15 @@ TEST(Output, carriesTheBytesOfNamesThatAreNotUtf8) {
               "{\"number\":1,\"path\":\"a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"
               "b\","
               "\"bytes\":\"Yf/igmI=\"}\n");
+}
+
+TEST(Output, escapesInJsonWhatATerminalWouldObeyOrHide) {
+    EXPECT_EQ(
+        printed(kJson,
+                [](Output& output) {
+                    output.path("\x7F\xC2\x9B\xE2\x80\xAE\xE2\x80\xA8\xF3\xA0\x81\x81\xC3\xA9");
+                }),
+        "{\"path\":\"\\u007F\\u009B\\u202E\\u2028\\uDB40\\uDC41\xC3\xA9\"}\n");
 }
 
 TEST(Output, printsFoldersWithTheirFiles) {

@@ -2,6 +2,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Output.hpp"
@@ -19,6 +20,7 @@ struct FindOptions {
     bool isRegex = false;
     bool isText = false;
     bool ignoreCase = false;
+    bool numbered = false;
     bool countOnly = false;
     bool statusOnly = false;
     OutputOptions output;
@@ -43,13 +45,15 @@ bool hasMatch(const PathSet& set, const Pattern& pattern) {
 }
 
 std::uint64_t printMatches(const PathSet& set, const Pattern& pattern, const FindOptions& options) {
-    Output output(options.output);
+    OutputManner manner;
+    if (options.numbered) manner.asText = {PathField::kNumber, PathField::kPath};
+    Output output(options.output, std::move(manner));
     Progress progress("finding", options.messages, std::nullopt, Progress::Prints::kPaths);
     std::uint64_t count = 0;
     set.find(pattern, [&](std::uint64_t number, std::string_view path) {
         progress.advance();
         ++count;
-        output.numberedPath(number, path);
+        output.path(number, path);
     });
     output.finish();
     return count;
@@ -81,8 +85,8 @@ Verb findVerb() {
     return {
         .name = "find",
         .synopsis = "SET PATTERN",
-        .summary = "print numbers and paths that match a glob",
-        .examples = {"zqpaths find usr.zqp '*.hpp'",
+        .summary = "print the paths that match a glob",
+        .examples = {"zqpaths find usr.zqp '*.hpp' -0 | xargs -0 wc -l",
                      "zqpaths find usr.zqp -c -r 'lib[^/]*\\.so(\\.[0-9]+)*$'"},
         .details =
             "A glob without / is matched against the file name alone, one with / against the whole "
@@ -99,7 +103,10 @@ Verb findVerb() {
             flag("-i,--ignore-case", options->ignoreCase, "without regard to case"),
             flag("-c,--count", options->countOnly, "print only how many match"),
             flag("-q,--quiet", options->statusOnly, "print nothing; status 0 if something matches"),
-            outputOptions(options->output), progressOption(options->messages)),
+            outputOptions(options->output),
+            excluding("--fields", flag("-n,--number", options->numbered,
+                                       "print the number and a tab before each path")),
+            progressOption(options->messages)),
         .run = [options] { return find(*options); }};
 }
 

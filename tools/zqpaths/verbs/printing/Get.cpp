@@ -34,7 +34,7 @@ class Printer {
 public:
     Printer(const PathSet& set, const GetOptions& options)
         : set_(set),
-          output_(options.output),
+          output_(options.output, {.isQuiet = options.messages.quiet}),
           progress_("getting", options.messages, std::nullopt, Progress::Prints::kPaths),
           inGroups_(options.groups) {}
 
@@ -60,7 +60,7 @@ public:
     /// Lets whoever reads have what has been printed.
     void hand() {
         printSlice();
-        output_.finish();
+        output_.flush();
     }
 
     void finish() {

@@ -1,11 +1,15 @@
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Messages.hpp"
 #include "tools/zqpaths/output/Output.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
 #include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
@@ -38,27 +42,57 @@ void visitSome(const PathSet& set, const ListOptions& options,
         set.forEach(visit);
 }
 
-ExitStatus list(const ListOptions& options) {
+/// The steps of a walk are not the numbers of paths.
+OutputManner mannerOf(const ListOptions& options) {
+    OutputManner manner{.isQuiet = options.messages.quiet};
+    if (options.walk) {
+        if (std::ranges::count(options.output.fields, PathField::kNumber) > 0)
+            throw wrongUse("--fields: --walk gives no numbers");
+        manner.forPrograms = {PathField::kPath};
+    }
+    return manner;
+}
+
+/// Prints what is wanted, and returns how many paths that is.
+std::uint64_t printWanted(const PathSet& set, const ListOptions& options) {
     const PathScope scope(options.under, options.depth);
     std::optional<Pattern> pattern;
     if (options.glob) pattern = Pattern::glob(*options.glob);
     const bool isAll = options.under.empty() && !options.depth;
 
-    const PathSet set = openSet(options.set);
-    Output output(options.output);
+    Output output(options.output, mannerOf(options));
     Progress progress("listing", options.messages, set.size(), Progress::Prints::kPaths);
+    std::uint64_t count = 0;
     visitSome(set, options, pattern, [&](std::uint64_t number, std::string_view path) {
         progress.advance();
         if (!isAll && !scope.contains(path)) return;
         if (pattern && !pattern->matches(path)) return;
-        // The steps of a walk are not the numbers of paths.
+        ++count;
         if (options.walk)
             output.path(path);
         else
             output.path(number, path);
     });
     output.finish();
-    return ExitStatus::kDone;
+    return count;
+}
+
+bool hasFolder(const PathSet& set, const std::string& folder) {
+    bool isThere = false;
+    set.under(folder, [&isThere](std::uint64_t /*number*/, std::string_view /*path*/) {
+        isThere = true;
+        return false;
+    });
+    return isThere;
+}
+
+ExitStatus list(const ListOptions& options) {
+    const PathSet set = openSet(options.set);
+    const bool isPart = !options.under.empty() || options.glob || options.depth;
+    if (printWanted(set, options) > 0 || !isPart) return ExitStatus::kDone;
+    if (!options.messages.quiet && !options.under.empty() && !hasFolder(set, options.under))
+        tell(printablePath(options.set) + " has no folder " + printablePath(options.under));
+    return ExitStatus::kNegative;
 }
 
 }  // namespace
@@ -74,7 +108,8 @@ Verb listVerb() {
         .details =
             "FOLDER counts in whole names and in any number of separators. PATTERN is one "
             "as 'find' takes. The set's own walk goes folder by folder and leaves out a "
-            "path that has others below it.",
+            "path that has others below it. Status 1 tells that nothing in FOLDER, or of the "
+            "depth, matches.",
         .options = rows(setArgument(options->set),
                         flag("--walk", options->walk, "in the order of the set's own walk"),
                         text("--under", "FOLDER", options->under, "only paths in this folder"),

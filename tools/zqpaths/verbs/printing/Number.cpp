@@ -24,11 +24,12 @@ struct NumberOptions {
 
 ExitStatus number(const NumberOptions& options) {
     const PathSet set = openSet(options.set);
-    Output output(options.output);
+    Output output(options.output,
+                  {.asText = {PathField::kNumber}, .isQuiet = options.messages.quiet});
     std::vector<const std::string*> missing;
     for (const std::string& path : options.paths) {
         if (const std::optional<std::uint64_t> found = set.numberOf(path))
-            output.number(*found, path);
+            output.path(*found, path);
         else
             missing.push_back(&path);
     }

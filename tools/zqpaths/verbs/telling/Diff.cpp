@@ -45,7 +45,7 @@ ExitStatus diff(const DiffOptions& options) {
     const PathSet first = openSet(options.first);
     const PathSet second = openSet(options.second);
     nameWhatIsRead(printablePath(options.first) + " or " + printablePath(options.second));
-    Output output(options.output);
+    Output output(options.output, {.hasSides = true, .isQuiet = options.messages.quiet});
     Progress progress("comparing", options.messages, 2 * (first.size() + second.size()),
                       Progress::Prints::kPaths);
     const bool isAnyInFirst = printMissing(first, second, Side::kFirst, output, progress);

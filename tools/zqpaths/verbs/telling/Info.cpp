@@ -1,10 +1,7 @@
-#include <langinfo.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <clocale>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -12,6 +9,8 @@
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Output.hpp"
 #include "tools/zqpaths/output/SetReport.hpp"
+#include "tools/zqpaths/output/TerminalCharacters.hpp"
+#include "tools/zqpaths/sets/MemoryInUse.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
@@ -21,18 +20,12 @@ namespace {
 struct InfoOptions {
     std::string set;
     bool json = false;
+    bool inBytes = false;
+    bool decimal = false;
     MessageOptions messages;
 };
 
 constexpr std::size_t kLargestFolders = 10;
-
-bool isUtf8Locale() {
-    const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
-    if (locale == nullptr) return false;  // the environment names one that is not installed
-    const bool isUtf8 = std::strcmp(nl_langinfo_l(CODESET, locale), "UTF-8") == 0;
-    freelocale(locale);
-    return isUtf8;
-}
 
 bool isSet(const char* variable) {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in the program changes the environment
@@ -40,14 +33,20 @@ bool isSet(const char* variable) {
     return value != nullptr && *value != '\0';
 }
 
-ReportStyle styleOfStandardOutput() {
-    if (isatty(STDOUT_FILENO) == 0) return {};
-    return {isUtf8Locale(), !isSet("NO_COLOR")};
+ReportStyle styleOf(const InfoOptions& options) {
+    ReportStyle style;
+    if (options.inBytes) style.sizes = SizeUnits::kBytes;
+    if (options.decimal) style.sizes = SizeUnits::kDecimal;
+    if (isatty(STDOUT_FILENO) == 0) return style;
+    style.hasBlocks = charsetOfLocale() == Charset::kUtf8;
+    style.hasColours = !isSet("NO_COLOR");
+    return style;
 }
 
 SetReport reportOn(const std::string& file) {
     using Clock = std::chrono::steady_clock;
     SetReport report;
+    const std::uint64_t allocatedBefore = allocatedBytes();
     const Clock::time_point start = Clock::now();
     const PathSet set = openSet(file);
     const Clock::time_point opened = Clock::now();
@@ -56,6 +55,9 @@ SetReport reportOn(const std::string& file) {
         static_cast<void>(set.path(1));
         report.firstPath = Clock::now() - opened;
     }
+    // Before anything else is read.
+    report.residentSize = residentBytesOf(file);
+    report.allocatedSize = allocatedBytes() - allocatedBefore;
     report.file = file;
     report.fileSize = std::filesystem::file_size(file);
     report.statistics = statisticsOf(set, kLargestFolders);
@@ -68,7 +70,7 @@ ExitStatus info(const InfoOptions& options) {
     if (options.json) {
         output.line(reportJson(report));
     } else {
-        output.text(reportText(report, styleOfStandardOutput()));
+        output.text(reportText(report, styleOf(options)));
     }
     output.finish();
     return ExitStatus::kDone;
@@ -82,9 +84,16 @@ Verb infoVerb() {
             .synopsis = "SET",
             .summary = "tell what is in a set and where its bytes go",
             .examples = {"zqpaths info usr.zqp", "zqpaths info --json usr.zqp | jq .paths"},
-            .options = rows(setArgument(options->set),
-                            flag("--json", options->json, "print one JSON object"),
-                            messageOptions(options->messages)),
+            .details =
+                "Sizes are in KiB and MiB, by 1,024. What is in memory is measured after the first "
+                "path: pages of the file, which the system shares among all who read it and takes "
+                "back where it is short of memory, and what the program has allocated.",
+            .options = rows(
+                setArgument(options->set), flag("--json", options->json, "print one JSON object"),
+                flag("--bytes", options->inBytes, "tell sizes in bytes, exactly"),
+                excluding("--bytes",
+                          flag("--si", options->decimal, "tell sizes in kB and MB, by 1,000")),
+                messageOptions(options->messages)),
             .run = [options] { return info(*options); }};
 }
 

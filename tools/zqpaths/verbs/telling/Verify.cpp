@@ -1,5 +1,6 @@
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,16 +22,9 @@ namespace {
 struct VerifyOptions {
     std::string set;
     bool disk = false;
+    OutputOptions output;
     MessageOptions messages;
 };
-
-/// Tells every damage but the last, which it throws.
-void requireNoDamage(const PathSet& set) {
-    const std::vector<Error> damages = set.verify();
-    if (damages.empty()) return;
-    for (std::size_t i = 0; i + 1 < damages.size(); ++i) tell(printableText(damages[i].what()));
-    throw Error(damages.back());
-}
 
 struct DiskResult {
     std::uint64_t missingCount = 0;
@@ -61,22 +55,60 @@ ExitStatus statusOf(const DiskResult& result) {
     return result.missingCount > 0 ? ExitStatus::kNegative : ExitStatus::kDone;
 }
 
+/// An object with what has been found out; "missing" where the disk was looked at.
+void printResult(const VerifyOptions& options, std::uint64_t pathCount,
+                 const std::vector<std::string>& damages, const std::optional<DiskResult>& disk,
+                 Output& output) {
+    JsonObject object;
+    object.addName("set", "setBytes", options.set);
+    object.add("paths", pathCount);
+    object.add("whole", damages.empty());
+    object.addNames("damages", "damageBytes", damages);
+    if (disk) object.add("missing", disk->missingCount);
+    output.line(object);
+}
+
+/// Tells every damage but the last, which it throws. Programs get them all in one object.
+void requireNoDamage(const PathSet& set, const VerifyOptions& options, Output& output) {
+    const std::vector<Error> damages = set.verify();
+    if (damages.empty()) return;
+    if (options.output.json) {
+        std::vector<std::string> texts;
+        for (const Error& damage : damages) texts.emplace_back(damage.what());
+        printResult(options, set.size(), texts, std::nullopt, output);
+        output.finish();
+    }
+    for (std::size_t i = 0; i + 1 < damages.size(); ++i) tell(printableText(damages[i].what()));
+    throw Error(damages.back());
+}
+
+void tellResult(const VerifyOptions& options, std::uint64_t pathCount,
+                const std::optional<DiskResult>& disk, Output& output) {
+    if (options.output.json) {
+        printResult(options, pathCount, {}, disk, output);
+        return;
+    }
+    if (options.messages.quiet) return;
+    const std::string summary = printablePath(options.set) + ": " + groupDigits(pathCount) +
+                                (pathCount == 1 ? " path" : " paths") + ", all whole";
+    // Where missing paths or a table of them are printed, nothing else is.
+    if (disk)
+        tell(summary + ", " + groupDigits(disk->missingCount) + " missing on disk");
+    else if (options.output.csv)
+        tell(summary);
+    else
+        output.line(summary);
+}
+
 ExitStatus verify(const VerifyOptions& options) {
     const PathSet set = openSet(options.set);
-    requireNoDamage(set);
-    std::string summary = printablePath(options.set) + ": " + groupDigits(set.size()) +
-                          (set.size() == 1 ? " path" : " paths") + ", all whole";
-    Output output({});
-    DiskResult result;
-    if (options.disk) {
-        result = compareWithDisk(set, output, options.messages);
-        summary += ", " + groupDigits(result.missingCount) + " missing on disk";
-    }
-    // Where missing paths are printed, nothing else is.
-    if (!options.messages.quiet && options.disk) tell(summary);
-    if (!options.messages.quiet && !options.disk) output.line(summary);
+    Output output(options.output, {.isQuiet = options.messages.quiet});
+    requireNoDamage(set, options, output);
+    std::optional<DiskResult> disk;
+    if (options.disk) disk = compareWithDisk(set, output, options.messages);
+    tellResult(options, set.size(), disk, output);
     output.finish();
-    return statusOf(result);
+    return disk ? statusOf(*disk) : ExitStatus::kDone;
 }
 
 }  // namespace
@@ -87,9 +119,12 @@ Verb verifyVerb() {
             .synopsis = "SET",
             .summary = "read everything and tell what is damaged",
             .examples = {"zqpaths verify usr.zqp", "zqpaths verify --disk usr.zqp"},
+            .details =
+                "With --disk the paths that are not there are printed. With --json the last object "
+                "tells of the set as a whole, and also of damage, which ends with status 3.",
             .options = rows(setArgument(options->set),
                             flag("--disk", options->disk, "compare with the file system"),
-                            messageOptions(options->messages)),
+                            outputOptions(options->output), messageOptions(options->messages)),
             .run = [options] { return verify(*options); }};
 }
 

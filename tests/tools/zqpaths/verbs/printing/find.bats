@@ -1,35 +1,35 @@
-# zqpaths find: numbers and paths that match.
+# zqpaths find: paths that match.
 
 load ../setup
 
 @test "a glob without separator is matched against file names" {
     make_set s.zqp /usr/x.hpp x.hpp/y b.hpp
-    [ "$(zqpaths find s.zqp '*.hpp')" = $'1\t/usr/x.hpp\n3\tb.hpp' ]
+    [ "$(zqpaths find s.zqp '*.hpp')" = $'/usr/x.hpp\nb.hpp' ]
 }
 
 @test "a glob with separator is matched against whole paths" {
     make_set s.zqp /usr/lib/x /usr/lib/a/x usr/lib/x x
-    [ "$(zqpaths find s.zqp '/usr/*/x')" = $'1\t/usr/lib/x' ]
-    [ "$(zqpaths find s.zqp '/usr/**/x')" = $'1\t/usr/lib/x\n2\t/usr/lib/a/x' ]
+    [ "$(zqpaths find s.zqp '/usr/*/x')" = /usr/lib/x ]
+    [ "$(zqpaths find s.zqp '/usr/**/x')" = $'/usr/lib/x\n/usr/lib/a/x' ]
     [ "$(zqpaths find s.zqp -c '**/x')" = 4 ]
 }
 
 @test "a regular expression may be anywhere" {
     make_set s.zqp lib/a.so.1 lib/a.so.x $'new\nline'
-    [ "$(zqpaths find s.zqp -r 'so\.[0-9]+$')" = $'1\tlib/a.so.1' ]
+    [ "$(zqpaths find s.zqp -r 'so\.[0-9]+$')" = lib/a.so.1 ]
     [ "$(zqpaths find s.zqp -r -c 'w.l')" = 1 ]
     fails_with 2 'pattern (a: missing )' zqpaths find s.zqp -r '(a'
 }
 
 @test "a fixed text may be anywhere" {
     make_set s.zqp 'a*b' axb
-    [ "$(zqpaths find s.zqp -F '*')" = $'1\ta*b' ]
-    [ "$(zqpaths find s.zqp -F -- 'xb')" = $'2\taxb' ]
+    [ "$(zqpaths find s.zqp -F '*')" = 'a*b' ]
+    [ "$(zqpaths find s.zqp -F -- 'xb')" = axb ]
 }
 
 @test "names that are not UTF-8 are found by all kinds of patterns" {
     make_set s.zqp $'bad\xff\xfe' good
-    local expected=$'1\tbad\xff\xfe'
+    local expected=$'bad\xff\xfe'
     [ "$(zqpaths find s.zqp 'bad??')" = "$expected" ]
     [ "$(zqpaths find s.zqp $'bad\xff*')" = "$expected" ]
     [ "$(zqpaths find s.zqp -r '^bad..$')" = "$expected" ]
@@ -63,7 +63,23 @@ load ../setup
     [ "$(zqpaths find s.zqp --json 'a*')" = '{"number":1,"path":"a\nb"}' ]
     [ "$(zqpaths find s.zqp --json -c '*')" = '{"count":2}' ]
     zqpaths find s.zqp -0 '*' >got
-    printf '1\ta\nb\0002\tc\0' | cmp - got
+    printf 'a\nb\0c\0' | cmp - got
+}
+
+@test "what is found can be handed to other programs" {
+    mkdir tree
+    echo one >$'tree/a\nb'
+    echo two >'tree/c  d'
+    zqpaths index s.zqp tree
+    [ "$(zqpaths find s.zqp -0 '*' | xargs -0 cat | sort)" = $'one\ntwo' ]
+}
+
+@test "numbers are printed before the paths where told" {
+    make_set s.zqp x.c y x.h
+    [ "$(zqpaths find s.zqp -n 'x*')" = $'1\tx.c\n3\tx.h' ]
+    zqpaths find s.zqp --number -0 'x*' >got
+    printf '1\tx.c\0003\tx.h\0' | cmp - got
+    fails_with 2 '--fields excludes --number' zqpaths find s.zqp -n --fields path 'x*'
 }
 
 @test "odd names are found as they are" {
@@ -82,8 +98,8 @@ load ../setup
 @test "many paths are found as grep finds them" {
     seq -f 'dir%.0f/file' 30000 >list
     zqpaths index s.zqp --list list
-    zqpaths find s.zqp -F 77 | cut -f 2 >got
+    zqpaths find s.zqp -F 77 >got
     grep -F 77 list | cmp - got
-    zqpaths find s.zqp -r '7[0-3]+/' | cut -f 1 >got
+    zqpaths find s.zqp -n -r '7[0-3]+/' | cut -f 1 >got
     grep -n -E '7[0-3]+/' list | cut -d : -f 1 | cmp - got
 }

@@ -36,10 +36,20 @@ load ../setup
     fails_with 2 'pattern [b-a]' zqpaths list s.zqp --glob '[b-a]'
 }
 
-@test "nothing to list is no failure" {
-    make_set s.zqp a
-    run -0 zqpaths list s.zqp --under b
-    [ -z "$output" ]
+@test "nothing to list is a negative answer, and a folder that is not there is told" {
+    make_set s.zqp usr/a.c $'usr\e/b'
+    fails_with 1 'zqpaths: s.zqp has no folder /usr/x' zqpaths list s.zqp --under /usr/x
+    fails_with 1 'has no folder \x1B' zqpaths list s.zqp --walk --under $'\e'
+    run -1 --separate-stderr zqpaths list -q s.zqp --under /usr/x
+    [ -z "$output$stderr" ]
+    # The folder is there, the rest is not.
+    local part
+    for part in '--glob *.h' '--under usr --glob *.h' '--under usr --depth 0' '--depth 0'; do
+        # shellcheck disable=SC2086
+        run -1 --separate-stderr zqpaths list s.zqp $part
+        [ -z "$output$stderr" ]
+    done
+    run -0 zqpaths list s.zqp --under usr/a.c # a path is in a folder of its name
 }
 
 @test "the walk has the same paths in an order of its own" {
@@ -47,6 +57,9 @@ load ../setup
     zqpaths list s.zqp --walk | sort >walked
     zqpaths list s.zqp | sort | cmp - walked
     [ "$(zqpaths list s.zqp --walk --under a)" = a/y ]
+    [ "$(zqpaths list s.zqp --walk --under a --json --fields name)" = '{"name":"y"}' ]
+    [ "$(zqpaths list s.zqp --walk --under a --csv)" = $'path\r\na/y\r' ]
+    fails_with 2 '--walk gives no numbers' zqpaths list s.zqp --walk --fields number,path
 }
 
 @test "a full device is a failure that is told" {
@@ -65,19 +78,24 @@ load ../setup
     cmp s.zqp before
 }
 
-@test "a closed pipe ends it quietly" {
+@test "a closed pipe ends it quietly and as the system would" {
     seq 100000 | zqpaths index s.zqp --list -
-    run --separate-stderr -0 bash -c '
-        set -o pipefail
-        { "$ZQPATHS" list s.zqp; echo $? >status; } | head -n 1'
+    run --separate-stderr -141 bash -c 'set -o pipefail; "$ZQPATHS" list s.zqp | head -n 1'
     [ "$output" = 1 ]
     [ -z "$stderr" ]
-    [ "$(<status)" = 0 ]
+    # Also where whoever started it takes no notice of such signals.
+    run --separate-stderr -141 bash -c '
+        trap "" PIPE
+        set -o pipefail
+        "$ZQPATHS" list s.zqp --json | head -n 1'
+    [ -z "$stderr" ]
 }
 
 @test "one terminator at a time is asked for" {
     make_set s.zqp a
     fails_with 2 '--null excludes --json' zqpaths list s.zqp -0 --json
+    fails_with 2 'excludes --csv' zqpaths list s.zqp -0 --csv
+    fails_with 2 'excludes --csv' zqpaths list s.zqp --csv --json
 }
 
 @test "a set that is not there is told by name" {

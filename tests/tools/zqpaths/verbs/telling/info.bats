@@ -80,6 +80,30 @@ in_terminal() {
     [[ $output == *'opening '*' microseconds, the first path '* ]]
 }
 
+@test "one line tells what the file takes, what opening takes and what stays in memory" {
+    make_odd_set odd.zqp
+    [ "$(json_of odd.zqp '.memory | .ofFile >= 4096')" = true ]
+    [ "$(json_of odd.zqp '.memory.ofFile <= .saved.file + 4096')" = true ]
+    run -0 zqpaths info --bytes odd.zqp
+    local size
+    size=$(stat -c %s odd.zqp | sed -E ':a; s/([0-9])([0-9]{3})($|,)/\1,\2\3/; ta')
+    [[ ${lines[1]} =~ ^\ \ "$size bytes on disk, the first path after "[0-9,]+" microseconds, then "[0-9,]+" bytes in memory"$ ]]
+    [[ $output == *'memory '*' of the file, shared by all who read it, and '*' besides'* ]]
+}
+
+@test "sizes are told by 1,024, by 1,000 or exactly" {
+    make_set few.zqp a/b
+    local size
+    size=$(stat -c %s few.zqp)
+    run -0 zqpaths info few.zqp
+    [[ $output == *"saved  "*" $(awk "BEGIN { printf \"%.1f\", $size / 1024 }") KiB  "* ]]
+    run -0 zqpaths info --si few.zqp
+    [[ $output == *"saved  "*" $(awk "BEGIN { printf \"%.1f\", $size / 1000 }") kB  "* ]]
+    run -0 zqpaths info --bytes few.zqp
+    [[ $output == *"text  "*" 4 bytes  as a list"* ]]
+    fails_with 2 'excludes' zqpaths info --bytes --si few.zqp
+}
+
 @test "the ten largest folders are named, largest first" {
     local i
     for ((i = 1; i <= 12; ++i)); do

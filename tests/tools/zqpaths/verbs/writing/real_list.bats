@@ -30,7 +30,7 @@ setup() {
 }
 
 @test "a fixed text is found where grep finds it" {
-    zqpaths find "$REAL_SET" -F libz >found
+    zqpaths find "$REAL_SET" -n -F libz >found
     [ -s found ]
     grep --fixed-strings --line-number libz "$REAL_LIST" | sed 's/:/\t/' | cmp - found
 }

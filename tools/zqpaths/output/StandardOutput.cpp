@@ -1,0 +1,42 @@
+#include "tools/zqpaths/output/StandardOutput.hpp"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string_view>
+
+#include "tools/zqpaths/Failure.hpp"
+
+namespace zqpaths::program {
+namespace {
+
+/// Waits until a descriptor that must not block can be written to.
+void awaitWritable(int descriptor) {
+    pollfd waiting{descriptor, POLLOUT, 0};
+    poll(&waiting, 1, -1);
+}
+
+void writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+        if (written >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN) {
+            awaitWritable(descriptor);
+        } else if (errno == EPIPE) {
+            throw ClosedPipe();
+        } else if (errno != EINTR) {
+            throw systemFailureAt("standard output", errno);
+        }
+    }
+}
+
+}  // namespace
+
+void StandardOutput::flush() {
+    writeAll(STDOUT_FILENO, buffer_);
+    buffer_.clear();
+}
+
+}  // namespace zqpaths::program

@@ -1,0 +1,42 @@
+#pragma once
+// StandardOutput holds bytes back until there are many, and loses none in silence: a write that
+// fails throws, one into a closed pipe ClosedPipe.
+//
+//     StandardOutput out;
+//     out.buffer() += "a line\n";
+//     out.flushIfFull();
+//     out.flush();
+//
+// Threads: an object belongs to one thread at a time, and there is one at a time.
+
+#include <cstddef>
+#include <string>
+
+namespace zqpaths::program {
+
+/// The reader of standard output has gone; main ends the program as the system would have.
+class ClosedPipe {};
+
+class StandardOutput {
+public:
+    static constexpr std::size_t kBufferedBytes = std::size_t{1} << 18;
+
+    StandardOutput() = default;
+    StandardOutput(const StandardOutput&) = delete;
+    StandardOutput& operator=(const StandardOutput&) = delete;
+
+    /// What is held back; it is lost when the object is destroyed.
+    std::string& buffer() noexcept { return buffer_; }
+
+    /// Writes what is held back. Throws Failure kFailed or ClosedPipe.
+    void flush();
+
+    void flushIfFull() {
+        if (buffer_.size() >= kBufferedBytes) flush();
+    }
+
+private:
+    std::string buffer_;
+};
+
+}  // namespace zqpaths::program
