@@ -10,8 +10,10 @@ Option forceOption(bool& force) {
     return flag("--force", force, "replace a set that is there");
 }
 
-Option seedOption(std::uint64_t& seed) {
-    return required(number("--seed", "S", seed, "the same seed gives the same order everywhere"));
+Option seedOption(std::optional<std::uint64_t>& seed) {
+    return number(
+        "--seed", "S", seed,
+        "the same seed gives the same paths everywhere; without one, one is drawn and told");
 }
 
 Option progressOption(MessageOptions& messages) {

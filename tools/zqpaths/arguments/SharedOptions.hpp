@@ -42,7 +42,7 @@ struct PieceOptions {
 
 Option setArgument(std::string& set);
 Option forceOption(bool& force);
-Option seedOption(std::uint64_t& seed);
+Option seedOption(std::optional<std::uint64_t>& seed);
 Option progressOption(MessageOptions& messages);  // the last of messageOptions()
 std::vector<Option> outputOptions(OutputOptions& output);
 std::vector<Option> messageOptions(MessageOptions& messages);
