@@ -11,7 +11,6 @@
 
 #include "zqpaths/Error.hpp"
 #include "zqpaths/exclusion/ExclusionPattern.hpp"
-#include "zqpaths/text/PathComponents.hpp"
 
 namespace zqpaths {
 namespace {
@@ -105,23 +104,6 @@ bool ExclusionRules::excludes(std::string_view path, EntryKind kind) const {
             last = std::max(last, number);
     }
     return last >= 0 && !compiled_->patterns[static_cast<std::size_t>(last)].isNegative;
-}
-
-bool ExclusionRules::excludesPath(std::string_view path) const {
-    if (isEmpty()) return false;
-    std::string above;  // the names so far
-    while (true) {
-        const std::size_t begin = std::min(path.find_first_not_of(kSeparator), path.size());
-        path.remove_prefix(begin);
-        if (path.empty()) return false;
-        const std::size_t end = std::min(path.find(kSeparator), path.size());
-        const std::string_view name = path.substr(0, end);
-        path.remove_prefix(end);
-        if (name == ".") continue;
-        if (!above.empty()) above.push_back(kSeparator);
-        above += name;
-        if (excludes(above, path.empty() ? EntryKind::kOther : EntryKind::kDirectory)) return true;
-    }
 }
 
 }  // namespace zqpaths

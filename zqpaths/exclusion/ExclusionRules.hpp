@@ -6,8 +6,9 @@
 //     const ExclusionRules rules({"*.o", "!keep.o", "/build/"});
 //     rules.excludes("src/a.o", EntryKind::kOther);     // true
 //     rules.excludes("build", EntryKind::kDirectory);   // true
-//     rules.excludesPath("build/keep.o");               // true: what is in "build" is not looked
-//     at
+//
+// What is in a directory that is left out is not looked at; ExcludedPaths.hpp asks about the
+// directories that lead to a path.
 //
 // Threads: rules never change; any number of threads may ask them.
 
@@ -40,11 +41,6 @@ public:
     /// root of the tree: names with a separator between them. O(bytes), whatever the patterns are.
     /// Throws Error kWrongUse if they need too much memory.
     bool excludes(std::string_view path, EntryKind kind) const;
-
-    /// Whether something is left out, or a directory above it. Separators at the ends of `path`,
-    /// more than one in a row and names "." do not count; one at the end says that it is a
-    /// directory. O(bytes * names).
-    bool excludesPath(std::string_view path) const;
 
 private:
     struct Compiled;

@@ -10,7 +10,7 @@
 
 #include "tests/support/ProgramRun.hpp"
 #include "tests/support/TemporaryTree.hpp"
-#include "zqpaths/exclusion/ExclusionRules.hpp"
+#include "zqpaths/exclusion/ExcludedPaths.hpp"
 
 namespace zqpaths {
 namespace {
@@ -136,10 +136,10 @@ TEST(ExclusionRules, areThoseOfGit) {
     std::size_t ignoredCount = 0;
     for (int round = 0; round < kRounds; ++round) {
         const std::string patterns = maker.file();
-        const ExclusionRules rules(exclusionPatterns(patterns));
+        ExcludedPaths excluded(exclusionPatterns(patterns));
         std::vector<std::string> ignored;
         for (const std::string& entry : repository.entries())
-            if (rules.excludesPath(entry)) ignored.push_back(entry);
+            if (excluded.contain(entry)) ignored.push_back(entry);
         ignoredCount += ignored.size();
         ASSERT_EQ(list(ignored), repository.ignoredByGit(patterns)) << patterns;
     }

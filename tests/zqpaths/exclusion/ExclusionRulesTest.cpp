@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "zqpaths/Error.hpp"
+#include "zqpaths/exclusion/ExcludedPaths.hpp"
 
 namespace zqpaths {
 namespace {
@@ -17,7 +18,7 @@ using Patterns = std::vector<std::string>;
 
 /// A path with a separator at its end is a directory.
 bool excluded(const Patterns& patterns, std::string_view path) {
-    return ExclusionRules(patterns).excludesPath(path);
+    return ExcludedPaths(patterns).contain(path);
 }
 
 TEST(ExclusionRules, matchNamesAtAnyDepth) {
@@ -120,6 +121,20 @@ TEST(ExclusionRules, lookPastWhatDoesNotChangeAPath) {
         EXPECT_TRUE(excluded({"/a/b"}, path)) << path;
     EXPECT_FALSE(excluded({"*"}, "./"));
     EXPECT_FALSE(excluded({"*"}, "/"));
+}
+
+TEST(ExcludedPaths, rememberNoFolderButThatOfThePath) {
+    ExcludedPaths paths({"/a/b/", "x"});
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(paths.contain("a/b/c"));
+        EXPECT_FALSE(paths.contain("a/c"));
+        EXPECT_FALSE(paths.contain("a/bb/c"));
+        EXPECT_TRUE(paths.contain("a/b/d/e"));
+        EXPECT_TRUE(paths.contain("a/b//d"));
+        EXPECT_FALSE(paths.contain("b"));
+        EXPECT_TRUE(paths.contain("x"));
+        EXPECT_FALSE(paths.contain("b"));
+    }
 }
 
 TEST(ExclusionRules, areManyWithoutBeingSlow) {
