@@ -21,6 +21,13 @@ constexpr const char* kNoTypeText = " ";  // instead of the type that the parser
 constexpr char kMark = '\1';
 constexpr std::string_view kEndOfOptions = "--";
 
+/// The value in "--name=[a,b]".
+void markValue(std::string& text) {
+    const std::size_t equals = text.find('=');
+    if (equals != std::string::npos && text.find('[', equals) == equals + 1)
+        text.insert(equals + 1, 1, kMark);
+}
+
 /// The arguments after the program's name, the last one first, as the parser wants them.
 std::vector<std::string> markedArguments(int argumentCount, const char* const* arguments) {
     std::vector<std::string> marked;
@@ -34,6 +41,7 @@ std::vector<std::string> markedArguments(int argumentCount, const char* const* a
         const bool needsMark = text.starts_with('[') || text.starts_with(kMark) ||
                                (!mayBeOption && text.starts_with('-'));
         if (needsMark) text.insert(text.begin(), kMark);
+        if (mayBeOption && text.starts_with("--")) markValue(text);
         marked.push_back(std::move(text));
     }
     std::ranges::reverse(marked);
@@ -71,12 +79,15 @@ CLI::Option* declare(CLI::App& app, const Option& option) {
         return app.add_flag_callback(
             option.names, [&option] { option.take(""); }, option.description);
     if (option.isRepeated)
-        return app.add_option_function<std::vector<std::string>>(
-            option.names,
-            [&option](const std::vector<std::string>& given) {
-                for (const std::string& text : given) option.take(unmarked(text));
-            },
-            option.description);
+        return app
+            .add_option_function<std::vector<std::string>>(
+                option.names,
+                [&option](const std::vector<std::string>& given) {
+                    for (const std::string& text : given) option.take(unmarked(text));
+                },
+                option.description)
+            // An option has one value each time, what follows it is not its own.
+            ->allow_extra_args(option.isArgument());
     return app.add_option_function<std::string>(
         option.names, [&option](const std::string& given) { option.take(unmarked(given)); },
         option.description);

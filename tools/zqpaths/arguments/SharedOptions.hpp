@@ -29,8 +29,13 @@ struct SourceOptions {
     bool nulDelimited = false;        // the list's paths end with NUL, else with a newline
     bool follow = false;              // symbolic links to directories
     bool oneFileSystem = false;
-    bool hidden = false;            // take names that begin with '.', too
+    bool hidden = false;                   // take names that begin with '.', too
+    std::vector<std::string> exclude;      // patterns as gitignore has them
+    std::vector<std::string> excludeFrom;  // files of such patterns
+    std::string types;                     // of 'f', 'd' and 'l'; empty for all but directories
+    std::optional<std::uint64_t> maxDepth;
     bool ignoreUnreadable = false;  // not a failure at the end
+    bool verbose = false;           // tell each directory that cannot be read
     unsigned jobs = 0;              // threads that read directories; 0 for one a core
 };
 

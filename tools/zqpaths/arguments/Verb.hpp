@@ -37,7 +37,7 @@ struct Option {
     /// Takes what was given, for a switch nothing. Throws Failure kFailed for what it cannot be.
     std::function<void(const std::string& text)> take;
     bool isRequired = false;
-    bool isRepeated = false;           // all arguments that are left
+    bool isRepeated = false;           // all arguments that are left; an option given again
     std::string excluded{};            // an option that cannot be given with it
     std::string needed{};              // one that must be
     std::vector<std::string> words{};  // all that it can be, if these are few
@@ -82,6 +82,10 @@ Option number(std::string names, std::string value, unsigned& taken, std::string
 /// An argument that must be there, and all that are left, of which one must be there.
 Option argument(std::string name, std::string& taken, std::string description);
 Option arguments(std::string name, std::vector<std::string>& taken, std::string description);
+
+/// An option with a value that may be given again and again.
+Option texts(std::string names, std::string value, std::vector<std::string>& taken,
+             std::string description);
 
 Option required(Option option);
 Option excluding(std::string other, Option option);
