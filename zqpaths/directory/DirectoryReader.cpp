@@ -47,7 +47,10 @@ bool DirectoryReader::isEntered(WalkedDirectory& directory, int descriptor) cons
             return false;
         }
         // All that are walked are then on one file system.
-        if (options_.oneFileSystem && above->device != directory.device) return false;
+        if (options_.oneFileSystem && above->device != directory.device) {
+            directory.leftOut.onOtherFileSystems = 1;
+            return false;
+        }
     }
     return true;
 }
@@ -55,6 +58,7 @@ bool DirectoryReader::isEntered(WalkedDirectory& directory, int descriptor) cons
 std::list<WalkedDirectory> DirectoryReader::readNames(WalkedDirectory& directory,
                                                       DIR* stream) const {
     std::vector<std::string> names;  // of sub-directories
+    std::string pathBefore = filter_.pathBefore(directory);
     while (true) {
         errno = 0;
         // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream belongs to this thread alone
@@ -62,9 +66,7 @@ std::list<WalkedDirectory> DirectoryReader::readNames(WalkedDirectory& directory
         if (entry == nullptr) break;
         const std::string_view name = entry->d_name;
         if (name == "." || name == "..") continue;
-        if (options_.skipHidden && name.front() == '.') continue;
-        auto& list = isWalked(::dirfd(stream), *entry) ? names : directory.files;
-        list.emplace_back(name);
+        sortIn(directory, pathBefore, ::dirfd(stream), *entry, names);
     }
     directory.error = errno;
     std::ranges::sort(directory.files);
@@ -73,6 +75,30 @@ std::list<WalkedDirectory> DirectoryReader::readNames(WalkedDirectory& directory
     std::list<WalkedDirectory> subdirectories;
     for (std::string& name : names) subdirectories.emplace_back(&directory, std::move(name));
     return subdirectories;
+}
+
+void DirectoryReader::sortIn(WalkedDirectory& directory, std::string& pathBefore, int descriptor,
+                             const dirent& entry, std::vector<std::string>& subdirectories) const {
+    const std::string_view name = entry.d_name;
+    if (filter_.isNotTaken(descriptor, entry)) return;
+    if (options_.skipHidden && name.front() == '.') {
+        ++directory.leftOut.hidden;
+        return;
+    }
+    const EntryKind kind = isWalked(descriptor, entry) ? EntryKind::kDirectory : EntryKind::kOther;
+    if (filter_.isExcluded(pathBefore, name, kind)) {
+        ++directory.leftOut.excluded;
+        return;
+    }
+    if (filter_.isReported(descriptor, entry, kind))
+        directory.files.emplace_back(name);
+    else if (kind == EntryKind::kOther)
+        ++directory.leftOut.ofOtherTypes;
+    if (kind == EntryKind::kOther) return;
+    if (filter_.isDeepest(directory))
+        ++directory.leftOut.tooDeep;
+    else
+        subdirectories.emplace_back(name);
 }
 
 bool DirectoryReader::isWalked(int directory, const dirent& entry) const {

@@ -45,12 +45,13 @@ public:
         workThere_.notify_all();
     }
 
-    void run(const std::string& root) {
+    LeftOutNames run(const std::string& root) {
         ahead_.emplace_back(nullptr, root);
         report(takeFirst());
-        if (ahead_.empty()) return;
+        if (ahead_.empty()) return leftOut_;
         for (unsigned i = 1; i < threadCount_; ++i) helpers_.emplace_back([this] { help(); });
         while (hasMore()) report(takeFirst());
+        return leftOut_;
     }
 
 private:
@@ -114,6 +115,7 @@ private:
 
     void report(WalkedDirectory& directory) {
         if (directory.failure) std::rethrow_exception(directory.failure);
+        leftOut_ += directory.leftOut;
         path_.resize(directory.parent == nullptr ? 0 : directory.parent->pathLength);
         path_.append(directory.name);
         if (directory.sameAbove != nullptr)
@@ -142,6 +144,7 @@ private:
     const ErrorVisitor& onError_;
     const unsigned threadCount_;
     std::string path_;                    // of the directory or file at hand
+    LeftOutNames leftOut_;                // of the directories that were reported
     std::list<WalkedDirectory> entered_;  // from the root to the directory at hand
 
     std::mutex mutex_;  // guards what follows, and the states of all directories
@@ -157,9 +160,9 @@ private:
 
 }  // namespace
 
-void walkDirectory(const std::string& root, const WalkOptions& options, const EntryVisitor& onPath,
-                   const ErrorVisitor& onError) {
-    Walk(options, onPath, onError).run(root);
+LeftOutNames walkDirectory(const std::string& root, const WalkOptions& options,
+                           const EntryVisitor& onPath, const ErrorVisitor& onError) {
+    return Walk(options, onPath, onError).run(root);
 }
 
 }  // namespace zqpaths

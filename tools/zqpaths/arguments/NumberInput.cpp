@@ -48,9 +48,7 @@ void NumberInput::finishWord(const std::function<void(const NumberRange&)>& visi
 
 NumberRange NumberInput::parseWord() const {
     try {
-        const NumberRange range = parseNumberRange(word_);
-        range.requireIn(setSize_);
-        return range;
+        return parseNumberRange(word_, setSize_);
     } catch (const Failure& failure) {
         throw failureAt(kPlace, "line " + std::to_string(line_) + ": " + failure.what(),
                         failure.status());

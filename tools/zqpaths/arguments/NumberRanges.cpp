@@ -11,6 +11,7 @@ namespace zqpaths::program {
 namespace {
 
 constexpr char kColon = ':';
+constexpr const char* kIsNoRange = "is neither a number nor numbers like 10:20, -5: or 20:10:-1";
 
 /// Far from where sums of numbers and steps would overflow.
 constexpr std::int64_t kMaxNumber = std::int64_t{1} << 53;
@@ -30,8 +31,7 @@ std::int64_t parseNumber(std::string_view part, std::string_view text) {
     const auto [parsed, error] = std::from_chars(part.data(), end, number);
     if (error == std::errc::result_out_of_range || number > kMaxNumber || number < -kMaxNumber)
         refuse(text, "no set has so many paths");
-    if (error != std::errc() || parsed != end)
-        refuse(text, "is neither a number nor numbers like 10:20 or 20:10:-1");
+    if (error != std::errc() || parsed != end) refuse(text, kIsNoRange);
     return number;
 }
 
@@ -43,10 +43,50 @@ std::string_view takePart(std::string_view& text) {
     return part;
 }
 
-std::uint64_t parsePathNumber(std::string_view part, std::string_view text) {
+[[noreturn]] void refuseNumber(std::int64_t number, std::uint64_t setSize) {
+    throw Failure(ExitStatus::kFailed, "there is no path " + std::to_string(number) +
+                                           " in this set of " + std::to_string(setSize) + " paths");
+}
+
+/// The number of a path; -1 is that of the last one.
+std::uint64_t parsePathNumber(std::string_view part, std::string_view text, std::uint64_t setSize) {
     const std::int64_t number = parseNumber(part, text);
-    if (number < 1) refuse(text, "the first path has number 1");
-    return static_cast<std::uint64_t>(number);
+    if (number == 0) refuse(text, "the first path has number 1");
+    if (number > 0) return static_cast<std::uint64_t>(number);
+    const std::uint64_t fromEnd = -static_cast<std::uint64_t>(number);
+    if (fromEnd > setSize) refuseNumber(number, setSize);
+    return setSize + 1 - fromEnd;
+}
+
+/// Both ends and a step, of which `text` is the whole; parts that are left out are empty.
+struct RangeText {
+    std::string_view first;
+    std::string_view last;
+    std::string_view step;
+    std::string_view text;
+};
+
+NumberRange parseRange(const RangeText& range, std::uint64_t setSize) {
+    const auto& [first, last, stepPart, text] = range;
+    const std::int64_t step = stepPart.empty() ? 1 : parseNumber(stepPart, text);
+    if (step == 0) refuse(text, "a step of 0 goes nowhere");
+    if (setSize == 0 && first.empty() && last.empty()) return {};
+
+    const bool isDownwards = step < 0;
+    const auto end = [&](std::string_view part, bool isLowest) {
+        if (part.empty()) return isLowest ? 1 : setSize;
+        return parsePathNumber(part, text, setSize);
+    };
+    const std::uint64_t from = end(first, !isDownwards);
+    const std::uint64_t to = end(last, isDownwards);
+    // An end that is left out lies beyond one that the set has not.
+    if (from > setSize && last.empty()) refuseNumber(static_cast<std::int64_t>(from), setSize);
+    if (!isDownwards && from > to) refuse(text, "counts down, which takes a step like -1");
+    if (isDownwards && from < to) {
+        if (first.empty()) refuseNumber(static_cast<std::int64_t>(to), setSize);
+        refuse(text, "counts up, which takes a step like 1");
+    }
+    return {from, to, step};
 }
 
 }  // namespace
@@ -62,29 +102,23 @@ std::uint64_t NumberRange::operator[](std::uint64_t index) const noexcept {
     return isDownwards_ ? first_ - way : first_ + way;
 }
 
-void NumberRange::requireIn(std::uint64_t setSize) const {
-    const std::uint64_t highest = std::max(first_, (*this)[size_ - 1]);
-    requirePathNumber(highest, setSize);
-}
-
-void requirePathNumber(std::uint64_t number, std::uint64_t setSize) {
-    if (number >= 1 && number <= setSize) return;
-    throw Failure(ExitStatus::kFailed, "there is no path " + std::to_string(number) +
-                                           " in this set of " + std::to_string(setSize) + " paths");
-}
-
-NumberRange parseNumberRange(std::string_view text) {
+NumberRange parseNumberRange(std::string_view text, std::uint64_t setSize) {
     const auto colons = std::ranges::count(text, kColon);
     std::string_view rest = text;
-    const std::uint64_t first = parsePathNumber(takePart(rest), text);
-    if (colons == 0) return {first, first, 1};
-
-    const std::uint64_t last = parsePathNumber(takePart(rest), text);
-    const std::int64_t step = colons == 1 ? 1 : parseNumber(rest, text);
-    if (step == 0) refuse(text, "a step of 0 goes nowhere");
-    if (step > 0 && first > last) refuse(text, "counts down, which takes a step like -1");
-    if (step < 0 && first < last) refuse(text, "counts up, which takes a step like 1");
-    return {first, last, step};
+    const std::string_view first = takePart(rest);
+    NumberRange range;
+    if (colons == 0) {
+        const std::uint64_t number = parsePathNumber(first, text, setSize);
+        range = {number, number, 1};
+    } else {
+        const std::string_view last = takePart(rest);
+        if (colons > 1 && rest.empty()) refuse(text, kIsNoRange);
+        range = parseRange({first, last, rest, text}, setSize);
+    }
+    if (range.size() == 0) return range;
+    const std::uint64_t highest = std::max(range[0], range[range.size() - 1]);
+    if (highest > setSize) refuseNumber(static_cast<std::int64_t>(highest), setSize);
+    return range;
 }
 
 }  // namespace zqpaths::program

@@ -1,5 +1,10 @@
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 
+#include <cstddef>
+#include <string_view>
+
+#include "tools/zqpaths/Failure.hpp"
+
 namespace zqpaths::program {
 
 Option setArgument(std::string& set) {
@@ -10,8 +15,10 @@ Option forceOption(bool& force) {
     return flag("--force", force, "replace a set that is there");
 }
 
-Option seedOption(std::uint64_t& seed) {
-    return required(number("--seed", "S", seed, "the same seed gives the same order everywhere"));
+Option seedOption(std::optional<std::uint64_t>& seed) {
+    return number(
+        "--seed", "S", seed,
+        "the same seed gives the same paths everywhere; without one, one is drawn and told");
 }
 
 Option progressOption(MessageOptions& messages) {
@@ -36,6 +43,25 @@ std::vector<Option> messageOptions(MessageOptions& messages) {
     return rows(flag("-q,--quiet", messages.quiet, "tell errors only"), progressOption(messages));
 }
 
+namespace {
+
+/// Takes "f,d,l", in any order, as letters without the commas.
+Option typesOption(std::string& types) {
+    return {"--type", "T,T...",
+            "only files (f), directories (d) or symbolic links (l); all but directories otherwise",
+            [&types](const std::string& text) {
+                for (std::size_t i = 0; i < text.size() || i % 2 == 0; ++i) {
+                    const bool isLetter = i % 2 == 0;
+                    const std::string_view allowed = isLetter ? "fdl" : ",";
+                    if (i == text.size() || allowed.find(text[i]) == std::string_view::npos)
+                        throw wrongUse("--type: " + text + " is not of f, d and l, with commas");
+                    if (isLetter) types.push_back(text[i]);
+                }
+            }};
+}
+
+}  // namespace
+
 std::vector<Option> sourceOptions(SourceOptions& source) {
     Option directories =
         arguments("DIR", source.directories,
@@ -52,8 +78,15 @@ std::vector<Option> sourceOptions(SourceOptions& source) {
         flag("--follow", source.follow, "follow symbolic links to directories"),
         flag("--one-file-system", source.oneFileSystem, "stay on the file system of DIR"),
         flag("--hidden", source.hidden, "take names that begin with a dot, too"),
+        texts("--exclude", "GLOB", source.exclude,
+              "leave out what matches, as a line of gitignore does"),
+        texts("--exclude-from", kFileValue, source.excludeFrom,
+              "leave out what the lines of FILE match, as gitignore's do"),
+        typesOption(source.types),
+        number("--max-depth", "N", source.maxDepth, "at most N names below DIR, or in a path"),
         flag("--ignore-unreadable", source.ignoreUnreadable,
              "end with status 0 although something could not be read"),
+        flag("--verbose", source.verbose, "tell each directory that cannot be read"),
         number("-j,--jobs", "N", source.jobs, "threads that read directories (one a core)"));
 }
 

@@ -33,8 +33,13 @@ struct SourceOptions {
     bool nulDelimited = false;        // the list's paths end with NUL, else with a newline
     bool follow = false;              // symbolic links to directories
     bool oneFileSystem = false;
-    bool hidden = false;            // take names that begin with '.', too
+    bool hidden = false;                   // take names that begin with '.', too
+    std::vector<std::string> exclude;      // patterns as gitignore has them
+    std::vector<std::string> excludeFrom;  // files of such patterns
+    std::string types;                     // of 'f', 'd' and 'l'; empty for all but directories
+    std::optional<std::uint64_t> maxDepth;
     bool ignoreUnreadable = false;  // not a failure at the end
+    bool verbose = false;           // tell each directory that cannot be read
     unsigned jobs = 0;              // threads that read directories; 0 for one a core
 };
 
@@ -46,7 +51,7 @@ struct PieceOptions {
 
 Option setArgument(std::string& set);
 Option forceOption(bool& force);
-Option seedOption(std::uint64_t& seed);
+Option seedOption(std::optional<std::uint64_t>& seed);
 Option progressOption(MessageOptions& messages);  // the last of messageOptions()
 std::vector<Option> outputOptions(OutputOptions& output);
 std::vector<Option> messageOptions(MessageOptions& messages);

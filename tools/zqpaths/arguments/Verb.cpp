@@ -102,6 +102,14 @@ Option arguments(std::string name, std::vector<std::string>& taken, std::string 
     return option;
 }
 
+Option texts(std::string names, std::string value, std::vector<std::string>& taken,
+             std::string description) {
+    Option option{std::move(names), std::move(value), std::move(description),
+                  [&taken](const std::string& given) { taken.push_back(given); }};
+    option.isRepeated = true;
+    return option;
+}
+
 Option required(Option option) {
     option.isRequired = true;
     return option;

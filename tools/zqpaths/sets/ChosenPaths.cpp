@@ -1,8 +1,10 @@
 #include "tools/zqpaths/sets/ChosenPaths.hpp"
 
 #include <algorithm>
+#include <random>
 #include <vector>
 
+#include "tools/zqpaths/output/Messages.hpp"
 #include "tools/zqpaths/output/Output.hpp"
 #include "tools/zqpaths/output/Progress.hpp"
 #include "zqpaths/choosing/Permutation.hpp"
@@ -24,6 +26,15 @@ void printChosen(const PathSet& set, std::uint64_t count, const Choice& numberAt
         });
     }
     output.finish();
+}
+
+std::uint64_t seedFor(const std::optional<std::uint64_t>& given, const MessageOptions& messages) {
+    if (given) return *given;
+    // 32 bits are enough to differ from one time to the next, and few enough to be typed.
+    const std::uint64_t drawn = std::random_device()();
+    const std::string digits = std::to_string(drawn);
+    if (!messages.quiet) tell("seed " + digits + ": --seed " + digits + " gives the same again");
+    return drawn;
 }
 
 void printInRandomOrder(const PathSet& set, std::uint64_t count, std::uint64_t seed,

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
@@ -22,6 +23,10 @@ using Choice = std::function<std::uint64_t(std::uint64_t place)>;
 void printChosen(const PathSet& set, std::uint64_t count, const Choice& numberAt,
                  const std::string& work, const OutputOptions& outputOptions,
                  const MessageOptions& messages);
+
+/// The seed that is given, else one that is drawn at random and told unless the person wants to be
+/// told errors only.
+std::uint64_t seedFor(const std::optional<std::uint64_t>& given, const MessageOptions& messages);
 
 /// The first `count` paths of the order that `seed` gives, all of them if there are fewer.
 void printInRandomOrder(const PathSet& set, std::uint64_t count, std::uint64_t seed,

@@ -5,8 +5,6 @@
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/output/Messages.hpp"
-#include "tools/zqpaths/output/PrintablePath.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -21,18 +19,24 @@ void requireDirectory(const std::string& path) {
 
 }  // namespace
 
-DirectorySource::DirectorySource(std::vector<std::string> directories, const WalkOptions& options)
-    : directories_(std::move(directories)), options_(options) {
+DirectorySource::DirectorySource(std::vector<std::string> directories, WalkOptions options,
+                                 std::string set, bool isVerbose)
+    : directories_(std::move(directories)),
+      options_(std::move(options)),
+      set_(std::move(set)),
+      isVerbose_(isVerbose) {
     for (const std::string& directory : directories_) requireDirectory(directory);
 }
 
-void DirectorySource::visit(const std::function<void(std::string_view path)>& visitor) {
+SourceReport DirectorySource::visit(const std::function<void(std::string_view path)>& visitor) {
+    options_.notTaken = filesOfSet(set_);
+    SourceReport report;
     for (const std::string& directory : directories_)
-        walkDirectory(directory, options_, visitor,
-                      [this](std::string_view path, std::string_view reason) {
-                          ++unreadableCount_;
-                          tell(printablePath(path).append(": ").append(reason));
-                      });
+        report.leftOut += walkDirectory(directory, options_, visitor,
+                                        [&](std::string_view path, std::string_view reason) {
+                                            report.addUnreadable(path, reason, isVerbose_);
+                                        });
+    return report;
 }
 
 }  // namespace zqpaths::program

@@ -2,7 +2,6 @@
 // DirectorySource gives what is in directory trees, one tree after the other, each in the order of
 // DirectoryWalk.
 
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -15,16 +14,19 @@ namespace zqpaths::program {
 
 class DirectorySource final : public PathSource {
 public:
-    /// Throws Failure kFailed if one of `directories` is none.
-    DirectorySource(std::vector<std::string> directories, const WalkOptions& options);
+    /// The files of `set`, as they are when the paths are visited, are left out. With `isVerbose`
+    /// each directory that cannot be read is told. Throws Failure kFailed if one of `directories`
+    /// is none.
+    DirectorySource(std::vector<std::string> directories, WalkOptions options, std::string set,
+                    bool isVerbose);
 
-    void visit(const std::function<void(std::string_view path)>& visitor) override;
-    std::uint64_t unreadableCount() const noexcept override { return unreadableCount_; }
+    SourceReport visit(const std::function<void(std::string_view path)>& visitor) override;
 
 private:
     std::vector<std::string> directories_;
     WalkOptions options_;
-    std::uint64_t unreadableCount_ = 0;
+    std::string set_;
+    bool isVerbose_;
 };
 
 }  // namespace zqpaths::program

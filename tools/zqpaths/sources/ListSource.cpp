@@ -48,7 +48,7 @@ std::string ListSource::printableName(const std::string& fileName) {
     return printablePath(nameOf(fileName));
 }
 
-void ListSource::visit(const std::function<void(std::string_view path)>& visitor) {
+SourceReport ListSource::visit(const std::function<void(std::string_view path)>& visitor) {
     std::vector<char> buffer(kBufferSize);
     std::size_t heldCount = 0;  // bytes at the front of the buffer: a path without its end
     std::uint64_t number = 0;
@@ -72,6 +72,7 @@ void ListSource::visit(const std::function<void(std::string_view path)>& visitor
         std::memmove(buffer.data(), rest.data(), heldCount);
     }
     if (heldCount > 0) give({buffer.data(), heldCount});
+    return {};
 }
 
 void ListSource::requirePath(std::string_view path, std::uint64_t number) const {

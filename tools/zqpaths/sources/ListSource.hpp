@@ -18,8 +18,7 @@ public:
     ListSource(const std::string& fileName, bool nulDelimited);
 
     /// Takes what comes when it comes, from pipes too; memory for the longest path.
-    void visit(const std::function<void(std::string_view path)>& visitor) override;
-    std::uint64_t unreadableCount() const noexcept override { return 0; }
+    SourceReport visit(const std::function<void(std::string_view path)>& visitor) override;
 
     /// How messages call such a list.
     static std::string printableName(const std::string& fileName);

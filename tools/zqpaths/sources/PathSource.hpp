@@ -1,18 +1,19 @@
 #pragma once
 // PathSource gives the paths of directories or of a list, once:
 //
-//     const std::unique_ptr<PathSource> source = openSource(options.source);
-//     source->visit([](std::string_view path) { ... });
+//     const std::unique_ptr<PathSource> source = openSource(options.source, "usr.zqp");
+//     const SourceReport report = source->visit([](std::string_view path) { ... });
+//     return statusAfter(report, options.source, options.messages);
 //
 // It holds none of the paths.
 
-#include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
-#include "tools/zqpaths/ExitStatus.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sources/SourceReport.hpp"
 
 namespace zqpaths::program {
 
@@ -25,20 +26,15 @@ public:
 
     /// Gives all paths. Throws Failure kFailed for a list that cannot be read, or, with its line,
     /// that holds an empty path or a NUL; and what the visitor throws. Called once.
-    virtual void visit(const std::function<void(std::string_view path)>& visitor) = 0;
-
-    /// The directories that could not be read; each was told on standard error.
-    virtual std::uint64_t unreadableCount() const noexcept = 0;
+    virtual SourceReport visit(const std::function<void(std::string_view path)>& visitor) = 0;
 };
 
-/// Throws Failure kFailed if neither a list nor directories are given, if the list cannot be read
-/// or one of the directories is none.
-std::unique_ptr<PathSource> openSource(const SourceOptions& options);
+/// A source for a set; its file, also the one that is being written when the paths are visited, is
+/// not among those of a directory. Throws Failure kFailed if neither a list nor directories are
+/// given, if the list cannot be read, one of the directories is none or an option cannot be meant.
+std::unique_ptr<PathSource> openSource(const SourceOptions& options, const std::string& set);
 
 /// How messages call a source: the names of its directories or of its list.
 std::string printableNames(const SourceOptions& options);
-
-/// What a verb that has read `source` ends with; tells how much could not be read.
-ExitStatus statusAfter(const PathSource& source, bool ignoreUnreadable);
 
 }  // namespace zqpaths::program

@@ -23,7 +23,7 @@ constexpr std::string_view kStandardInput = "-";
 
 struct GetOptions {
     std::string set;
-    std::vector<std::string> numbers;  // "N", "A:B", "A:B:STEP", "-" for more from standard input
+    std::vector<std::string> numbers;  // "N", "A:B", "A:B:STEP", "-" for standard input
     bool groups = false;
     OutputOptions output;
     MessageOptions messages;
@@ -103,15 +103,12 @@ void takeStandardInput(std::uint64_t setSize, Printer& printer) {
 }
 
 ExitStatus get(const GetOptions& options) {
+    const PathSet set = openSet(options.set);
     std::vector<std::optional<NumberRange>> wanted;  // nothing where standard input is to be read
     for (const std::string& text : options.numbers) {
         wanted.emplace_back();
-        if (text != kStandardInput) wanted.back() = parseNumberRange(text);
+        if (text != kStandardInput) wanted.back() = parseNumberRange(text, set.size());
     }
-
-    const PathSet set = openSet(options.set);
-    for (const std::optional<NumberRange>& range : wanted)
-        if (range) range->requireIn(set.size());
 
     Printer printer(set, options);
     for (const std::optional<NumberRange>& range : wanted) {
@@ -133,10 +130,13 @@ Verb getVerb() {
         .name = "get",
         .synopsis = "SET NUMBER...",
         .summary = "print paths by number",
-        .examples = {"zqpaths get usr.zqp 1 10:20 100:1:-1", "seq 100 200 | zqpaths get usr.zqp -"},
+        .examples = {"zqpaths get usr.zqp 1 10:20 -5: 100:1:-1",
+                     "seq 100 200 | zqpaths get usr.zqp -"},
         .details =
             "A:B is all numbers from A to B, both included, A:B:STEP each STEP-th of them. "
-            "Only a STEP below zero counts down, as in 20:10:-1. Numbers given as arguments "
+            "Only a STEP below zero counts down, as in 20:10:-1. A number below zero counts from "
+            "the end, and without A or B the range goes to the set's: -1 is the last path, -5: the "
+            "last five, :5 the first five, ::100 each hundredth. Numbers given as arguments "
             "are checked before anything is printed, those on standard input as they come, "
             "apart by white space.",
         .options = rows(setArgument(options->set),

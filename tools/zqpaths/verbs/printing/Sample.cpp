@@ -1,5 +1,6 @@
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
@@ -13,7 +14,7 @@ namespace {
 struct SampleOptions {
     std::string set;
     std::uint64_t count = 1;
-    std::uint64_t seed = 0;
+    std::optional<std::uint64_t> seed;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -23,7 +24,7 @@ struct SampleOptions {
 Verb sampleVerb() {
     const auto options = std::make_shared<SampleOptions>();
     return {.name = "sample",
-            .synopsis = "SET -n K --seed S",
+            .synopsis = "SET -n K [--seed S]",
             .summary = "print paths chosen at random",
             .examples = {"zqpaths sample usr.zqp -n 10 --seed 7",
                          "zqpaths sample data.zqp -n 1000 --seed 1 -0 | xargs -0 du -ch"},
@@ -33,7 +34,8 @@ Verb sampleVerb() {
                             seedOption(options->seed), outputOptions(options->output),
                             messageOptions(options->messages)),
             .run = [options] {
-                printInRandomOrder(openSet(options->set), options->count, options->seed, "sampling",
+                printInRandomOrder(openSet(options->set), options->count,
+                                   seedFor(options->seed, options->messages), "sampling",
                                    options->output, options->messages);
                 return ExitStatus::kDone;
             }};

@@ -1,5 +1,6 @@
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
@@ -12,7 +13,7 @@ namespace {
 
 struct ShuffleOptions {
     std::string set;
-    std::uint64_t seed = 0;
+    std::optional<std::uint64_t> seed;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -22,7 +23,7 @@ struct ShuffleOptions {
 Verb shuffleVerb() {
     const auto options = std::make_shared<ShuffleOptions>();
     return {.name = "shuffle",
-            .synopsis = "SET --seed S",
+            .synopsis = "SET [--seed S]",
             .summary = "print all paths in a random order",
             .examples = {"zqpaths shuffle usr.zqp --seed 7",
                          "zqpaths shuffle data.zqp --seed 7 | head"},
@@ -30,8 +31,8 @@ Verb shuffleVerb() {
                             outputOptions(options->output), messageOptions(options->messages)),
             .run = [options] {
                 const PathSet set = openSet(options->set);
-                printInRandomOrder(set, set.size(), options->seed, "shuffling", options->output,
-                                   options->messages);
+                printInRandomOrder(set, set.size(), seedFor(options->seed, options->messages),
+                                   "shuffling", options->output, options->messages);
                 return ExitStatus::kDone;
             }};
 }

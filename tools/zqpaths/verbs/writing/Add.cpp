@@ -16,14 +16,14 @@ struct AddOptions {
 };
 
 ExitStatus add(const AddOptions& options) {
-    const std::unique_ptr<PathSource> source = openSource(options.source);
+    const std::unique_ptr<PathSource> source = openSource(options.source, options.set);
     GrowingSet set(options.set, PathSetWriter::Mode::kAppend, "adding", options.messages);
-    source->visit([&set](std::string_view path) { set.add(path); });
+    const SourceReport report = source->visit([&set](std::string_view path) { set.add(path); });
     if (set.addedCount() > 0)
         set.save();
     else
         set.tellSize();
-    return statusAfter(*source, options.source.ignoreUnreadable);
+    return statusAfter(report, options.source, options.messages);
 }
 
 }  // namespace

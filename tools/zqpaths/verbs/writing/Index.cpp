@@ -18,13 +18,13 @@ struct IndexOptions {
 };
 
 ExitStatus index(const IndexOptions& options) {
-    const std::unique_ptr<PathSource> source = openSource(options.source);
+    const std::unique_ptr<PathSource> source = openSource(options.source, options.set);
     GrowingSet set(options.set, modeOfNew(options.force), "indexing", options.messages);
-    source->visit([&set](std::string_view path) { set.add(path); });
+    const SourceReport report = source->visit([&set](std::string_view path) { set.add(path); });
     if (set.addedCount() == 0)
         throw Failure(ExitStatus::kFailed, "no paths in " + printableNames(options.source));
     set.save();
-    return statusAfter(*source, options.source.ignoreUnreadable);
+    return statusAfter(report, options.source, options.messages);
 }
 
 }  // namespace

@@ -9,6 +9,16 @@ load ../setup
     [ "$(zqpaths get s.zqp 5:1:-2 1:5:3 2 2)" = $'e\nc\na\na\nd\nb\nb' ]
 }
 
+@test "ranges reach the set's ends, and numbers below zero count from the end" {
+    make_set s.zqp a b c d e
+    [ "$(zqpaths get s.zqp -1 -2:)" = $'e\nd\ne' ]
+    [ "$(zqpaths get s.zqp :2 4: ::4)" = $'a\nb\nd\ne\na\ne' ]
+    [ "$(zqpaths get -0 s.zqp -- -4::-1 | tr '\0' ' ')" = 'b a ' ]
+    [ "$(zqpaths get s.zqp - <<<'-1 :1 ::-2')" = $'e\na\ne\nc\na' ]
+    fails_with 2 'there is no path -6 in this set of 5 paths' zqpaths get s.zqp 1 -6:
+    fails_with 2 'standard input: line 2: there is no path -6' zqpaths get s.zqp - <<<$'\n-6'
+}
+
 @test "every odd name is at its number" {
     make_odd_set s.zqp
     local count

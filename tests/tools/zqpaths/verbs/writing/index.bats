@@ -164,8 +164,7 @@ is_set_of() {
         "${as_user[@]}" test -x "$ZQPATHS" -a -r . || skip "root reads all, and cannot step down"
     fi
     run -2 --separate-stderr "${as_user[@]}" "$ZQPATHS" index s.zqp tree
-    [ "$(grep -c 'tree/closed: Permission denied' <<<"$stderr")" -eq 1 ]
-    [[ $stderr == *"1 directory could not be read"* ]]
+    [[ $stderr == *"1 directory could not be read: tree/closed: Permission denied"* ]]
     [ "$(zqpaths list s.zqp)" = tree/open/x ]
     "${as_user[@]}" "$ZQPATHS" index t.zqp --ignore-unreadable tree
     [ "$(zqpaths list t.zqp)" = tree/open/x ]
@@ -187,7 +186,7 @@ is_set_of() {
     [ "$(zqpaths list t.zqp)" = $'tree/a/x\ntree/b/y' ]
     ln -s .. tree/a/up
     run -2 --separate-stderr zqpaths index u.zqp --follow tree
-    [[ $stderr == *"tree/a/up: is tree, in which it is: a loop"* ]]
+    [[ $stderr == *"1 directory could not be read: tree/a/up: is tree, in which it is: a loop"* ]]
     [ "$(zqpaths list u.zqp)" = $'tree/a/x\ntree/b/y' ]
 }
 
