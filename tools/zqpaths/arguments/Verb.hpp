@@ -88,6 +88,10 @@ Option number(std::string names, std::string value, unsigned& taken, std::string
 Option argument(std::string name, std::string& taken, std::string description);
 Option arguments(std::string name, std::vector<std::string>& taken, std::string description);
 
+/// An option with a value that may be given again and again.
+Option texts(std::string names, std::string value, std::vector<std::string>& taken,
+             std::string description);
+
 Option required(Option option);
 Option excluding(std::string other, Option option);
 
