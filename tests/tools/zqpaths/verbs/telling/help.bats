@@ -41,5 +41,5 @@ load ../setup
 @test "what is missing is told, with the usage" {
     fails_with 2 $'find: PATTERN is missing\nUsage: zqpaths find [OPTIONS] SET PATTERN' \
         zqpaths find s.zqp
-    fails_with 2 'split: --rank R and --of N are missing' zqpaths split s.zqp
+    fails_with 2 'export: --tree-string FILE and --path-tree FILE are missing' zqpaths export s.zqp
 }
