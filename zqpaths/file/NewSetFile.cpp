@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <optional>
@@ -35,9 +36,13 @@ void requireFree(const std::string& path) {
 /// Throws Error kNotASet unless the file is one that may give way to a set.
 void requireReplaceable(const SystemFile& file) {
     requireRegularFile(file);
-    std::array<std::byte, kPageSize> page{};
-    const std::size_t size = file.readAt(0, page);
-    if (!isOfOurs(std::span(page).first(size)))
+    std::array<std::byte, kTellingFront> front{};
+    std::array<std::byte, kTellingEnd> end{};
+    const std::size_t frontSize = file.readAt(0, front);
+    const std::uint64_t endSize = std::min<std::uint64_t>(file.size(), end.size());
+    const std::size_t endRead =
+        file.readAt(file.size() - endSize, std::span(end).first(static_cast<std::size_t>(endSize)));
+    if (!isOfOurs(std::span(front).first(frontSize), std::span(end).first(endRead)))
         throw Error(ErrorKind::kNotASet, file.name(), kIsNoSet);
 }
 

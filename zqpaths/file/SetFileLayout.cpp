@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "compressedpaths/Image.hpp"
 #include "compressedpaths/sixpacks/ByteReader.hpp"
 #include "compressedpaths/store/Hashing.hpp"
 #include "zqpaths/Error.hpp"
@@ -91,6 +92,21 @@ bool holdsAt(std::span<const std::byte> bytes, std::size_t offset,
 
 bool isDatabase(std::span<const std::byte> page) noexcept {
     return holdsAt(page, 0, std::as_bytes(std::span(kOlderForm)));
+}
+
+/// Whether a front that has lost its magic number has the rest of a header.
+bool hasHeader(std::span<const std::byte> front) noexcept {
+    if (front.size() < kHeaderSize) return false;
+    std::array<std::byte, kHeaderSize> header{};
+    std::copy_n(front.begin(), kHeaderSize, header.begin());
+    std::copy(kMagic.begin(), kMagic.end(), header.begin());
+    return hasItsSum(header);
+}
+
+/// Whether bytes begin with a superblock.
+bool hasSuperblock(std::span<const std::byte> bytes) noexcept {
+    return bytes.size() >= kSuperblockSize &&
+           decodeSuperblock(bytes.first<kSuperblockSize>()).has_value();
 }
 
 /// A part of a file, or nothing if it does not lie between the header and `end`.
@@ -241,10 +257,15 @@ std::array<std::byte, kPageSize> encodeHeader(const Header& header) {
     return page;
 }
 
-bool isOfOurs(std::span<const std::byte> page) noexcept {
-    return holdsAt(page, 0, kMagic) ||
-           (isDatabase(page) &&
-            holdsAt(page, kOlderOwnerOffset, std::as_bytes(std::span(kOlderOwner))));
+bool isOfOurs(std::span<const std::byte> front, std::span<const std::byte> end) noexcept {
+    const auto magic = std::span(kMagic).first(std::min(front.size(), kMagic.size()));
+    if (holdsAt(front, 0, magic) || hasHeader(front)) return true;
+    if (isDatabase(front))
+        return holdsAt(front, kOlderOwnerOffset, std::as_bytes(std::span(kOlderOwner)));
+    for (const std::size_t offset : kSuperblockOffsets)
+        if (front.size() >= offset && hasSuperblock(front.subspan(offset))) return true;
+    return hasSuperblock(end) ||
+           holdsAt(front, kPageSize, std::as_bytes(std::span(compressedpaths::image::kMagic)));
 }
 
 std::optional<Superblock> decodeSuperblock(std::span<const std::byte, kSuperblockSize> bytes) {

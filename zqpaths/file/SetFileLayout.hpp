@@ -100,9 +100,16 @@ struct Header {
 Header decodeHeader(std::span<const std::byte> page);
 std::array<std::byte, kPageSize> encodeHeader(const Header& header);
 
-/// True if a file that begins so may give way to a set: it is one, whole or damaged, of whatever
-/// version, or of the older form.
-bool isOfOurs(std::span<const std::byte> page) noexcept;
+/// How much of a file tells whose it is: bytes at its front, and at its end.
+inline constexpr std::size_t kTellingFront = 2 * kPageSize;
+inline constexpr std::size_t kTellingEnd = kSuperblockSize;
+
+/// True if a file with this front and this end, as far as it has so many bytes, may give way to a
+/// set: it is one, of whatever version, whole or damaged, or of the older form. Any part that no
+/// other file has will do: the magic number or what is left of it, the header with its sum, a
+/// superblock with its sum, or the image of a first segment. A file without bytes holds nothing
+/// that could be lost.
+bool isOfOurs(std::span<const std::byte> front, std::span<const std::byte> end) noexcept;
 
 /// Nothing if the bytes are damaged or no superblock can say this.
 std::optional<Superblock> decodeSuperblock(std::span<const std::byte, kSuperblockSize> bytes);

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "compressedpaths/BPathTreeExceptions.hpp"
 #include "compressedpaths/HuffmanPathTree.hpp"
@@ -17,6 +18,7 @@
 #include "zqpaths/set/SetBuilding.hpp"
 #include "zqpaths/set/TreeStringBytes.hpp"
 #include "zqpaths/text/PathComponents.hpp"
+#include "zqpaths/text/PathText.hpp"
 
 namespace zqpaths {
 namespace {
@@ -60,6 +62,18 @@ std::u16string charactersOf(const SavedPieces& pieces) {
     return treeStringOf(pieces.treeString);
 }
 
+/// A code tells its characters apart, each in its place, and no more of them.
+void requireAllPlaces(const HuffmanPathTree& set, const std::u16string& characters,
+                      const std::string& name) {
+    const std::vector<bool> shape = set.getBoolTree();
+    const auto places = static_cast<std::size_t>(std::ranges::count(shape, true));
+    if (characters.size() <= places) return;
+    const std::size_t excess = characters.size() - places;
+    throw Error(ErrorKind::kDamaged, name,
+                "has " + std::to_string(excess) +
+                    (excess == 1 ? " character too many" : " characters too many"));
+}
+
 /// Calls `visit(path)` for all paths that have numbers, in their order.
 template <class Visit>
 void forEachPath(const HuffmanPathTree& set, Visit visit) {
@@ -69,7 +83,8 @@ void forEachPath(const HuffmanPathTree& set, Visit visit) {
 
 /// Reads all paths of a saved set in both ways, by number and by the walk, and refuses a set in
 /// which these are not the same. It is known by hashes of 64 bits: two paths of one hash pass for
-/// one.
+/// one. Every name is read through the code and coded again, which gives the same bits unless one
+/// of the two pieces is damaged.
 class PathCheck {
 public:
     PathCheck(HuffmanPathTree& set, const std::string& name) : set_(set), name_(name) {}
@@ -81,6 +96,7 @@ public:
         ownCount_ = std::max(ownCount_, set_.size() - numbered_.size());
         std::ranges::sort(numbered_);
         walk();
+        readNames();
         if (ownCount_ > 0)
             refuse(std::to_string(ownCount_) + " paths were added on their own, without a number");
     }
@@ -101,6 +117,27 @@ private:
                 ++strangeCount;
         }
         ownCount_ = std::max(ownCount_, strangeCount);
+    }
+
+    void readNames() {
+        compressedpaths::Path before;
+        compressedpaths::Path path;
+        for (set_.resetPathsToBTree(); set_.hasNextPathFromBTree();) {
+            path.clear();
+            set_.getNextPathFromBTree(path);
+            // The folders that a path has in common with the one before have been read.
+            const auto [own, ended] = std::ranges::mismatch(path, before);
+            for (auto name = own; name != path.end(); ++name) requireSameCode(*name);
+            std::swap(path, before);
+        }
+    }
+
+    void requireSameCode(const compressedpaths::Bytes& code) {
+        const std::u16string name = set_.generatePathFrom(code);
+        if (set_.generateCodeFor(name) == code) return;
+        std::string text;
+        appendBytes(name, text);
+        refuse("the name " + text + " is not coded as its characters are");
     }
 
     static std::uint64_t hashOf(std::string_view path) noexcept {
@@ -141,7 +178,10 @@ void importPieces(SavedPieces pieces, PathSetWriter& writer) {
     HuffmanPathTree set;
     readPiece(pieces.pathTreeName, [&] { set.deserialize(pieces.pathTree, true); });
     pieces.pathTree = {};
-    readPiece(pieces.treeStringName, [&] { set.inflateHuffman(characters); });
+    readPiece(pieces.treeStringName, [&] {
+        set.inflateHuffman(characters);
+        requireAllPlaces(set, characters, pieces.treeStringName);
+    });
     readPiece(pieces.pathTreeName, [&] {
         PathCheck(set, pieces.pathTreeName).requireWhole();
         forEachPath(set, [&writer](std::string_view path) { writer.add(path); });

@@ -36,9 +36,11 @@ struct SavedPieces {
 /// is larger than the saved form can say. Takes what one set of all paths takes. O(bytes).
 ZQPATHS_EXPORT SavedPieces exportPieces(const PathSet& set);
 
-/// Adds the paths of a saved set in the order of their numbers, after all of them have been read.
-/// Throws Error kDamaged, with the name of the piece, before anything is added; also if the set has
-/// paths that were added on their own, which have no numbers. Throws what adding throws. O(bytes).
+/// Adds the paths of a saved set in the order of their numbers, after all of them have been read,
+/// each name through the code and back. Characters that stand in each other's places make other
+/// names, and nothing in the pieces tells. Throws Error kDamaged, with the name of the piece,
+/// before anything is added; also if the set has paths that were added on their own, which have no
+/// numbers. Throws what adding throws. O(bytes).
 ZQPATHS_EXPORT void importPieces(SavedPieces pieces, PathSetWriter& writer);
 
 }  // namespace zqpaths

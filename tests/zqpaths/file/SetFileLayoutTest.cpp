@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 
+#include "compressedpaths/Image.hpp"
 #include "tests/support/SetFileSums.hpp"
 #include "tests/support/SetFiles.hpp"
 
@@ -81,11 +83,48 @@ TEST(SetFileHeader, mayHaveFlagsThatNobodyKnows) {
     EXPECT_EQ(stateOf(file).header.flags, 0xFFFFFFFFU);
 }
 
+/// What a writer that may replace a set is told of a file.
+bool isOfOurs(const FileBytes& file) {
+    const std::span<const std::byte> bytes(file);
+    return zqpaths::isOfOurs(bytes.first(std::min(bytes.size(), kTellingFront)),
+                             bytes.last(std::min(bytes.size(), kTellingEnd)));
+}
+
 TEST(SetFileHeader, isToldFromOtherFiles) {
-    const auto page = encodeHeader({});
-    EXPECT_TRUE(isOfOurs(page));
-    EXPECT_FALSE(isOfOurs({}));
-    EXPECT_FALSE(isOfOurs(bytesOf("a text")));
+    EXPECT_TRUE(isOfOurs(fileOf({})));
+    for (const char* text : {"a text", "\x89PNG\r\n\x1A\n", "zqp"}) {
+        const auto bytes = bytesOf(text);
+        EXPECT_FALSE(isOfOurs(FileBytes(bytes.begin(), bytes.end()))) << text;
+    }
+    for (const std::size_t size : {1, 511, 4096, 5000, 20'000})
+        EXPECT_FALSE(isOfOurs(FileBytes(size))) << size;
+}
+
+TEST(SetFileHeader, isToldWhereverTheFileIsCut) {
+    const FileBytes whole = fileOf({});
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        EXPECT_TRUE(
+            isOfOurs(FileBytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))));
+}
+
+TEST(SetFileHeader, isToldByWhateverIsLeftOfAFile) {
+    const FileBytes whole = fileOf({});
+    const auto without = [&whole](std::size_t begin, std::size_t end) {
+        FileBytes file = whole;
+        std::fill(file.begin() + static_cast<std::ptrdiff_t>(begin),
+                  file.begin() + static_cast<std::ptrdiff_t>(end), std::byte{0});
+        return file;
+    };
+    EXPECT_TRUE(isOfOurs(without(0, 1)));                       // the magic number
+    EXPECT_TRUE(isOfOurs(without(0, kHeaderSize)));             // the header
+    EXPECT_TRUE(isOfOurs(without(0, kSuperblockOffsets[1])));   // and a superblock
+    EXPECT_TRUE(isOfOurs(without(0, kPageSize)));               // the whole page
+    EXPECT_TRUE(isOfOurs(without(kHeaderSize, whole.size())));  // all but the header
+    EXPECT_FALSE(isOfOurs(without(1, whole.size())));           // all but one byte
+    FileBytes image = without(0, whole.size());
+    std::ranges::copy(std::as_bytes(std::span(compressedpaths::image::kMagic)),
+                      image.begin() + kPageSize);
+    EXPECT_TRUE(isOfOurs(image));
 }
 
 TEST(SetFileSuperblock, comesBack) {

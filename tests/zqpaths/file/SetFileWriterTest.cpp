@@ -104,9 +104,28 @@ TEST_F(ASetFileWriter, replacesADamagedSetAndOneOfTheOlderForm) {
     EXPECT_THAT(segmentsOf(path_), ElementsAre("newer"));
 }
 
+TEST_F(ASetFileWriter, replacesASetHoweverItIsDamaged) {
+    write(Mode::kCreate, {"old"});
+    const std::string whole = contentOf(path_);
+    std::vector<std::string> damaged;
+    for (const std::size_t size : {0, 1, 7, 8, 600, 4096, 4100})
+        damaged.push_back(whole.substr(0, size));
+    for (const std::size_t byte : {0, 3, 7, 9, 600, 1100, 4096}) {
+        damaged.push_back(whole);
+        damaged.back().at(byte) ^= 1;
+    }
+    damaged.push_back(std::string(4096, 'x') + whole.substr(4096));
+    for (const std::string& content : damaged) {
+        writeContent(path_, content);
+        write(Mode::kReplace, {"new"});
+        EXPECT_THAT(segmentsOf(path_), ElementsAre("new"));
+    }
+}
+
 TEST_F(ASetFileWriter, neverReplacesWhatIsNoSet) {
     const std::string database = std::string("SQLite format 3\0", 16) + std::string(500, 'x');
-    for (const std::string& content : {std::string(), std::string("text"), database}) {
+    for (const std::string& content :
+         {std::string("text"), std::string(10'000, '\0'), std::string("\x89PNG\r\n"), database}) {
         writeContent(path_, content);
         const Refusal refusal = refusalOfOpening(Mode::kReplace);
         EXPECT_EQ(refusal.kind, ErrorKind::kNotASet);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -148,6 +149,39 @@ TEST_F(PiecesTest, areRefusedWithTooFewCharacters) {
     SavedPieces pieces = exportPieces(set({"abc/def"}));
     pieces.treeString.resize(pieces.treeString.size() - 2);
     EXPECT_THAT(refusal(pieces), StartsWith("the tree string: "));
+}
+
+TEST_F(PiecesTest, areRefusedWithMoreCharactersThanTheCodeHas) {
+    SavedPieces pieces = exportPieces(set({"abc/def"}));
+    pieces.treeString.insert(pieces.treeString.end(), {'z', 0});
+    EXPECT_EQ(refusal(pieces), "the tree string: has 1 character too many");
+}
+
+TEST_F(PiecesTest, areRefusedWhereACharacterStandsForAnother) {
+    // Each name is read through the code: with one character in two places, what is read cannot be
+    // written again as it was.
+    const SavedPieces whole = exportPieces(set({"abc/def", "abc/fed", "g"}));
+    std::size_t refused = 0;
+    for (std::size_t from = 0; from < whole.treeString.size(); from += 2) {
+        SavedPieces pieces = whole;
+        const std::size_t to = (from + 2) % pieces.treeString.size();
+        std::copy_n(whole.treeString.begin() + static_cast<std::ptrdiff_t>(from), 2,
+                    pieces.treeString.begin() + static_cast<std::ptrdiff_t>(to));
+        if (refusal(pieces) != "nothing") ++refused;
+    }
+    EXPECT_EQ(refused, whole.treeString.size() / 2);
+}
+
+TEST_F(PiecesTest, areRefusedWithBitsInANameThatAreNoCharacter) {
+    HuffmanPathTree host;
+    const std::vector<double> frequencies(4, 1.0);
+    host.deflateHuffman(frequencies.data(), u"abcd");  // code words of two bits
+    std::vector<compressedpaths::Bytes> folder{host.generateCodeFor(u"a")};
+    std::vector<compressedpaths::Bytes> files{host.generateCodeFor(u"bc")};
+    files.front().back() = 5;  // one bit more than two characters have
+    host.addPathToBTree(folder, files);
+    EXPECT_EQ(refusal(piecesOf(host)),
+              "the path tree: the name bc is not coded as its characters are");
 }
 
 TEST_F(PiecesTest, areRefusedWhereTheTreeIsDamaged) {

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
+#include <deque>
 
 #include "tools/zqpaths/DeferredSignals.hpp"
 #include "tools/zqpaths/Failure.hpp"
@@ -30,14 +31,19 @@ bool isNoRegularFile(const std::string& path) {
     return ::stat(path.c_str(), &file) == 0 && !S_ISREG(file.st_mode);
 }
 
+Failure failureThere(const std::string& path) {
+    return failureAt(path, "is there already; --force replaces it");
+}
+
 /// A file beside the one that it is to become, gone if it does not.
 class FileBeside {
 public:
-    explicit FileBeside(const std::string& path)
+    /// `number` tells those apart that one process makes at a time.
+    FileBeside(const std::string& path, std::size_t number)
         : path_(path),
           // A short name of its own, because the name may be as long as names can be.
           temporaryPath_(path.substr(0, path.rfind('/') + 1) + ".zqpaths-" +
-                         std::to_string(::getpid())),
+                         std::to_string(::getpid()) + "-" + std::to_string(number)),
           file_(::open(temporaryPath_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kMode)) {
         if (!file_.isOpen()) throw systemFailureAt(path_, errno);
     }
@@ -52,9 +58,18 @@ public:
         if (::fsync(file_.number()) != 0) throw systemFailureAt(path_, errno);
     }
 
-    void takePlace() {
-        if (::rename(temporaryPath_.c_str(), path_.c_str()) != 0)
-            throw systemFailureAt(path_, errno);
+    void takePlace(bool mayReplace) {
+        const char* const from = temporaryPath_.c_str();
+        const char* const to = path_.c_str();
+        const unsigned flags = mayReplace ? 0 : RENAME_NOREPLACE;
+        int result = ::renameat2(AT_FDCWD, from, AT_FDCWD, to, flags);
+        // Not every file system can look and rename in one step.
+        if (result != 0 && (errno == EINVAL || errno == ENOSYS)) {
+            if (!mayReplace) requireFree(path_);
+            result = ::rename(from, to);
+        }
+        if (result != 0 && errno == EEXIST) throw failureThere(path_);
+        if (result != 0) throw systemFailureAt(path_, errno);
         temporaryPath_.clear();
     }
 
@@ -80,15 +95,24 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path) {
     return bytes;
 }
 
-void writeWholeFile(const std::string& path, const std::vector<std::uint8_t>& bytes) {
-    if (isNoRegularFile(path)) {
-        writeAll(openFile(path, O_WRONLY).number(), bytes.data(), bytes.size(), path);
-        return;
-    }
+void requireFree(const std::string& path) {
+    struct stat file {};
+    if (::lstat(path.c_str(), &file) == 0 && !isNoRegularFile(path)) throw failureThere(path);
+}
+
+void writeWholeFiles(const std::vector<WholeFile>& files, bool mayReplace) {
     const DeferredSignals signals;
-    FileBeside file(path);
-    file.write(bytes);
-    file.takePlace();
+    std::deque<FileBeside> beside;
+    for (const WholeFile& file : files) {
+        if (!mayReplace) requireFree(file.path);
+        if (isNoRegularFile(file.path)) continue;
+        beside.emplace_back(file.path, beside.size()).write(file.bytes);
+    }
+    for (const WholeFile& file : files)
+        if (isNoRegularFile(file.path))
+            writeAll(openFile(file.path, O_WRONLY).number(), file.bytes.data(), file.bytes.size(),
+                     file.path);
+    for (FileBeside& file : beside) file.takePlace(mayReplace);
 }
 
 }  // namespace zqpaths::program

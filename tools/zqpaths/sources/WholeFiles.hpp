@@ -12,9 +12,18 @@ namespace zqpaths::program {
 /// All bytes of a file, which may be a pipe. Throws Failure kFailed.
 std::vector<std::uint8_t> readWholeFile(const std::string& path);
 
-/// Writes the bytes. A file that is there is replaced when the new one is whole, and nothing else
-/// is left also if a signal comes meanwhile; pipes and devices stay what they are and take the
-/// bytes. Throws Failure kFailed.
-void writeWholeFile(const std::string& path, const std::vector<std::uint8_t>& bytes);
+/// A file to be written, and what is to be in it.
+struct WholeFile {
+    std::string path;
+    const std::vector<std::uint8_t>& bytes;
+};
+
+/// Throws Failure kFailed if there is a file that writing would replace; pipes and devices stay.
+void requireFree(const std::string& path);
+
+/// Writes files that belong together. What is there is replaced, if it may be, when all new ones
+/// are whole, and nothing else is left also if a signal comes meanwhile; pipes and devices stay
+/// what they are and take the bytes. Throws Failure kFailed, as a rule before anything is replaced.
+void writeWholeFiles(const std::vector<WholeFile>& files, bool mayReplace);
 
 }  // namespace zqpaths::program

@@ -100,6 +100,22 @@ is_set_of() {
     [ "$(zqpaths list s.zqp)" = new ]
 }
 
+@test "a damaged set is replaced with --force, and no other file" {
+    make_set whole.zqp old
+    local file
+    head -c 5 whole.zqp >short.zqp
+    : >empty.zqp
+    { head -c 4096 /dev/zero && tail -c +4097 whole.zqp; } >overwritten.zqp
+    for file in short empty overwritten; do
+        fails_with 2 'is there already; --force' zqpaths index "$file.zqp" --list - <<<new
+        zqpaths index "$file.zqp" --force --list - <<<new
+        [ "$(zqpaths list "$file.zqp")" = new ]
+    done
+    echo text >text
+    fails_with 2 'text: is no saved set' zqpaths index text --force --list - <<<new
+    [ "$(<text)" = text ]
+}
+
 @test "a set that is there is seen before the source is read" {
     make_set s.zqp old
     mkfifo never
