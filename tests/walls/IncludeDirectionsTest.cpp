@@ -89,7 +89,8 @@ TEST(IncludeDirections, theLibraryKnowsItselfAndTheCore) {
 TEST(IncludeDirections, theDoorsOfTheLibraryLeadNowhereElse) {
     const Folders doors{"zqpaths/Error.hpp",       "zqpaths/Export.hpp",
                         "zqpaths/PathSet.hpp",     "zqpaths/PathSetWriter.hpp",
-                        "zqpaths/PathVisitor.hpp", "zqpaths/Pattern.hpp"};
+                        "zqpaths/PathVisitor.hpp", "zqpaths/Pattern.hpp",
+                        "zqpaths/WorkWatcher.hpp"};
     for (const std::string& door : doors) expectOnly(includesOf(door), doors);
 }
 

@@ -10,6 +10,7 @@
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/output/Base64.hpp"
 #include "tools/zqpaths/output/JsonText.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
 #include "zqpaths/text/PathText.hpp"
 
 namespace zqpaths::program {
@@ -192,6 +193,8 @@ void Output::line(std::string_view text) {
 }
 
 void Output::finish() {
+    if (buffer_.empty()) return;
+    const Progress::Room room;  // the output may go to the same terminal
     writeAll(STDOUT_FILENO, buffer_);
     buffer_.clear();
 }

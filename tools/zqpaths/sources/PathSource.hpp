@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "tools/zqpaths/ExitStatus.hpp"
@@ -26,6 +27,9 @@ public:
     /// Gives all paths. Throws Failure kFailed for a list that cannot be read, or, with its line,
     /// that holds an empty path or a NUL; and what the visitor throws. Called once.
     virtual void visit(const std::function<void(std::string_view path)>& visitor) = 0;
+
+    /// How much of it has been given, from 0 to 1, if that can be foretold; asked on any thread.
+    virtual std::optional<double> partGiven() const noexcept { return std::nullopt; }
 
     /// The directories that could not be read; each was told on standard error.
     virtual std::uint64_t unreadableCount() const noexcept = 0;

@@ -99,7 +99,7 @@ Verb findVerb() {
             flag("-i,--ignore-case", options->ignoreCase, "without regard to case"),
             flag("-c,--count", options->countOnly, "print only how many match"),
             flag("-q,--quiet", options->statusOnly, "print nothing; status 0 if something matches"),
-            outputOptions(options->output), progressOption(options->messages)),
+            outputOptions(options->output), progressOptions(options->messages)),
         .run = [options] { return find(*options); }};
 }
 

@@ -11,6 +11,7 @@
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Output.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/output/SetReport.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
@@ -63,6 +64,7 @@ SetReport reportOn(const std::string& file) {
 }
 
 ExitStatus info(const InfoOptions& options) {
+    const Progress progress("looking", options.messages);
     const SetReport report = reportOn(options.set);
     Output output({});
     if (options.json) {

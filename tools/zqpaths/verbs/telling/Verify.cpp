@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -24,9 +25,25 @@ struct VerifyOptions {
     MessageOptions messages;
 };
 
+enum Phase : std::size_t { kSumming, kReading, kComparing };
+
+/// Measured with the lists that bench/RESULTS.md names, in memory.
+std::vector<WorkPhase> phases(bool isDiskCompared) {
+    std::vector<WorkPhase> phases{{"summing", WorkUnit::kBytes, 1},
+                                  {"reading", WorkUnit::kPaths, 9}};
+    if (isDiskCompared) phases.push_back({"comparing with the disk", WorkUnit::kPaths, 40});
+    return phases;
+}
+
 /// Tells every damage but the last, which it throws.
-void requireNoDamage(const PathSet& set) {
-    const std::vector<Error> damages = set.verify();
+void requireNoDamage(const PathSet& set, Progress& progress) {
+    std::uint64_t size = 0;
+    for (const PathSet::Segment& segment : set.segments()) size += segment.size;
+    progress.expect(size);
+    const std::vector<Error> damages = set.verify([&](WorkStep step, std::uint64_t items) {
+        if (step == WorkStep::kReading) progress.begin(kReading, set.size());
+        progress.advance(items);
+    });
     if (damages.empty()) return;
     for (std::size_t i = 0; i + 1 < damages.size(); ++i) tell(printableText(damages[i].what()));
     throw Error(damages.back());
@@ -38,9 +55,9 @@ struct DiskResult {
 };
 
 /// Prints the paths that are not there.
-DiskResult compareWithDisk(const PathSet& set, Output& output, const MessageOptions& messages) {
+DiskResult compareWithDisk(const PathSet& set, Output& output, Progress& progress) {
     DiskResult result;
-    Progress progress("comparing", messages, set.size());
+    progress.begin(kComparing, set.size());
     set.forEach([&](std::uint64_t number, std::string_view path) {
         try {
             if (!isOnDisk(std::string(path))) {
@@ -63,13 +80,14 @@ ExitStatus statusOf(const DiskResult& result) {
 
 ExitStatus verify(const VerifyOptions& options) {
     const PathSet set = openSet(options.set);
-    requireNoDamage(set);
+    Progress progress("verifying", phases(options.disk), options.messages);
+    requireNoDamage(set, progress);
     std::string summary = printablePath(options.set) + ": " + groupDigits(set.size()) +
                           (set.size() == 1 ? " path" : " paths") + ", all whole";
     Output output({});
     DiskResult result;
     if (options.disk) {
-        result = compareWithDisk(set, output, options.messages);
+        result = compareWithDisk(set, output, progress);
         summary += ", " + groupDigits(result.missingCount) + " missing on disk";
     }
     // Where missing paths are printed, nothing else is.

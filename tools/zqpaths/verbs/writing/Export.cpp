@@ -1,8 +1,12 @@
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/sources/WholeFiles.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
@@ -17,10 +21,27 @@ struct ExportOptions {
     MessageOptions messages;
 };
 
+enum Phase : std::size_t { kReading, kCoding, kPacking, kWriting };
+/// Measured with the lists that bench/RESULTS.md names; packing cannot be counted.
+std::vector<WorkPhase> phases() {
+    return {{"reading", WorkUnit::kPaths, 4},
+            {"coding", WorkUnit::kPaths, 10},
+            {"packing", WorkUnit::kPaths, 90},
+            {"writing", WorkUnit::kPaths, 1}};
+}
+
 ExitStatus exportSet(const ExportOptions& options) {
     if (options.pieces.treeString == options.pieces.pathTree)
         throw Failure(ExitStatus::kFailed, "the two pieces need two files");
-    const SavedPieces pieces = exportPieces(openSet(options.set));
+    const PathSet set = openSet(options.set);
+    Progress progress("exporting", phases(), options.messages);
+    progress.expect(set.size());
+    const SavedPieces pieces = exportPieces(set, [&](WorkStep step, std::uint64_t items) {
+        if (step == WorkStep::kPacking) progress.begin(kPacking);
+        if (step == WorkStep::kCoding) progress.begin(kCoding, set.size());
+        progress.advance(items);
+    });
+    progress.begin(kWriting);
     writeWholeFile(options.pieces.treeString, pieces.treeString);
     writeWholeFile(options.pieces.pathTree, pieces.pathTree);
     return ExitStatus::kDone;
