@@ -221,17 +221,21 @@ void PathSet::walk(PathVisitor visit) const {
 // --- The file.
 
 std::vector<Error> PathSet::verify() const {
+    return verify(WorkWatcher());
+}
+
+std::vector<Error> PathSet::verify(const WorkWatcher& watch) const {
     const auto& segments = opened_->segments();
     std::vector<Error> damages;
     try {
-        damages = opened_->file().verifySums();
+        damages = opened_->file().verifySums(watch);
     } catch (const Error& damage) {
         if (damage.kind() != ErrorKind::kDamaged) throw;
         return {damage};  // too short to be looked into
     }
     const auto verifyOne = [&](std::size_t i) -> std::optional<Error> {
         try {
-            segments[i].verify();
+            segments[i].verify(watch);
             return std::nullopt;
         } catch (const Error& damage) {
             return damage;

@@ -34,6 +34,7 @@
 #include "zqpaths/Export.hpp"
 #include "zqpaths/PathVisitor.hpp"
 #include "zqpaths/Pattern.hpp"
+#include "zqpaths/WorkWatcher.hpp"
 
 namespace zqpaths {
 
@@ -112,6 +113,10 @@ public:
     /// Everything that is damaged, after all sums and offsets have been looked at; nothing if the
     /// set is whole. O(size of the file), on all cores.
     std::vector<Error> verify() const;
+
+    /// The same; `watch` is told of the bytes of segments that have been summed and of the paths
+    /// that have been read, each once.
+    std::vector<Error> verify(const WorkWatcher& watch) const;
 
     /// What the file is made of.
     struct Segment {

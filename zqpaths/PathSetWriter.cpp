@@ -68,12 +68,19 @@ public:
 
     std::uint64_t size() const noexcept { return pathCount_; }
 
+    void watch(WorkWatcher watcher) {
+        if (!failure_)
+            doOrFail([this] { building_.finish(); });  // it may be telling the former one
+        watcher_ = std::move(watcher);
+    }
+
     void commit() {
         if (failure_ || isCommitted_) refuseMore();
         doOrFail([this] {
             building_.finish();
             if (isAppending_ && !hasAdded_) return;
             if (hasAdded_) writeLast();
+            if (watcher_) watcher_(WorkStep::kSyncing, 0);
             file_.commit();
         });
         isCommitted_ = true;
@@ -119,7 +126,7 @@ private:
 
     void write(const CollectedPaths& paths) {
         try {
-            file_.append(buildSegment(paths, form_, threadCount()).view());
+            file_.append(buildSegment(paths, form_, threadCount(), watcher_).view());
         } catch (const compressedpaths::SetTooLargeException&) {
             throw Error(ErrorKind::kWrongUse, name_, "a path is too long");
         }
@@ -169,6 +176,7 @@ private:
     bool hasPassedOn_ = false;
     bool isCommitted_ = false;
     std::exception_ptr failure_;
+    WorkWatcher watcher_;
     BackgroundWork building_;  // the last: it is waited for before the others go
 };
 
@@ -182,6 +190,11 @@ PathSetWriter::~PathSetWriter() = default;
 void PathSetWriter::add(std::string_view path) {
     assert(work_);  // a writer that was moved from takes nothing
     work_->add(path);
+}
+
+void PathSetWriter::watch(WorkWatcher watcher) {
+    assert(work_);
+    work_->watch(std::move(watcher));
 }
 
 std::uint64_t PathSetWriter::size() const noexcept {

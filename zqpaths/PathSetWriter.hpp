@@ -23,6 +23,7 @@
 
 #include "zqpaths/Error.hpp"
 #include "zqpaths/Export.hpp"
+#include "zqpaths/WorkWatcher.hpp"
 
 namespace zqpaths {
 
@@ -49,6 +50,11 @@ public:
     /// for what went wrong with those before, and the writer then takes no more: every call says
     /// so. Amortised O(bytes).
     void add(std::string_view path);
+
+    /// Has `watcher` told from the next call on of the paths that are coded, those of small
+    /// segments that are joined among them, and of the moment from which on commit waits for the
+    /// device. It may be called until the writer is gone.
+    void watch(WorkWatcher watcher);
 
     /// Paths that the set will have: those that were there and those added.
     std::uint64_t size() const noexcept;

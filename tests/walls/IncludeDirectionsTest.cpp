@@ -93,6 +93,7 @@ TEST(IncludeDirections, theDoorsOfTheLibraryLeadNowhereElse) {
                         "zqpaths/PathSetWriter.hpp",
                         "zqpaths/PathVisitor.hpp",
                         "zqpaths/Pattern.hpp",
+                        "zqpaths/WorkWatcher.hpp",
                         "zqpaths/choosing/PathParts.hpp",
                         "zqpaths/choosing/Permutation.hpp",
                         "zqpaths/choosing/Share.hpp"};

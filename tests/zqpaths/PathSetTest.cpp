@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <random>
@@ -332,6 +333,24 @@ void changeByte(const std::string& file, std::uint64_t offset) {
 TEST(PathSet, isVerifiedWhole) {
     EXPECT_TRUE(sample().open().verify().empty());
     EXPECT_TRUE(manyPaths().open().verify().empty());
+}
+
+TEST(PathSet, tellsHowFarItIsVerified) {
+    for (const auto& make : {sample, manyPaths}) {
+        const SegmentedSet made = make();
+        const PathSet set = made.open();
+        std::uint64_t size = 0;
+        for (const PathSet::Segment& segment : set.segments()) size += segment.size;
+        std::atomic<std::uint64_t> summed{0};
+        std::atomic<std::uint64_t> read{0};
+        const auto watch = [&](WorkStep step, std::uint64_t items) {
+            if (step == WorkStep::kSumming) summed += items;
+            if (step == WorkStep::kReading) read += items;
+        };
+        EXPECT_TRUE(set.verify(watch).empty());
+        EXPECT_EQ(summed, size);
+        EXPECT_EQ(read, set.size());
+    }
 }
 
 TEST(PathSet, namesTheSegmentsThatAreDamaged) {

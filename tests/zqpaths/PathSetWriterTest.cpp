@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <atomic>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -179,6 +180,22 @@ TEST_F(PathSetWriterTest, keepsAnyBytesInBothForms) {
         EXPECT_EQ(segments().front().form,
                   form == Form::kPacked ? SegmentForm::kPacked : SegmentForm::kImage);
     }
+}
+
+TEST_F(PathSetWriterTest, tellsHowFarItIs) {
+    std::atomic<std::uint64_t> coded{0};
+    std::atomic<int> syncCount{0};
+    PathSetWriter writer(file_);
+    writer.watch([&](WorkStep step, std::uint64_t items) {
+        if (step == WorkStep::kCoding) coded += items;
+        if (step == WorkStep::kSyncing) ++syncCount;
+    });
+    constexpr std::uint64_t kCount = CollectedPaths::kMaxPaths + 1;
+    for (std::uint64_t i = 0; i < kCount; ++i) writer.add("a/b" + std::to_string(i % 1000));
+    EXPECT_EQ(syncCount, 0);
+    writer.commit();
+    EXPECT_EQ(coded, kCount);
+    EXPECT_EQ(syncCount, 1);
 }
 
 TEST_F(PathSetWriterTest, makesSeveralSegmentsOfMuchText) {

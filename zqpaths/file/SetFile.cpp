@@ -107,7 +107,7 @@ void SetFile::verifyHeader(std::vector<Error>& damages) const {
                    "with it is not seen"));
 }
 
-std::vector<Error> SetFile::verifySums() const {
+std::vector<Error> SetFile::verifySums(const WorkWatcher& watch) const {
     requireWhole();
     std::vector<Error> damages;
     verifyHeader(damages);
@@ -121,6 +121,7 @@ std::vector<Error> SetFile::verifySums() const {
         if (sumOf(bytesOf(entry)) != entry.sum)
             damages.push_back(damage("segment " + std::to_string(i + 1) + " at byte " +
                                      std::to_string(entry.offset) + ": the sum differs"));
+        if (watch) watch(WorkStep::kSumming, entry.size);
     }
     return damages;
 }

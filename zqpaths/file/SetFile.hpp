@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "zqpaths/Error.hpp"
+#include "zqpaths/WorkWatcher.hpp"
 #include "zqpaths/file/SetFileLayout.hpp"
 #include "zqpaths/file/SystemFile.hpp"
 
@@ -46,7 +47,7 @@ public:
 
     /// What is damaged of header, directory and segments by their sums. Throws Error as
     /// requireWhole does, kSystem. O(size).
-    std::vector<Error> verifySums() const;
+    std::vector<Error> verifySums(const WorkWatcher& watch = {}) const;
 
 private:
     /// The bytes of a file, mapped for as long as this lives.

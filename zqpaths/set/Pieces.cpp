@@ -157,17 +157,26 @@ private:
 }  // namespace
 
 SavedPieces exportPieces(const PathSet& set) {
+    return exportPieces(set, WorkWatcher());
+}
+
+SavedPieces exportPieces(const PathSet& set, const WorkWatcher& watch) {
     const unsigned threads = threadCount();
     CharacterCounts counts;
-    collectAll(set, [&](const CollectedPaths& paths) { countCharacters(paths, threads, counts); });
+    collectAll(set, [&](const CollectedPaths& paths) {
+        countCharacters(paths, threads, counts);
+        if (watch) watch(WorkStep::kReading, paths.size());
+    });
     HuffmanPathTree whole;
     makeCode(counts, whole);
     SavedPieces pieces;
     try {
-        collectAll(set, [&](const CollectedPaths& paths) { addPaths(paths, threads, whole); });
+        collectAll(set,
+                   [&](const CollectedPaths& paths) { addPaths(paths, threads, whole, watch); });
     } catch (const compressedpaths::SetTooLargeException& error) {
         throw Error(ErrorKind::kWrongUse, set.file(), error.what());
     }
+    if (watch) watch(WorkStep::kPacking, 0);
     appendTreeString(whole.getTreeString(), pieces.treeString);
     whole.serialize(pieces.pathTree, true);
     return pieces;

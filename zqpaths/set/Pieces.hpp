@@ -36,6 +36,10 @@ struct SavedPieces {
 /// is larger than the saved form can say. Takes what one set of all paths takes. O(bytes).
 ZQPATHS_EXPORT SavedPieces exportPieces(const PathSet& set);
 
+/// The same; `watch` is told of the paths that have been read, then of those that have been coded,
+/// all each time, and of the moment from which on they are packed.
+ZQPATHS_EXPORT SavedPieces exportPieces(const PathSet& set, const WorkWatcher& watch);
+
 /// Adds the paths of a saved set in the order of their numbers, after all of them have been read,
 /// each name through the code and back. Characters that stand in each other's places make other
 /// names, and nothing in the pieces tells. Throws Error kDamaged, with the name of the piece,

@@ -13,6 +13,8 @@ namespace {
 
 using compressedpaths::HuffmanPathTree;
 
+constexpr std::size_t kPathsATelling = 4096;  // to a watcher
+
 /// More than the body of a saved form takes whose paths are text of this size: a byte of text is
 /// sixteen bits of code at most on average, and no name, position or total has a share of its own
 /// without at least one byte. What claims to be longer is not inflated.
@@ -46,17 +48,19 @@ void Segment::appendPath(std::size_t position, std::string& text) const {
     text.erase(size, joined.size() - pathOfComponents(joined).size());
 }
 
-void Segment::verify() const {
-    translated([this] {
+void Segment::verify(const WorkWatcher& watch) const {
+    translated([&] {
         if (entry_.form == SegmentForm::kImage)
             HuffmanPathTree::verifyImage(file_->bytesOf(entry_));
         const auto set = openAnew();
         std::uint64_t textSize = 0;
         forEachPathOf(*set, {1, set->size()}, [&](std::size_t position, std::string_view path) {
             textSize += path.size() + 1;
+            if (watch && position % kPathsATelling == 0) watch(WorkStep::kReading, kPathsATelling);
             if (path.empty() || path.find('\0') != std::string_view::npos)
                 refuse("path number " + std::to_string(position) + " of it is none");
         });
+        if (watch) watch(WorkStep::kReading, set->size() % kPathsATelling);
         if (textSize != entry_.textSize)
             refuse("its paths are " + std::to_string(textSize) +
                    " bytes of text, the directory says " + std::to_string(entry_.textSize));

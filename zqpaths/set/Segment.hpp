@@ -18,6 +18,7 @@
 
 #include "compressedpaths/HuffmanPathTree.hpp"
 #include "compressedpaths/store/Lazy.hpp"
+#include "zqpaths/WorkWatcher.hpp"
 #include "zqpaths/file/SetFile.hpp"
 #include "zqpaths/text/PathComponents.hpp"
 
@@ -78,8 +79,8 @@ public:
     }
 
     /// Throws Error kDamaged unless all its offsets and sums hold and it has the paths that the
-    /// directory says it has. O(bytes).
-    void verify() const;
+    /// directory says it has. `watch` is told of paths that have been read. O(bytes).
+    void verify(const WorkWatcher& watch = {}) const;
 
     /// What `work(set())` gives. What it throws, lack of memory aside, means that the set is
     /// damaged and becomes an Error that says so; so it must not call what belongs to others.

@@ -61,7 +61,8 @@ SegmentBytes BuiltSegment::view() const noexcept {
     return {form, pathCount, textSize, treeStringSize, std::as_bytes(bytes.values())};
 }
 
-BuiltSegment buildSegment(const CollectedPaths& paths, SegmentForm form, unsigned threads) {
+BuiltSegment buildSegment(const CollectedPaths& paths, SegmentForm form, unsigned threads,
+                          const WorkWatcher& watch) {
     assert(!paths.isEmpty());
     HuffmanPathTree set;
     {
@@ -69,7 +70,7 @@ BuiltSegment buildSegment(const CollectedPaths& paths, SegmentForm form, unsigne
         countCharacters(paths, threads, counts);
         makeCode(counts, set);
     }
-    addPaths(paths, threads, set);
+    addPaths(paths, threads, set, watch);
 
     BuiltSegment segment{form, paths.size(), paths.textSize(), 0, {}};
     if (form == SegmentForm::kImage)

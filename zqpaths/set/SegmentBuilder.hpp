@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "compressedpaths/store/FlatArray.hpp"
+#include "zqpaths/WorkWatcher.hpp"
 #include "zqpaths/file/SetFileWriter.hpp"
 #include "zqpaths/set/CollectedPaths.hpp"
 
@@ -26,7 +27,9 @@ struct BuiltSegment {
 };
 
 /// A segment of these paths, at least one; the same bytes whatever the threads. Throws
-/// std::bad_alloc, and the core's SetTooLargeException for a path of some gigabytes. O(bytes).
-BuiltSegment buildSegment(const CollectedPaths& paths, SegmentForm form, unsigned threads);
+/// std::bad_alloc, and the core's SetTooLargeException for a path of some gigabytes. A watcher, if
+/// there is one, is told of the paths that have been coded. O(bytes).
+BuiltSegment buildSegment(const CollectedPaths& paths, SegmentForm form, unsigned threads,
+                          const WorkWatcher& watch = {});
 
 }  // namespace zqpaths

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "compressedpaths/CodedBatch.hpp"
@@ -103,13 +104,20 @@ void makeCode(const CharacterCounts& counts, HuffmanPathTree& set) {
     set.deflateHuffman(counts.frequencies().data(), counts.characters());
 }
 
-void addPaths(const CollectedPaths& paths, unsigned threads, HuffmanPathTree& set) {
+void addPaths(const CollectedPaths& paths, unsigned threads, HuffmanPathTree& set,
+              const WorkWatcher& watch) {
     const std::vector<std::size_t> ends = sliceEnds(paths);
     const CodeTables& tables = set.codeTables();  // which adding leaves as they are
+    std::size_t added = 0;
+    std::size_t slice = 0;
     makeInOrder(
         ends.size(), threads,
         [&](std::size_t i) { return codeSlice(paths, i == 0 ? 0 : ends[i - 1], ends[i], tables); },
-        [&](const std::unique_ptr<CodedBatch>& batch) { set.addCodedBatch(*batch); });
+        [&](const std::unique_ptr<CodedBatch>& batch) {
+            set.addCodedBatch(*batch);
+            const std::size_t before = std::exchange(added, ends[slice++]);
+            if (watch) watch(WorkStep::kCoding, added - before);
+        });
 }
 
 }  // namespace zqpaths

@@ -12,6 +12,7 @@
 // Threads: free functions without state; they start threads and join them.
 
 #include "compressedpaths/HuffmanPathTree.hpp"
+#include "zqpaths/WorkWatcher.hpp"
 #include "zqpaths/set/CharacterCounts.hpp"
 #include "zqpaths/set/CollectedPaths.hpp"
 
@@ -25,7 +26,9 @@ void countCharacters(const CollectedPaths& paths, unsigned threads, CharacterCou
 void makeCode(const CharacterCounts& counts, compressedpaths::HuffmanPathTree& set);
 
 /// Adds paths whose characters all have been counted; neighbouring ones of one folder as one entry.
-/// Throws std::bad_alloc and the core's SetTooLargeException. O(bytes).
-void addPaths(const CollectedPaths& paths, unsigned threads, compressedpaths::HuffmanPathTree& set);
+/// A watcher, if there is one, is told of them. Throws std::bad_alloc and the core's
+/// SetTooLargeException. O(bytes).
+void addPaths(const CollectedPaths& paths, unsigned threads, compressedpaths::HuffmanPathTree& set,
+              const WorkWatcher& watch = {});
 
 }  // namespace zqpaths

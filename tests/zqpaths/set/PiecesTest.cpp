@@ -99,6 +99,18 @@ TEST_F(PiecesTest, areThoseOfTheCore) {
     EXPECT_EQ(text, "usr/lib/a");
 }
 
+TEST_F(PiecesTest, tellHowFarTheyAre) {
+    std::vector<std::uint64_t> items(5);
+    const auto watch = [&items](WorkStep step, std::uint64_t count) {
+        items[static_cast<std::size_t>(step)] += count;
+    };
+    const Paths paths = randomPaths(20, 1);
+    const PathSet made = set(paths, 7);
+    EXPECT_EQ(exportPieces(made, watch).pathTree, exportPieces(made).pathTree);
+    EXPECT_EQ(items[static_cast<std::size_t>(WorkStep::kReading)], paths.size());
+    EXPECT_EQ(items[static_cast<std::size_t>(WorkStep::kCoding)], paths.size());
+}
+
 TEST_F(PiecesTest, ofAnEmptySetGiveAnEmptySet) {
     EXPECT_EQ(pathsOf(imported(exportPieces(set({})))), Paths());
 }

@@ -14,7 +14,10 @@ Each path has a number, from 1 on in the order in which it was added, and is fou
 A path is any bytes but NUL; it comes back as it was.
 .PP
 Paths are printed on standard output, messages and progress on standard error.
-Progress is shown on a terminal only, and when the work takes over a second.
+Progress is shown on a terminal only, and when the work takes over a second;
+with
+.B \-\-progress=json
+it is written wherever standard error leads, an object a line.
 .PP
 With
 .B \-\-json

@@ -21,8 +21,18 @@ Option seedOption(std::optional<std::uint64_t>& seed) {
         "the same seed gives the same paths everywhere; without one, one is drawn and told");
 }
 
-Option progressOption(MessageOptions& messages) {
-    return flag("--no-progress", messages.noProgress, "show no progress");
+std::vector<Option> progressOptions(MessageOptions& messages) {
+    Option how{
+        "--progress", "HOW",
+        "show progress as a line on a terminal (auto), as JSON objects on standard error, or "
+        "not at all",
+        [&messages](const std::string& word) {
+            messages.jsonProgress = word == "json";
+            messages.noProgress = word == "none";
+        }};
+    how.words = {"auto", "json", "none"};
+    return rows(std::move(how), excluding("--progress", flag("--no-progress", messages.noProgress,
+                                                             "as --progress none")));
 }
 
 std::vector<Option> outputOptions(OutputOptions& output) {
@@ -40,7 +50,7 @@ std::vector<Option> outputOptions(OutputOptions& output) {
 }
 
 std::vector<Option> messageOptions(MessageOptions& messages) {
-    return rows(flag("-q,--quiet", messages.quiet, "tell errors only"), progressOption(messages));
+    return rows(flag("-q,--quiet", messages.quiet, "tell errors only"), progressOptions(messages));
 }
 
 namespace {

@@ -24,6 +24,7 @@ struct OutputOptions {
 struct MessageOptions {
     bool quiet = false;  // errors only
     bool noProgress = false;
+    bool jsonProgress = false;  // objects, to be read by programs; also if quiet
 };
 
 /// Where paths come from.
@@ -52,7 +53,7 @@ struct PieceOptions {
 Option setArgument(std::string& set);
 Option forceOption(bool& force);
 Option seedOption(std::optional<std::uint64_t>& seed);
-Option progressOption(MessageOptions& messages);  // the last of messageOptions()
+std::vector<Option> progressOptions(MessageOptions& messages);  // the last of messageOptions()
 std::vector<Option> outputOptions(OutputOptions& output);
 std::vector<Option> messageOptions(MessageOptions& messages);
 std::vector<Option> sourceOptions(SourceOptions& source);

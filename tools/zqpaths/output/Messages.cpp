@@ -7,7 +7,7 @@
 namespace zqpaths::program {
 
 void tell(std::string_view message) noexcept {
-    Progress::makeRoom();
+    const Progress::Room room;
     // There is nobody left to tell that this failed.
     static_cast<void>(
         std::fprintf(stderr, "zqpaths: %.*s\n", static_cast<int>(message.size()), message.data()));

@@ -1,35 +1,35 @@
 #include "tools/zqpaths/output/Progress.hpp"
 
+#include <pthread.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <iostream>
-#include <limits>
+#include <array>
+#include <csignal>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
-#include "tools/zqpaths/output/Figures.hpp"
+#include "tools/zqpaths/output/Terminal.hpp"
 
 namespace zqpaths::program {
 namespace {
 
+using namespace std::chrono_literals;
 using Seconds = std::chrono::duration<double>;
 
-constexpr Seconds kSilence{1.0};
-constexpr Seconds kBetweenDrawings{0.1};
-// The clock is read some fifty times a second however fast items come: the stride between two looks
-// doubles while they come closer together than this, and halves while they come further apart.
-constexpr Seconds kShortLook{0.01};
-constexpr Seconds kLongLook{0.04};
-constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
+constexpr std::chrono::milliseconds kSilence = 1s;  // before the first line
+constexpr std::chrono::milliseconds kBetweenDrawings = 100ms;
+constexpr std::chrono::milliseconds kBetweenLines = 10s;
+constexpr std::chrono::milliseconds kBetweenObjects = 500ms;
 constexpr std::size_t kUsualWidth = 80;
 
-Progress* shownProgress = nullptr;  // the one that may have a line on the terminal
+// What turns shows that the program lives, also where nothing is counted.
+constexpr std::array<std::string_view, 4> kAsciiWheel{"|", "/", "-", "\\"};
+constexpr std::array<std::string_view, 10> kWheel{"⠋", "⠙", "⠹", "⠸", "⠼", "⠴", "⠦", "⠧", "⠇", "⠏"};
 
-bool isWanted(const MessageOptions& messages, Progress::Prints prints) {
-    if (messages.quiet || messages.noProgress || isatty(STDERR_FILENO) == 0) return false;
-    return prints == Progress::Prints::kNothing || isatty(STDOUT_FILENO) == 0;
-}
+Progress* shownProgress = nullptr;  // the one that may have a line on the terminal
 
 std::size_t terminalWidth() {
     winsize size{};
@@ -37,63 +37,159 @@ std::size_t terminalWidth() {
     return size.ws_col;
 }
 
+/// A job in the background leaves the terminal to that in front.
+bool isInBackground() {
+    const pid_t foreground = tcgetpgrp(STDERR_FILENO);
+    return foreground >= 0 && foreground != getpgrp();
+}
+
+/// In one piece, so that no other line gets in between.
+void write(const std::string& text) {
+    // There is nobody left to tell that this failed.
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+}
+
 }  // namespace
 
 Progress::Progress(std::string work, const MessageOptions& messages,
                    std::optional<std::uint64_t> total, Prints prints)
-    : work_(std::move(work)), total_(total) {
-    if (!isWanted(messages, prints)) {
-        nextLook_ = kNever;
-        return;
-    }
-    start_ = lastLook_ = lastDrawn_ = Clock::now();
+    : Progress(std::move(work), {{"", WorkUnit::kPaths, 1}}, messages, prints) {
+    if (total) expect(*total);
+}
+
+Progress::Progress(std::string work, std::vector<WorkPhase> phases, const MessageOptions& messages,
+                   Prints prints)
+    : work_(std::move(work)), phases_(std::move(phases)), form_(formFor(messages, prints)) {
+    if (form_ == Form::kNone) return;
+    start();
     shownProgress = this;
 }
 
 Progress::~Progress() {
-    if (shownProgress != this) return;
-    erase();
+    if (form_ == Form::kNone) return;
     shownProgress = nullptr;
+    {
+        const std::lock_guard lock(mutex_);
+        isEnded_ = true;
+    }
+    ended_.notify_all();
+    if (thread_.joinable()) thread_.join();
+    erase();
+    if (form_ == Form::kJson) draw();
 }
 
-void Progress::makeRoom() {
-    if (shownProgress != nullptr) shownProgress->erase();
+Progress::Form Progress::formFor(const MessageOptions& messages, Prints prints) {
+    if (messages.noProgress) return Form::kNone;
+    if (messages.jsonProgress) return Form::kJson;
+    if (messages.quiet || isatty(STDERR_FILENO) == 0) return Form::kNone;
+    if (prints == Prints::kPaths && isatty(STDOUT_FILENO) != 0) return Form::kNone;
+    const bool isDumb = environmentValue("TERM").value_or("dumb") == "dumb";
+    return isDumb ? Form::kLines : Form::kLine;
 }
 
-void Progress::look() {
-    const Clock::time_point now = Clock::now();
-    const Seconds sinceLook = now - lastLook_;
-    if (sinceLook < kShortLook) stride_ *= 2;
-    if (sinceLook > kLongLook) stride_ = std::max<std::uint64_t>(stride_ / 2, 1);
-    lastLook_ = now;
-    nextLook_ = done_ + stride_;
-
-    const Seconds sinceStart = now - start_;
-    if (sinceStart < kSilence || now - lastDrawn_ < kBetweenDrawings) return;
-    lastDrawn_ = now;
-    draw(sinceStart.count());
+/// Starts the thread that draws; where the system gives none, nothing is drawn. Signals are for
+/// those that have work to give up.
+void Progress::start() {
+    sigset_t all;
+    sigset_t former;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &former);
+    try {
+        thread_ = std::thread([this] { drawUntilEnd(); });
+    } catch (const std::system_error&) {
+        form_ = Form::kNone;
+    }
+    pthread_sigmask(SIG_SETMASK, &former, nullptr);
 }
 
-void Progress::draw(double seconds) {
-    const double rate = static_cast<double>(done_) / seconds;
-    std::string line = work_ + ": " + groupDigits(done_);
-    if (total_) line += " of " + groupDigits(*total_);
-    line += ", " + fixedPoint(rate, 0) + "/s";
-    if (total_ && rate > 0 && done_ <= *total_)
-        line += ", " + durationText(static_cast<double>(*total_ - done_) / rate) + " left";
+void Progress::begin(std::size_t phase, std::optional<std::uint64_t> total) {
+    const std::lock_guard lock(mutex_);
+    if (total) phases_.expect(phase, *total);
+    if (phases_.current() == phase) return;
+    phases_.begin(phase);
+    askedPart_ = nullptr;
+    phaseStart_ = Clock::now();
+}
 
-    // The last column stays free: some terminals go on to the next line after it.
-    const std::size_t width = std::min(line.size(), terminalWidth() - 1);
-    line.resize(std::max(width, drawnWidth_), ' ');
-    std::fill(line.begin() + static_cast<std::ptrdiff_t>(width), line.end(), ' ');
-    std::cerr << '\r' + line;
-    drawnWidth_ = width;
+void Progress::expectBy(std::function<std::optional<double>()> part) {
+    const std::lock_guard lock(mutex_);
+    askedPart_ = std::move(part);
+}
+
+void Progress::drawUntilEnd() {
+    std::unique_lock lock(mutex_);
+    const auto wait = [&](std::chrono::milliseconds time) {
+        return ended_.wait_for(lock, time, [this] { return isEnded_; });
+    };
+    if (form_ != Form::kJson && wait(kSilence)) return;
+    const std::chrono::milliseconds pause = form_ == Form::kJson    ? kBetweenObjects
+                                            : form_ == Form::kLines ? kBetweenLines
+                                                                    : kBetweenDrawings;
+    do draw();
+    while (!wait(pause));
+}
+
+void Progress::draw() {
+    ++drawingCount_;
+    if (form_ == Form::kJson)
+        write(progressJson(state()) + '\n');
+    else if (isInBackground())
+        isDrawn_ = false;
+    else if (form_ == Form::kLines)
+        write(progressLine(state()) + '\n');
+    else
+        drawLine(progressLine(state()));
+}
+
+/// The cursor goes back to where the line begins. So it stays there if the terminal becomes
+/// narrower and breaks the line, and all rows of it are cleared from there on.
+void Progress::drawLine(const std::string& line) {
+    static const bool isUtf8 = isUtf8Locale();
+    const std::string_view wheel = isUtf8 ? kWheel[drawingCount_ % kWheel.size()]
+                                          : kAsciiWheel[drawingCount_ % kAsciiWheel.size()];
+    // The wheel and a space take two columns; the last one stays free, for some terminals go on to
+    // the next line after it.
+    const std::size_t room = std::max<std::size_t>(terminalWidth(), 3) - 3;
+    write("\r" + std::string(wheel) + ' ' + line.substr(0, room) + "\x1b[J\r");
+    isDrawn_ = true;
 }
 
 void Progress::erase() {
-    if (drawnWidth_ == 0) return;
-    std::cerr << '\r' + std::string(drawnWidth_, ' ') + '\r';
-    drawnWidth_ = 0;
+    if (isDrawn_) write("\r\x1b[J");
+    isDrawn_ = false;
+}
+
+ProgressState Progress::state() const {
+    const std::optional<double> part = partOfPhase();
+    const std::size_t phase = phases_.current();
+    const Clock::time_point now = Clock::now();
+    return {.work = work_,
+            .phase = phases_.phase(phase).name,
+            .unit = phases_.phase(phase).unit,
+            .done = phases_.done(phase),
+            .total = phases_.total(phase),
+            .part = part ? std::optional(phases_.partDone(*part)) : std::nullopt,
+            .seconds = Seconds(now - start_).count(),
+            .phaseSeconds = Seconds(now - phaseStart_).count()};
+}
+
+/// By what is asked or counted; else by the time, which the phases before it took for their share.
+/// One that takes longer than that is not foretold.
+std::optional<double> Progress::partOfPhase() const {
+    if (askedPart_) return askedPart_();
+    if (const auto counted = phases_.partOfCurrent()) return counted;
+    const std::optional<double> share = phases_.shareForThoseBefore();
+    if (!share) return std::nullopt;
+    const Seconds expected = *share * (phaseStart_ - start_);
+    const Seconds passed = Clock::now() - phaseStart_;
+    if (passed >= expected) return std::nullopt;
+    return passed / expected;
+}
+
+Progress::Room::Room() {
+    if (shownProgress == nullptr) return;
+    lock_ = std::unique_lock(shownProgress->mutex_);
+    shownProgress->erase();
 }
 
 }  // namespace zqpaths::program

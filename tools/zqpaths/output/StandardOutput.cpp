@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -35,6 +36,8 @@ void writeAll(int descriptor, std::string_view bytes) {
 }  // namespace
 
 void StandardOutput::flush() {
+    if (buffer_.empty()) return;
+    const Progress::Room room;  // it may go to the same terminal
     writeAll(STDOUT_FILENO, buffer_);
     buffer_.clear();
 }

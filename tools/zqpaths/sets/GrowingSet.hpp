@@ -12,9 +12,11 @@
 // Threads: one set at a time, on one thread.
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tools/zqpaths/DeferredSignals.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
@@ -44,6 +46,15 @@ public:
         progress_.advance();
     }
 
+    /// Counts a path that was read and is not to be added.
+    void pass() noexcept { progress_.advance(); }
+
+    /// Asks `part` how much of what is to be added has been read, for who cannot tell how many
+    /// paths come; on any thread, until the set is saved or gone.
+    void expectBy(std::function<std::optional<double>()> part) {
+        progress_.expectBy(std::move(part));
+    }
+
     /// For who adds paths otherwise; they are not counted, and no signal ends it.
     PathSetWriter& writer() noexcept { return *writer_; }
 
@@ -59,10 +70,12 @@ private:
     const std::string file_;
     const MessageOptions messages_;
     std::uint64_t addedCount_ = 0;
-    // In this order: a signal that came takes effect when the writer has discarded what it has.
+    std::uint64_t sizeBefore_ = 0;
+    // In this order: a signal that came takes effect when the writer has discarded what it has, and
+    // the writer tells of its progress until it is gone.
     const DeferredSignals signals_;
-    std::optional<PathSetWriter> writer_;
     Progress progress_;
+    std::optional<PathSetWriter> writer_;
 };
 
 }  // namespace zqpaths::program

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -21,6 +22,7 @@ public:
         : source_(std::move(source)), excluded_(filters.exclude), scope_("", filters.maxDepth) {}
 
     SourceReport visit(const std::function<void(std::string_view path)>& visitor) override;
+    std::optional<double> partGiven() const noexcept override { return source_->partGiven(); }
 
 private:
     std::unique_ptr<PathSource> source_;

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -37,15 +38,29 @@ FileDescriptor openList(const std::string& fileName, const std::string& name) {
     return file;
 }
 
+/// What a regular file has still to give; of others that is not known.
+std::uint64_t sizeOf(const FileDescriptor& file) {
+    struct stat status {};
+    if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+    const off_t begin = std::max<off_t>(::lseek(file.number(), 0, SEEK_CUR), 0);
+    return static_cast<std::uint64_t>(std::max<off_t>(status.st_size - begin, 0));
+}
+
 }  // namespace
 
 ListSource::ListSource(const std::string& fileName, bool nulDelimited)
     : name_(nameOf(fileName)),
       delimiter_(nulDelimited ? '\0' : '\n'),
-      file_(openList(fileName, name_)) {}
+      file_(openList(fileName, name_)),
+      size_(sizeOf(file_)) {}
 
 std::string ListSource::printableName(const std::string& fileName) {
     return printablePath(nameOf(fileName));
+}
+
+std::optional<double> ListSource::partGiven() const noexcept {
+    if (size_ == 0) return std::nullopt;
+    return std::min(1.0, static_cast<double>(givenSize_) / static_cast<double>(size_));
 }
 
 SourceReport ListSource::visit(const std::function<void(std::string_view path)>& visitor) {
@@ -69,6 +84,7 @@ SourceReport ListSource::visit(const std::function<void(std::string_view path)>&
             rest.remove_prefix(end + 1);
         }
         heldCount = rest.size();
+        givenSize_ += readCount;
         std::memmove(buffer.data(), rest.data(), heldCount);
     }
     if (heldCount > 0) give({buffer.data(), heldCount});

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -27,6 +28,9 @@ public:
     /// Gives all paths. Throws Failure kFailed for a list that cannot be read, or, with its line,
     /// that holds an empty path or a NUL; and what the visitor throws. Called once.
     virtual SourceReport visit(const std::function<void(std::string_view path)>& visitor) = 0;
+
+    /// How much of it has been given, from 0 to 1, if that can be foretold; asked on any thread.
+    virtual std::optional<double> partGiven() const noexcept { return std::nullopt; }
 };
 
 /// A source for a set; its file, also the one that is being written when the paths are visited, is

@@ -106,7 +106,7 @@ Verb findVerb() {
             outputOptions(options->output),
             excluding("--fields", flag("-n,--number", options->numbered,
                                        "print the number and a tab before each path")),
-            progressOption(options->messages)),
+            progressOptions(options->messages)),
         .run = [options] { return find(*options); }};
 }
 

@@ -8,6 +8,7 @@
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Output.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/output/SetReport.hpp"
 #include "tools/zqpaths/output/TerminalCharacters.hpp"
 #include "tools/zqpaths/sets/MemoryInUse.hpp"
@@ -65,6 +66,7 @@ SetReport reportOn(const std::string& file) {
 }
 
 ExitStatus info(const InfoOptions& options) {
+    const Progress progress("looking", options.messages);
     const SetReport report = reportOn(options.set);
     Output output({});
     if (options.json) {

@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -26,15 +27,35 @@ struct VerifyOptions {
     MessageOptions messages;
 };
 
+enum Phase : std::size_t { kSumming, kReading, kComparing };
+
+/// Measured with the lists that bench/RESULTS.md names, in memory.
+std::vector<WorkPhase> phases(bool isDiskCompared) {
+    std::vector<WorkPhase> phases{{"summing", WorkUnit::kBytes, 1},
+                                  {"reading", WorkUnit::kPaths, 9}};
+    if (isDiskCompared) phases.push_back({"comparing with the disk", WorkUnit::kPaths, 40});
+    return phases;
+}
+
+std::vector<Error> damagesOf(const PathSet& set, Progress& progress) {
+    std::uint64_t size = 0;
+    for (const PathSet::Segment& segment : set.segments()) size += segment.size;
+    progress.expect(size);
+    return set.verify([&](WorkStep step, std::uint64_t items) {
+        if (step == WorkStep::kReading) progress.begin(kReading, set.size());
+        progress.advance(items);
+    });
+}
+
 struct DiskResult {
     std::uint64_t missingCount = 0;
     std::uint64_t untoldCount = 0;  // the system did not tell
 };
 
 /// Prints the paths that are not there.
-DiskResult compareWithDisk(const PathSet& set, Output& output, const MessageOptions& messages) {
+DiskResult compareWithDisk(const PathSet& set, Output& output, Progress& progress) {
     DiskResult result;
-    Progress progress("comparing", messages, set.size());
+    progress.begin(kComparing, set.size());
     set.forEach([&](std::uint64_t number, std::string_view path) {
         try {
             if (!isOnDisk(std::string(path))) {
@@ -69,8 +90,9 @@ void printResult(const VerifyOptions& options, std::uint64_t pathCount,
 }
 
 /// Tells every damage but the last, which it throws. Programs get them all in one object.
-void requireNoDamage(const PathSet& set, const VerifyOptions& options, Output& output) {
-    const std::vector<Error> damages = set.verify();
+void requireNoDamage(const PathSet& set, const VerifyOptions& options, Output& output,
+                     Progress& progress) {
+    const std::vector<Error> damages = damagesOf(set, progress);
     if (damages.empty()) return;
     if (options.output.json) {
         std::vector<std::string> texts;
@@ -103,9 +125,10 @@ void tellResult(const VerifyOptions& options, std::uint64_t pathCount,
 ExitStatus verify(const VerifyOptions& options) {
     const PathSet set = openSet(options.set);
     Output output(options.output, {.isQuiet = options.messages.quiet});
-    requireNoDamage(set, options, output);
+    Progress progress("verifying", phases(options.disk), options.messages);
+    requireNoDamage(set, options, output, progress);
     std::optional<DiskResult> disk;
-    if (options.disk) disk = compareWithDisk(set, output, options.messages);
+    if (options.disk) disk = compareWithDisk(set, output, progress);
     tellResult(options, set.size(), disk, output);
     output.finish();
     return disk ? statusOf(*disk) : ExitStatus::kDone;

@@ -18,6 +18,7 @@ struct AddOptions {
 ExitStatus add(const AddOptions& options) {
     const std::unique_ptr<PathSource> source = openSource(options.source, options.set);
     GrowingSet set(options.set, PathSetWriter::Mode::kAppend, "adding", options.messages);
+    set.expectBy([&source] { return source->partGiven(); });
     const SourceReport report = source->visit([&set](std::string_view path) { set.add(path); });
     if (set.addedCount() > 0)
         set.save();

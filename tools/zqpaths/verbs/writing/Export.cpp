@@ -1,10 +1,14 @@
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/sources/WholeFiles.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
@@ -20,6 +24,16 @@ struct ExportOptions {
     MessageOptions messages;
 };
 
+enum Phase : std::size_t { kReading, kCoding, kPacking, kWriting };
+
+/// Measured with the lists that bench/RESULTS.md names; packing cannot be counted.
+std::vector<WorkPhase> phases() {
+    return {{"reading", WorkUnit::kPaths, 4},
+            {"coding", WorkUnit::kPaths, 10},
+            {"packing", WorkUnit::kPaths, 90},
+            {"writing", WorkUnit::kPaths, 1}};
+}
+
 bool areOneFile(const std::string& a, const std::string& b) {
     using std::filesystem::absolute;
     using std::filesystem::weakly_canonical;
@@ -34,7 +48,15 @@ ExitStatus exportSet(const ExportOptions& options) {
         throw Failure(ExitStatus::kFailed, "the two pieces need two files");
     if (!options.force)
         for (const std::string& file : {files.treeString, files.pathTree}) requireFree(file);
-    const SavedPieces pieces = exportPieces(openSet(options.set));
+    const PathSet set = openSet(options.set);
+    Progress progress("exporting", phases(), options.messages);
+    progress.expect(set.size());
+    const SavedPieces pieces = exportPieces(set, [&](WorkStep step, std::uint64_t items) {
+        if (step == WorkStep::kPacking) progress.begin(kPacking);
+        if (step == WorkStep::kCoding) progress.begin(kCoding, set.size());
+        progress.advance(items);
+    });
+    progress.begin(kWriting);
     writeWholeFiles({{files.treeString, pieces.treeString}, {files.pathTree, pieces.pathTree}},
                     options.force);
     return ExitStatus::kDone;

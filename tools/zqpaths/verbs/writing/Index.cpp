@@ -20,6 +20,7 @@ struct IndexOptions {
 ExitStatus index(const IndexOptions& options) {
     const std::unique_ptr<PathSource> source = openSource(options.source, options.set);
     GrowingSet set(options.set, modeOfNew(options.force), "indexing", options.messages);
+    set.expectBy([&source] { return source->partGiven(); });
     const SourceReport report = source->visit([&set](std::string_view path) { set.add(path); });
     if (set.addedCount() == 0)
         throw Failure(ExitStatus::kFailed, "no paths in " + printableNames(options.source));

@@ -23,11 +23,16 @@ struct MergeOptions {
 
 /// Each path stands where it is met first.
 ExitStatus merge(const MergeOptions& options) {
-    GrowingSet out(options.out, modeOfNew(options.force), "merging", options.messages);
+    std::uint64_t size = 0;
+    for (const std::string& file : options.sets) size += openSet(file).size();
+    GrowingSet out(options.out, modeOfNew(options.force), "merging", options.messages, size);
     SeenPaths seen;
     for (const std::string& file : options.sets)
         openSet(file).forEach([&](std::uint64_t /*number*/, std::string_view path) {
-            if (seen.insert(path)) out.add(path);
+            if (seen.insert(path))
+                out.add(path);
+            else
+                out.pass();
         });
     if (out.addedCount() == 0) throw Failure(ExitStatus::kFailed, "no paths in these sets");
     out.save();
