@@ -10,7 +10,7 @@
 
 using namespace zqpaths;
 using fuzzing::require;
-using zqpaths::program::printablePath;
+using namespace zqpaths::program;
 
 namespace {
 
@@ -36,9 +36,15 @@ void requireSamePath(const std::string& path) {
 }
 
 void requirePrintable(const std::string& path) {
-    for (const char character : printablePath(path))
-        require(static_cast<unsigned char>(character) >= 0x20 && character != 0x7F,
-                "no control character reaches a terminal");
+    const std::string printed = printableText(path);
+    require(isUtf8(printed), "what is printed is UTF-8");
+    std::u16string text;
+    appendUtf16(printed, text);
+    for (std::u16string_view rest = text; !rest.empty();)
+        require(isShown(codeOf(takeCharacter(rest))), "a terminal shows all that is printed");
+    std::string ascii;
+    appendPrintable(path, Charset::kAscii, ascii);
+    require(shownAsciiPrefix(ascii) == ascii.size(), "a terminal of ASCII gets ASCII");
 }
 
 }  // namespace

@@ -81,8 +81,12 @@ private:
     };
 
     std::size_t findOrAdd(std::size_t parent, const Source& source, const std::u16string& name) {
-        const std::uint64_t hash = compressedpaths::hashOf(
-            name.data(), name.size() * sizeof(char16_t), compressedpaths::processSeed() + parent);
+        // Seeds that lie close together do not tell short names apart: the parent is mixed in
+        // after.
+        const std::uint64_t nameHash = compressedpaths::hashOf(
+            name.data(), name.size() * sizeof(char16_t), compressedpaths::processSeed());
+        const std::uint64_t hash =
+            compressedpaths::hashOf(static_cast<std::uint32_t>(parent), 0, nameHash);
         const auto [place, isNew] = places_.try_emplace(hash, folders_.size());
         if (isNew) {
             const std::uint64_t depth = folders_[parent].depth + (name == kNoFolderName ? 0 : 1);

@@ -57,6 +57,18 @@ TEST_F(SetStatisticsTest, countsPathsFoldersAndNames) {
     EXPECT_EQ(told.packedCount, 0U);
 }
 
+TEST_F(SetStatisticsTest, tellsFoldersOfShortNamesInManyFoldersApart) {
+    // A hash that mixed name and parent badly took folders for one whose parents are 65,536 apart.
+    constexpr int kParents = 66'000;
+    Paths paths;
+    for (int parent = 0; parent < kParents; ++parent)
+        paths.push_back(std::to_string(parent) + "/x");
+    for (int parent = 0; parent < kParents; ++parent)
+        for (const char* name : {"/0/x", "/1/x"}) paths.push_back(std::to_string(parent) + name);
+    write(Mode::kCreate, paths);
+    EXPECT_EQ(statistics().folderCount, 3 * kParents);
+}
+
 TEST_F(SetStatisticsTest, takesFoldersOfAllSegmentsTogether) {
     write(Mode::kCreate, {"a/b/x", "a/y"});
     write(Mode::kAppend, {"a/z", "a/c/x", "a/b/z"});

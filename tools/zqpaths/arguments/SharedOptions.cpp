@@ -37,8 +37,7 @@ std::vector<Option> progressOptions(MessageOptions& messages) {
 
 std::vector<Option> outputOptions(OutputOptions& output) {
     Option fields{"--fields", "FIELDS",
-                  "what to print of each path, apart by commas: number, path, folder, name, "
-                  "extension",
+                  "print these of each path: number,path,folder,name,extension",
                   [&output](const std::string& names) { output.fields = parsePathFields(names); }};
     return rows(
         flag("-0,--null", output.nulTerminated, "end each path with NUL, not with a newline"),

@@ -108,8 +108,7 @@ Verb listVerb() {
         .details =
             "FOLDER counts in whole names and in any number of separators. PATTERN is one "
             "as 'find' takes. The set's own walk goes folder by folder and leaves out a "
-            "path that has others below it. Status 1 tells that nothing in FOLDER, or of the "
-            "depth, matches.",
+            "path that has others below it. Status 1 tells that there is none such path.",
         .options = rows(setArgument(options->set),
                         flag("--walk", options->walk, "in the order of the set's own walk"),
                         text("--under", "FOLDER", options->under, "only paths in this folder"),
