@@ -67,6 +67,13 @@ TEST_F(SetStatisticsTest, takesFoldersOfAllSegmentsTogether) {
     EXPECT_EQ(told.pathCount, 5U);
 }
 
+TEST_F(SetStatisticsTest, takesSeparatorsThatStandTogetherAsOne) {
+    write(Mode::kCreate, {"a/b/x", "a//b/y", "a/b//z/w"});
+    const SetStatistics told = statistics();
+    EXPECT_EQ(told.folderCount, 3U);  // a, b and z
+    EXPECT_THAT(largest(1), ElementsAre("a/b/ 2"));
+}
+
 TEST_F(SetStatisticsTest, namesTheLargestFoldersAndThatOfNone) {
     write(Mode::kCreate, {"a//x", "b/x", "b/y", "b/z", "p", "q", "\xFF/x"});
     EXPECT_THAT(largest(10), ElementsAre("b/ 3", " 2", "a// 1", "\xFF/ 1"));
