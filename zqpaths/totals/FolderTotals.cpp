@@ -9,22 +9,6 @@
 #include "zqpaths/totals/SetFolders.hpp"
 
 namespace zqpaths {
-namespace {
-
-/// The names that lead to a folder, as SetFolders calls them.
-std::vector<std::string_view> namesOf(std::string_view folder) {
-    std::vector<std::string_view> names;
-    if (folder.starts_with(kSeparator)) names.push_back(folder.substr(0, 1));
-    while (!folder.empty()) {
-        const std::string_view name = folder.substr(0, folder.find(kSeparator));
-        if (!name.empty()) names.push_back(name);
-        folder.remove_prefix(std::min(name.size() + 1, folder.size()));
-    }
-    return names;
-}
-
-}  // namespace
-
 class FolderTotals::Work {
 public:
     explicit Work(const PathSet& set) : set_(set), folders_(openedSetOf(set)) {
@@ -102,16 +86,19 @@ std::string FolderTotals::pathOf(Place folder) const {
     std::vector<std::string> names;
     for (; folder != kTop; folder = parentOf(folder)) names.push_back(nameOf(folder));
     std::string path;
-    for (; !names.empty(); names.pop_back()) {
-        if (!path.empty() && path.back() != kSeparator) path.push_back(kSeparator);
-        path += names.back();
-    }
+    for (; !names.empty(); names.pop_back()) appendName(names.back(), path);
     return path;
 }
 
 std::optional<FolderTotals::Place> FolderTotals::find(std::string_view folder) const {
+    const std::string path = plainFolder(folder);
+    std::string_view left = path;
     Place place = kTop;
-    for (const std::string_view name : namesOf(folder)) {
+    while (!left.empty()) {
+        // The root is a name of its own, to which no separator belongs.
+        const bool isRoot = place == kTop && left.front() == kSeparator;
+        const std::string_view name = left.substr(0, isRoot ? 1 : left.find(kSeparator));
+        left.remove_prefix(std::min(name.size() + (isRoot ? 0 : 1), left.size()));
         const std::vector<Place> inside = foldersIn(place);
         const auto found = std::ranges::find(inside, name, [this](Place p) { return nameOf(p); });
         if (found == inside.end()) return std::nullopt;

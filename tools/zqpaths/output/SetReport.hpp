@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/zqpaths/output/TextDrawing.hpp"
 #include "zqpaths/set/SetStatistics.hpp"
 
 namespace zqpaths::program {
@@ -22,14 +23,8 @@ struct SetReport {
     SetStatistics statistics;
 };
 
-/// How the text is drawn.
-struct ReportStyle {
-    bool hasBlocks = false;  // bars of block characters in UTF-8, else of '#'
-    bool hasColours = false;
-};
-
 /// Several lines, each with its end.
-std::string reportText(const SetReport& report, const ReportStyle& style);
+std::string reportText(const SetReport& report, const DrawingStyle& style);
 
 /// One object on one line, without its end. What is not known is null.
 std::string reportJson(const SetReport& report);

@@ -1,10 +1,4 @@
-#include <langinfo.h>
-#include <unistd.h>
-
 #include <chrono>
-#include <clocale>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -12,6 +6,7 @@
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Output.hpp"
 #include "tools/zqpaths/output/SetReport.hpp"
+#include "tools/zqpaths/output/Terminal.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
@@ -26,23 +21,8 @@ struct InfoOptions {
 
 constexpr std::size_t kLargestFolders = 10;
 
-bool isUtf8Locale() {
-    const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
-    if (locale == nullptr) return false;  // the environment names one that is not installed
-    const bool isUtf8 = std::strcmp(nl_langinfo_l(CODESET, locale), "UTF-8") == 0;
-    freelocale(locale);
-    return isUtf8;
-}
-
-bool isSet(const char* variable) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in the program changes the environment
-    const char* const value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
-}
-
-ReportStyle styleOfStandardOutput() {
-    if (isatty(STDOUT_FILENO) == 0) return {};
-    return {isUtf8Locale(), !isSet("NO_COLOR")};
+DrawingStyle styleOfStandardOutput() {
+    return {outputWidth() && isUtf8Locale(), hasColours(Colours::kAuto)};
 }
 
 SetReport reportOn(const std::string& file) {

@@ -1,0 +1,45 @@
+#include "tools/zqpaths/output/Terminal.hpp"
+
+#include <langinfo.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+
+namespace zqpaths::program {
+namespace {
+
+constexpr std::size_t kUsualWidth = 80;
+
+}  // namespace
+
+bool hasColours(Colours wanted) {
+    if (wanted != Colours::kAuto) return wanted == Colours::kAlways;
+    return isatty(STDOUT_FILENO) != 0 && !environmentValue("NO_COLOR");
+}
+
+bool isUtf8Locale() {
+    const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
+    if (locale == nullptr) return false;  // the environment names one that is not installed
+    const bool isUtf8 = std::strcmp(nl_langinfo_l(CODESET, locale), "UTF-8") == 0;
+    freelocale(locale);
+    return isUtf8;
+}
+
+std::optional<std::string> environmentValue(const char* variable) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in the program changes the environment
+    const char* const value = std::getenv(variable);
+    if (value == nullptr || *value == '\0') return std::nullopt;
+    return value;
+}
+
+std::optional<std::size_t> outputWidth() {
+    if (isatty(STDOUT_FILENO) == 0) return std::nullopt;
+    winsize size{};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualWidth;
+    return size.ws_col;
+}
+
+}  // namespace zqpaths::program

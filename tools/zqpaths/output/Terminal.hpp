@@ -1,0 +1,27 @@
+#pragma once
+// What the terminal and the environment say about how text is to look.
+//
+// Threads: free functions without state; nothing in the program changes the environment.
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace zqpaths::program {
+
+/// When colours are wanted; kAuto is on a terminal whose environment does not say NO_COLOR.
+enum class Colours { kAuto, kAlways, kNever };
+
+/// Whether standard output gets colours.
+bool hasColours(Colours wanted);
+
+/// Whether the locale that the environment names has UTF-8; false if it is not installed.
+bool isUtf8Locale();
+
+/// The value of a variable of the environment, if it is set and not empty.
+std::optional<std::string> environmentValue(const char* variable);
+
+/// The cells of a line of standard output; nothing if that is no terminal.
+std::optional<std::size_t> outputWidth();
+
+}  // namespace zqpaths::program
