@@ -1,6 +1,7 @@
 #include "zqpaths/totals/SetFolders.hpp"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 #include "compressedpaths/store/Hashing.hpp"
@@ -50,9 +51,13 @@ void SetFolders::finish() {
 std::size_t SetFolders::findOrAdd(std::size_t parent, std::uint32_t segment, FolderId id,
                                   const std::u16string& name) {
     if (name == kNoFolderName) return parent;
-    const std::uint64_t hash = compressedpaths::hashOf(
-        name.data(), lengthOfName(std::u16string_view(name)) * sizeof(char16_t),
-        compressedpaths::processSeed() + parent);
+    // The parent in the seed would not do: for short texts, XXH3 takes seed and text by exclusive
+    // or, and one changes what the other does.
+    const std::uint64_t seed = compressedpaths::processSeed();
+    const std::array<std::uint64_t, 2> key{
+        parent, compressedpaths::hashOf(
+                    name.data(), lengthOfName(std::u16string_view(name)) * sizeof(char16_t), seed)};
+    const std::uint64_t hash = compressedpaths::hashOf(key.data(), sizeof key, seed);
     const auto [place, isNew] = places_.try_emplace(hash, folders_.size());
     if (isNew) {
         folders_.push_back({segment, id, parent, folders_[parent].depth + 1});
