@@ -7,8 +7,8 @@ ProgramTable programTable() {
             ZQ_VERSION,
             "hold very large sets of file paths in small files",
             {indexVerb(), addVerb(), getVerb(), listVerb(), findVerb(), numberVerb(), sampleVerb(),
-             shuffleVerb(), splitVerb(), infoVerb(), treeVerb(), verifyVerb(), diffVerb(),
-             mergeVerb(), compactVerb(), exportVerb(), importVerb(), documentVerb()}};
+             shuffleVerb(), splitVerb(), infoVerb(), treeVerb(), reportVerb(), verifyVerb(),
+             diffVerb(), mergeVerb(), compactVerb(), exportVerb(), importVerb(), documentVerb()}};
 }
 
 }  // namespace zqpaths::program

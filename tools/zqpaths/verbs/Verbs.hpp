@@ -19,6 +19,7 @@ Verb infoVerb();
 Verb listVerb();
 Verb mergeVerb();
 Verb numberVerb();
+Verb reportVerb();
 Verb sampleVerb();
 Verb shuffleVerb();
 Verb splitVerb();
