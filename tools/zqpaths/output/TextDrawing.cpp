@@ -1,11 +1,10 @@
 #include "tools/zqpaths/output/TextDrawing.hpp"
 
-#include <wchar.h>
-
 #include <algorithm>
 #include <array>
 #include <clocale>
 #include <cmath>
+#include <cwchar>
 
 #include "tools/zqpaths/output/Figures.hpp"
 #include "zqpaths/text/PathText.hpp"
@@ -109,7 +108,7 @@ std::string cutToCells(std::string_view text, std::size_t width, const DrawingSt
     const std::string_view mark = style.hasBlocks ? "…" : "...";
     const std::size_t markCells = style.hasBlocks ? 1 : mark.size();
     if (cellsOf(text) <= width) return std::string(text);
-    if (width < markCells) return std::string(width, ' ');
+    if (width < markCells) return leftAligned("", width);
     const Utf8Locale locale;
     std::u16string units;
     appendUtf16(text, units);

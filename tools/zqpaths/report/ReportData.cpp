@@ -120,7 +120,7 @@ std::string withoutMarkup(std::string_view json) {
     std::string text;
     text.reserve(json.size());
     while (!json.empty()) {
-        const auto escape = std::ranges::find_if(
+        const auto* const escape = std::ranges::find_if(
             kEscapes, [json](const auto& each) { return json.starts_with(each.first); });
         if (escape == kEscapes.end()) {
             text.push_back(json.front());

@@ -19,46 +19,46 @@ struct PagePart {
 };
 
 constexpr PagePart kPage{
-#include "report/page.html.inc"
+#include "tools/zqpaths/report/page.html.inc"
 };
 constexpr PagePart kStyle{
-#include "report/style.css.inc"
+#include "tools/zqpaths/report/style.css.inc"
 };
 constexpr PagePart kLicence{
-#include "report/d3-licence.txt.inc"
+#include "tools/zqpaths/report/d3-licence.txt.inc"
 };
 
 // In the order in which they need each other.
 constexpr std::array kScripts{
     PagePart{
-#include "report/d3.min.js.inc"
+#include "tools/zqpaths/report/d3.min.js.inc"
     },
     PagePart{
-#include "report/folders.js.inc"
+#include "tools/zqpaths/report/folders.js.inc"
     },
     PagePart{
-#include "report/colours.js.inc"
+#include "tools/zqpaths/report/colours.js.inc"
     },
     PagePart{
-#include "report/fitting.js.inc"
+#include "tools/zqpaths/report/fitting.js.inc"
     },
     PagePart{
-#include "report/tip.js.inc"
+#include "tools/zqpaths/report/tip.js.inc"
     },
     PagePart{
-#include "report/treemap.js.inc"
+#include "tools/zqpaths/report/treemap.js.inc"
     },
     PagePart{
-#include "report/sunburst.js.inc"
+#include "tools/zqpaths/report/sunburst.js.inc"
     },
     PagePart{
-#include "report/map.js.inc"
+#include "tools/zqpaths/report/map.js.inc"
     },
     PagePart{
-#include "report/search.js.inc"
+#include "tools/zqpaths/report/search.js.inc"
     },
     PagePart{
-#include "report/charts.js.inc"
+#include "tools/zqpaths/report/charts.js.inc"
     },
 };
 

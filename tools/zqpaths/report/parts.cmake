@@ -15,5 +15,5 @@ foreach(part ${D3_SCRIPT} page.html style.css d3-licence.txt folders.js colours.
     if(text MATCHES "\\)zqpart\"" OR (name MATCHES "js$|css$" AND text MATCHES "</script|</style|<!--"))
         message(FATAL_ERROR "${file} cannot stand in a page as it is")
     endif()
-    file(CONFIGURE OUTPUT parts/report/${name}.inc CONTENT "R\"zqpart(@text@)zqpart\", \"@hash@\"\n" @ONLY)
+    file(CONFIGURE OUTPUT parts/tools/zqpaths/report/${name}.inc CONTENT "R\"zqpart(@text@)zqpart\", \"@hash@\"\n" @ONLY)
 endforeach()

@@ -103,14 +103,14 @@ FolderTree::Inside FolderTree::insideOf(const Folder& folder) const {
 
 void FolderTree::visit(const std::function<void(const TreeLine& line)>& visitor) const {
     std::vector<Inside> open;
-    const auto show = [&](Folder folder, bool isLast) {
+    const auto show = [&](const Folder& folder, bool isLast) {
         visitor({TreeLine::Kind::kFolder, folder.level, isLast, folder.name, folder.path,
                  totals_.of(folder.place)});
         if (folder.level < options_.depth) open.push_back(insideOf(folder));
     };
     Folder top = folderAt(top_, totals_.pathOf(totals_.parentOf(top_)));
     top.name = top.path;
-    show(std::move(top), true);
+    show(top, true);
     while (!open.empty()) {
         Inside& inside = open.back();
         const std::size_t next = inside.next++;
@@ -118,7 +118,8 @@ void FolderTree::visit(const std::function<void(const TreeLine& line)>& visitor)
         if (next >= inside.size()) {
             open.pop_back();
         } else if (next < inside.folders.size()) {
-            show(std::move(inside.folders[next]), isLast);
+            const Folder folder = inside.folders[next];  // opening it moves those that are open
+            show(folder, isLast);
         } else if (const std::size_t file = next - inside.folders.size();
                    file < inside.files->size()) {
             const std::string& name = (*inside.files)[file];
