@@ -50,17 +50,17 @@ std::string jsonOf(const TreeLine& line) {
     const FolderTotals::Totals& totals = line.totals;
     switch (line.kind) {
         case TreeLine::Kind::kFolder:
-            putName(writer, "folder", "bytes", line.path);
+            putName(writer, "folder", "folderBytes", line.path);
             put(writer, "files", totals.filesBelow);
             put(writer, "folders", totals.foldersBelow);
             put(writer, "filesInIt", totals.filesIn);
             put(writer, "foldersInIt", totals.foldersIn);
             break;
         case TreeLine::Kind::kFile:
-            putName(writer, "file", "bytes", line.path);
+            putName(writer, "file", "fileBytes", line.path);
             break;
         case TreeLine::Kind::kRest:
-            putName(writer, "restOf", "bytes", line.path);
+            putName(writer, "restOf", "restOfBytes", line.path);
             put(writer, "files", totals.filesBelow);
             put(writer, "filesInIt", totals.filesIn);
             put(writer, "foldersInIt", totals.foldersIn);
@@ -120,19 +120,19 @@ Verb treeVerb() {
             "A line has the files in a folder and below it, their share of all that is shown, and "
             "the folder. One that holds nothing but another folder shares its line. Names have "
             "the colours of LS_COLORS. Status 1 tells that FOLDER is none.",
-        .options =
-            rows(setArgument(options->set), std::move(folder),
-                 number("--depth", "N", options->tree.depth, "levels below the folder (2)"),
-                 number("--top", "K", options->tree.most,
-                        "show K folders in each folder, 0 for all, and sum up the rest (10)"),
-                 oneOf({"count", "name"}, text("--sort", "ORDER", options->order,
-                                               "count, most files first, or name (count)")),
-                 flag("--files", options->tree.hasFiles, "show files, too, the first K in each folder"),
-                 oneOf({"auto", "always", "never"},
-                       text("--color", "WHEN", options->colour,
-                            "colours: auto, which is on a terminal, always or never (auto)")),
-                 flag("--json", options->json, "print one JSON object a line"),
-                 messageOptions(options->messages)),
+        .options = rows(
+            setArgument(options->set), std::move(folder),
+            number("--depth", "N", options->tree.depth, "levels below the folder (2)"),
+            number("--top", "K", options->tree.most,
+                   "show K folders in each folder, 0 for all, and sum up the rest (10)"),
+            oneOf({"count", "name"}, text("--sort", "ORDER", options->order,
+                                          "count, most files first, or name (count)")),
+            flag("--files", options->tree.hasFiles, "show files, too, the first K in each folder"),
+            oneOf({"auto", "always", "never"},
+                  text("--color", "WHEN", options->colour,
+                       "colours: auto, which is on a terminal, always or never (auto)")),
+            flag("--json", options->json, "print one JSON object a line"),
+            messageOptions(options->messages)),
         .run = [options] { return tree(*options); }};
 }
 

@@ -144,7 +144,7 @@ make_few() {
     run -0 zqpaths tree odd.zqp --files --top 0 --color never
     [[ $output != *$'\xff'* && $output != *$'\t'* ]]
     [[ $output == *'new\x0Aline'*  && $output == *'bad\xFF\xFEutf8'* ]]
-    run -0 jq --slurp --raw-output 'map(select(.file and .bytes)) | length > 3' \
+    run -0 jq --slurp --raw-output 'map(select(.fileBytes)) | length > 3' \
         <(zqpaths tree odd.zqp --files --top 0 --json)
     [ "$output" = true ]
 }
