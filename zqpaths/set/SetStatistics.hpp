@@ -5,8 +5,8 @@
 //     const zqpaths::SetStatistics statistics = zqpaths::statisticsOf(set, 10);
 //     statistics.bytes.names;  // bytes of the file that hold names
 //
-// Folders are those of the set as a whole, however many segments a folder is in. The place of paths
-// without folder is among them where files are counted, and is no folder otherwise.
+// Folders are those of SetFolders. The place of paths without folder is among them where files are
+// counted, and is no folder otherwise.
 //
 // Threads: free functions without state.
 

@@ -87,4 +87,20 @@ void appendToFolder(std::string_view component, std::string& folderText) {
     if (!isFirst) folderText.push_back(kSeparator);
 }
 
+void appendName(std::string_view name, std::string& path) {
+    if (!path.empty() && path.back() != kSeparator) path.push_back(kSeparator);
+    path.append(name);
+}
+
+std::string plainFolder(std::string_view folder) {
+    std::string path;
+    if (folder.starts_with(kSeparator)) path.push_back(kSeparator);
+    while (!folder.empty()) {
+        const std::string_view name = folder.substr(0, folder.find(kSeparator));
+        if (!name.empty()) appendName(name, path);
+        folder.remove_prefix(std::min(name.size() + 1, folder.size()));
+    }
+    return path;
+}
+
 }  // namespace zqpaths

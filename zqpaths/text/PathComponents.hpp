@@ -70,4 +70,12 @@ std::string_view pathOfComponents(std::string_view text) noexcept;
 /// Amortised O(bytes of the component).
 void appendToFolder(std::string_view component, std::string& folderText);
 
+/// Appends a name to the path of its folder, with a separator between them where the path does not
+/// end with one; to an empty path the name alone. Amortised O(bytes of the name).
+ZQPATHS_EXPORT void appendName(std::string_view name, std::string& path);
+
+/// The path of a folder with one separator where several stand together, and none at its end:
+/// "/usr/lib" of "//usr//lib/". The root stays "/". O(bytes).
+ZQPATHS_EXPORT std::string plainFolder(std::string_view folder);
+
 }  // namespace zqpaths

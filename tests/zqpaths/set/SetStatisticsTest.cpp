@@ -79,6 +79,25 @@ TEST_F(SetStatisticsTest, takesFoldersOfAllSegmentsTogether) {
     EXPECT_EQ(told.pathCount, 5U);
 }
 
+TEST_F(SetStatisticsTest, takesSeparatorsThatStandTogetherAsOne) {
+    write(Mode::kCreate, {"a/b/x", "a//b/y", "a/b//z/w"});
+    const SetStatistics told = statistics();
+    EXPECT_EQ(told.folderCount, 3U);  // a, b and z
+    EXPECT_THAT(largest(1), ElementsAre("a/b/ 2"));
+}
+
+TEST_F(SetStatisticsTest, countFoldersApartThatAreFarApart) {
+    // The folder of number 2^16 + 1, and names of one character that differ in as many bits as may
+    // be.
+    Paths paths;
+    for (int i = 0; i <= 1 << 16; ++i) paths.push_back(std::to_string(i) + "/x");
+    for (const char* parent : {"0/", "65536/"})
+        for (char name = '0'; name < '~'; ++name)
+            paths.push_back(parent + std::string{name} + "/x");
+    write(Mode::kCreate, paths);
+    EXPECT_EQ(statistics().folderCount, paths.size());
+}
+
 TEST_F(SetStatisticsTest, namesTheLargestFoldersAndThatOfNone) {
     write(Mode::kCreate, {"a//x", "b/x", "b/y", "b/z", "p", "q", "\xFF/x"});
     EXPECT_THAT(largest(10), ElementsAre("b/ 3", " 2", "a// 1", "\xFF/ 1"));

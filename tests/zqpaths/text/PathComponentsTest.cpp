@@ -161,5 +161,18 @@ TEST(PathComponents, ofAPathWithoutFolderBeginWithTheMarker) {
     EXPECT_EQ(pathOfComponents(""), "");
 }
 
+TEST(PlainFolder, hasOneSeparatorWhereSeveralStandTogether) {
+    EXPECT_EQ(plainFolder("//usr///lib//"), "/usr/lib");
+    EXPECT_EQ(plainFolder("a//b/"), "a/b");
+    EXPECT_EQ(plainFolder("///"), "/");
+    EXPECT_EQ(plainFolder(""), "");
+}
+
+TEST(AppendName, putsASeparatorWhereThereIsNone) {
+    std::string path;
+    for (const char* name : {"/", "usr", "lib"}) appendName(name, path);
+    EXPECT_EQ(path, "/usr/lib");
+}
+
 }  // namespace
 }  // namespace zqpaths

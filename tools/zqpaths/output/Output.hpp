@@ -26,7 +26,7 @@
 #include "tools/zqpaths/output/JsonText.hpp"
 #include "tools/zqpaths/output/PathFields.hpp"
 #include "tools/zqpaths/output/StandardOutput.hpp"
-#include "tools/zqpaths/output/TerminalCharacters.hpp"
+#include "tools/zqpaths/output/Terminal.hpp"
 
 namespace zqpaths::program {
 

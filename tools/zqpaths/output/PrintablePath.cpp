@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "tools/zqpaths/output/TerminalCharacters.hpp"
 #include "zqpaths/text/PathText.hpp"
 
 namespace zqpaths::program {

@@ -14,7 +14,7 @@
 #include <string>
 #include <string_view>
 
-#include "tools/zqpaths/output/TerminalCharacters.hpp"
+#include "tools/zqpaths/output/Terminal.hpp"
 
 namespace zqpaths::program {
 

@@ -144,7 +144,7 @@ void Progress::draw() {
 /// The cursor goes back to where the line begins. So it stays there if the terminal becomes
 /// narrower and breaks the line, and all rows of it are cleared from there on.
 void Progress::drawLine(const std::string& line) {
-    static const bool isUtf8 = isUtf8Locale();
+    static const bool isUtf8 = charsetOfLocale() == Charset::kUtf8;
     const std::string_view wheel = isUtf8 ? kWheel[drawingCount_ % kWheel.size()]
                                           : kAsciiWheel[drawingCount_ % kAsciiWheel.size()];
     // The wheel and a space take two columns; the last one stays free, for some terminals go on to

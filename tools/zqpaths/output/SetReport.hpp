@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tools/zqpaths/output/Figures.hpp"
+#include "tools/zqpaths/output/TextDrawing.hpp"
 #include "zqpaths/set/SetStatistics.hpp"
 
 namespace zqpaths::program {
@@ -26,15 +27,8 @@ struct SetReport {
     SetStatistics statistics;
 };
 
-/// How the text is drawn.
-struct ReportStyle {
-    bool hasBlocks = false;  // bars of block characters in UTF-8, else of '#'
-    bool hasColours = false;
-    SizeUnits sizes = SizeUnits::kBinary;
-};
-
 /// Several lines, each with its end.
-std::string reportText(const SetReport& report, const ReportStyle& style);
+std::string reportText(const SetReport& report, const DrawingStyle& style, SizeUnits units);
 
 /// One object on one line, without its end. What is not known is null.
 std::string reportJson(const SetReport& report);

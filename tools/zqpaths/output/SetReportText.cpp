@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -14,46 +13,6 @@ namespace {
 constexpr std::size_t kLabelWidth = 14;
 constexpr std::size_t kFigureWidth = 20;
 constexpr std::size_t kBarWidth = 30;
-constexpr unsigned kEighths = 8;
-constexpr std::array<const char*, kEighths> kPartBlocks{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
-constexpr const char* kWholeBlock = "█";
-constexpr const char* kBarColour = "\x1b[36m";
-constexpr const char* kNoColour = "\x1b[0m";
-
-std::string leftAligned(std::string text, std::size_t width) {
-    text.resize(std::max(text.size(), width), ' ');
-    return text;
-}
-
-std::string rightAligned(const std::string& text, std::size_t width) {
-    return std::string(width - std::min(width, text.size()), ' ') + text;
-}
-
-double ratio(double part, double whole) {
-    return whole > 0 ? part / whole : 0;
-}
-
-double ratio(std::uint64_t part, std::uint64_t whole) {
-    return ratio(static_cast<double>(part), static_cast<double>(whole));
-}
-
-std::string percent(std::uint64_t part, std::uint64_t whole) {
-    return fixedPoint(100 * ratio(part, whole), 1) + " %";
-}
-
-/// A bar as long as `share`, from 0 to 1, of the whole width, padded to it.
-std::string bar(double share, const ReportStyle& style) {
-    const unsigned steps = style.hasBlocks ? kEighths : 1;
-    const auto filled = static_cast<std::size_t>(
-        std::lround(std::clamp(share, 0.0, 1.0) * static_cast<double>(kBarWidth * steps)));
-    const std::size_t whole = filled / steps;
-    const std::size_t part = filled % steps;
-    std::string text;
-    for (std::size_t i = 0; i < whole; ++i) text += style.hasBlocks ? kWholeBlock : "#";
-    text += kPartBlocks[part];
-    if (style.hasColours && filled > 0) text = kBarColour + text + kNoColour;
-    return text + std::string(kBarWidth - whole - (part > 0 ? 1 : 0), ' ');
-}
 
 std::string figureLine(const char* label, const std::string& figure, const std::string& remark) {
     std::string line = "  " + leftAligned(label, kLabelWidth) + rightAligned(figure, kFigureWidth);
@@ -120,13 +79,14 @@ std::string opening(const SetReport& report) {
 }
 
 std::string barLine(const std::string& label, std::uint64_t value, std::uint64_t whole,
-                    const ReportStyle& style) {
+                    const DrawingStyle& style, SizeUnits units) {
     return "  " + leftAligned(label, kLabelWidth) +
-           rightAligned(sizeText(value, style.sizes), kFigureWidth) + "  " +
-           bar(ratio(value, whole), style) + rightAligned(percent(value, whole), 8) + '\n';
+           rightAligned(sizeText(value, units), kFigureWidth) + "  " +
+           bar(ratio(value, whole), kBarWidth, style) + rightAligned(percent(value, whole), 8) +
+           '\n';
 }
 
-std::string savedBytes(const SetReport& report, const ReportStyle& style) {
+std::string savedBytes(const SetReport& report, const DrawingStyle& style, SizeUnits units) {
     const SetStatistics::Bytes& bytes = report.statistics.bytes;
     std::string text = "\nwhere the saved bytes go\n";
     const std::array<std::pair<const char*, std::uint64_t>, 7> parts{
@@ -138,17 +98,17 @@ std::string savedBytes(const SetReport& report, const ReportStyle& style) {
          {"packed", bytes.packed},
          {"file itself", bytes.sums + report.fileSize - std::min(bytes.all(), report.fileSize)}}};
     for (const auto& [label, size] : parts)
-        if (size > 0) text += barLine(label, size, report.fileSize, style);
+        if (size > 0) text += barLine(label, size, report.fileSize, style, units);
     return text;
 }
 
-std::string largestFolders(const SetStatistics& set, const ReportStyle& style) {
+std::string largestFolders(const SetStatistics& set, const DrawingStyle& style) {
     const std::vector<SetStatistics::Folder>& folders = set.largestFolders;
     if (folders.empty()) return "";
     std::string text = "\nlargest folders, by files\n";
     for (const SetStatistics::Folder& folder : folders) {
         text += rightAligned(groupDigits(folder.fileCount), kFigureWidth) + "  " +
-                bar(ratio(folder.fileCount, folders.front().fileCount), style) + "  " +
+                bar(ratio(folder.fileCount, folders.front().fileCount), kBarWidth, style) + "  " +
                 (folder.name.empty() ? "(no folder)" : printablePath(folder.name)) + '\n';
     }
     return text;
@@ -156,10 +116,10 @@ std::string largestFolders(const SetStatistics& set, const ReportStyle& style) {
 
 }  // namespace
 
-std::string reportText(const SetReport& report, const ReportStyle& style) {
+std::string reportText(const SetReport& report, const DrawingStyle& style, SizeUnits units) {
     const SetStatistics& set = report.statistics;
-    return printablePath(report.file) + '\n' + inUse(report, style.sizes) + counts(set) +
-           sizes(report, style.sizes) + shape(set) + opening(report) + savedBytes(report, style) +
+    return printablePath(report.file) + '\n' + inUse(report, units) + counts(set) +
+           sizes(report, units) + shape(set) + opening(report) + savedBytes(report, style, units) +
            largestFolders(set, style);
 }
 

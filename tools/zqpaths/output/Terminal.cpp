@@ -13,6 +13,14 @@ namespace {
 
 constexpr std::size_t kUsualWidth = 80;
 
+bool isUtf8Locale() {
+    const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
+    if (locale == nullptr) return false;  // the environment names one that is not installed
+    const bool isUtf8 = std::strcmp(nl_langinfo_l(CODESET, locale), "UTF-8") == 0;
+    freelocale(locale);
+    return isUtf8;
+}
+
 }  // namespace
 
 bool hasColours(Colours wanted) {
@@ -20,12 +28,13 @@ bool hasColours(Colours wanted) {
     return isatty(STDOUT_FILENO) != 0 && !environmentValue("NO_COLOR");
 }
 
-bool isUtf8Locale() {
-    const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
-    if (locale == nullptr) return false;  // the environment names one that is not installed
-    const bool isUtf8 = std::strcmp(nl_langinfo_l(CODESET, locale), "UTF-8") == 0;
-    freelocale(locale);
-    return isUtf8;
+Charset charsetOfLocale() {
+    static const Charset charset = isUtf8Locale() ? Charset::kUtf8 : Charset::kAscii;
+    return charset;
+}
+
+Charset charsetOf(int descriptor) {
+    return isatty(descriptor) != 0 ? charsetOfLocale() : Charset::kUtf8;
 }
 
 std::optional<std::string> environmentValue(const char* variable) {

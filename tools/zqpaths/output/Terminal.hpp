@@ -15,8 +15,15 @@ enum class Colours { kAuto, kAlways, kNever };
 /// Whether standard output gets colours.
 bool hasColours(Colours wanted);
 
-/// Whether the locale that the environment names has UTF-8; false if it is not installed.
-bool isUtf8Locale();
+/// Which characters a terminal takes.
+enum class Charset { kAscii, kUtf8 };
+
+/// By the locale that the environment names; ASCII if it is not installed, or of another charset:
+/// what a terminal would make of UTF-8 then is not known.
+Charset charsetOfLocale();
+
+/// What may go to a descriptor: to a terminal what it takes, to anything else all of UTF-8.
+Charset charsetOf(int descriptor);
 
 /// The value of a variable of the environment, if it is set and not empty.
 std::optional<std::string> environmentValue(const char* variable);

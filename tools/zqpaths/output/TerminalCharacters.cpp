@@ -1,12 +1,7 @@
 #include "tools/zqpaths/output/TerminalCharacters.hpp"
 
-#include <langinfo.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <clocale>
-#include <cstring>
 
 namespace zqpaths::program {
 namespace {
@@ -47,24 +42,7 @@ constexpr std::array<Range, 19> kNotShown{{{0x0000, 0x001F},
                                            {0x1D173, 0x1D17A},
                                            {0xE0000, 0xE0FFF}}};
 
-bool isUtf8Locale() {
-    const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
-    if (locale == nullptr) return false;  // the environment names one that is not installed
-    const bool isUtf8 = std::strcmp(nl_langinfo_l(CODESET, locale), "UTF-8") == 0;
-    freelocale(locale);
-    return isUtf8;
-}
-
 }  // namespace
-
-Charset charsetOfLocale() {
-    static const Charset charset = isUtf8Locale() ? Charset::kUtf8 : Charset::kAscii;
-    return charset;
-}
-
-Charset charsetOf(int descriptor) {
-    return isatty(descriptor) != 0 ? charsetOfLocale() : Charset::kUtf8;
-}
 
 bool isShown(char32_t character) noexcept {
     const auto* const range = std::ranges::lower_bound(kNotShown, character, {}, &Range::last);

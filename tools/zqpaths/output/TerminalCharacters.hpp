@@ -13,15 +13,6 @@
 
 namespace zqpaths::program {
 
-/// Which characters a terminal takes.
-enum class Charset { kAscii, kUtf8 };
-
-/// By the locale: what a terminal of another charset would make of UTF-8 is not known.
-Charset charsetOfLocale();
-
-/// What may go to a descriptor: to a terminal what it takes, to anything else all of UTF-8.
-Charset charsetOf(int descriptor);
-
 /// False for control characters, separators of lines and paragraphs, and whatever Unicode calls
 /// ignorable by default, such as marks of direction, joiners, tags and variation selectors.
 bool isShown(char32_t character) noexcept;

@@ -10,8 +10,8 @@ ProgramTable tableWithoutHelp() {
             ZQ_VERSION,
             "hold very large sets of file paths in small files",
             {indexVerb(), addVerb(), getVerb(), listVerb(), findVerb(), numberVerb(), sampleVerb(),
-             shuffleVerb(), splitVerb(), infoVerb(), verifyVerb(), diffVerb(), mergeVerb(),
-             compactVerb(), exportVerb(), importVerb(), documentVerb()}};
+             shuffleVerb(), splitVerb(), infoVerb(), treeVerb(), reportVerb(), verifyVerb(),
+             diffVerb(), mergeVerb(), compactVerb(), exportVerb(), importVerb(), documentVerb()}};
 }
 
 }  // namespace

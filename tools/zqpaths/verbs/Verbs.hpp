@@ -23,9 +23,11 @@ Verb infoVerb();
 Verb listVerb();
 Verb mergeVerb();
 Verb numberVerb();
+Verb reportVerb();
 Verb sampleVerb();
 Verb shuffleVerb();
 Verb splitVerb();
+Verb treeVerb();
 Verb verifyVerb();
 
 /// All of them, in the order in which people read of them.

@@ -93,6 +93,11 @@ make_set() {
     printf '%s\0' "$@" | zqpaths index "$set" --list - -0
 }
 
+# in_terminal COMMAND - what a command prints on a terminal
+in_terminal() {
+    script -qec "$1" /dev/null
+}
+
 # damage FILE OFFSET... - changes the low bit of the bytes at these offsets
 damage() {
     local file=$1 offset byte

@@ -1,7 +1,4 @@
-#include <unistd.h>
-
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -10,7 +7,7 @@
 #include "tools/zqpaths/output/Output.hpp"
 #include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/output/SetReport.hpp"
-#include "tools/zqpaths/output/TerminalCharacters.hpp"
+#include "tools/zqpaths/output/Terminal.hpp"
 #include "tools/zqpaths/sets/MemoryInUse.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
@@ -28,20 +25,13 @@ struct InfoOptions {
 
 constexpr std::size_t kLargestFolders = 10;
 
-bool isSet(const char* variable) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing in the program changes the environment
-    const char* const value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
+DrawingStyle styleOfStandardOutput() {
+    return {outputWidth() && charsetOfLocale() == Charset::kUtf8, hasColours(Colours::kAuto)};
 }
 
-ReportStyle styleOf(const InfoOptions& options) {
-    ReportStyle style;
-    if (options.inBytes) style.sizes = SizeUnits::kBytes;
-    if (options.decimal) style.sizes = SizeUnits::kDecimal;
-    if (isatty(STDOUT_FILENO) == 0) return style;
-    style.hasBlocks = charsetOfLocale() == Charset::kUtf8;
-    style.hasColours = !isSet("NO_COLOR");
-    return style;
+SizeUnits unitsOf(const InfoOptions& options) {
+    if (options.inBytes) return SizeUnits::kBytes;
+    return options.decimal ? SizeUnits::kDecimal : SizeUnits::kBinary;
 }
 
 SetReport reportOn(const std::string& file) {
@@ -72,7 +62,7 @@ ExitStatus info(const InfoOptions& options) {
     if (options.json) {
         output.line(reportJson(report));
     } else {
-        output.text(reportText(report, styleOf(options)));
+        output.text(reportText(report, styleOfStandardOutput(), unitsOf(options)));
     }
     output.finish();
     return ExitStatus::kDone;

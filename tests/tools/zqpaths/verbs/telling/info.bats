@@ -6,11 +6,6 @@ json_of() {
     zqpaths info "$1" --json | jq --compact-output "$2"
 }
 
-# in_terminal COMMAND - what a command prints on a terminal
-in_terminal() {
-    script -qec "$1" /dev/null
-}
-
 @test "counts are those of the set" {
     make_set few.zqp a/b a/c a/c2 d
     [ "$(json_of few.zqp '.paths')" = 4 ]
