@@ -46,7 +46,10 @@ More than the program or the machine can hold.
 .SH ENVIRONMENT
 .TP
 .B NO_COLOR
-If it is set and not empty, nothing is coloured.
+If it is set and not empty, nothing is coloured, unless an option says so.
+.TP
+.B LS_COLORS
+The colours of folders and of files by their suffixes, as dircolors(1) prints them.
 )";
 
 /// Text that troff prints as it is: hyphens that can be copied, no line that is a request.

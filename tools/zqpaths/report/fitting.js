@@ -24,10 +24,10 @@ const fitting = (() => {
         return low < 2 ? '' : characters.slice(0, low).join('') + '…';
     }
 
-    /** The name of a piece, cut if it is that of a folder; a number that is cut would be another. */
+    /** The name of a piece: of folders cut, of others a shorter one, as a number cut is another. */
     function nameOf(piece, width, font = '12px') {
         if (piece.kind === 'folder') return cut(piece.name, width, font);
-        return widthOf(piece.name, font) <= width ? piece.name : '';
+        return [piece.name, piece.short, ''].find(name => widthOf(name, font) <= width);
     }
 
     return {cut, nameOf, widthOf};

@@ -2,7 +2,7 @@
 // The folders of the set as the page's data have them, and what a folder consists of:
 //
 //     folders.top.files;                // all files of the set
-//     folders.piecesOf(folders.top);    // [{kind: 'folder', end, name, value}, ...], largest first
+//     folders.piecesOf(folders.top);    // [{kind, name, value, ...}, ...], largest first
 //
 // Only the largest folders are among the data; the others are summed up as a piece of the folder
 // that they are in. A folder that holds nothing but another one is passed over: its name stands
@@ -64,38 +64,46 @@ const folders = (() => {
 
     const sumOf = (list, value) => list.reduce((sum, item) => sum + value(item), 0);
 
-    /** Folders that are not shown on their own: so many, directly in their folder or below it. */
-    function restOf(count, value) {
-        return {kind: 'rest', name: counted(count, 'more folder'), count, value};
+    /** Files right in a folder. */
+    function filesOf(count) {
+        return {kind: 'files', name: counted(count, 'file'), short: 'files', count: 0, files: count, value: count};
+    }
+
+    /** What is not shown on its own: so many folders with all files in them, and files beside them. */
+    function restOf(count, files, value) {
+        const name = counted(count, 'more folder') + (files > 0 ? ', ' + counted(files, 'file') : '');
+        return {kind: 'rest', name, short: 'the rest', count, files, value};
     }
 
     function piecesOf(folder) {
         const pieces = folder.children.map(child => {
             const end = endOf(child);
-            return {kind: 'folder', end, name: nameBelow(folder, end), value: child.files};
+            return {
+                kind: 'folder', end, name: nameBelow(folder, end),
+                count: child.foldersBelow + 1, files: 0, value: child.files,
+            };
         });
-        if (folder.filesIn > 0)
-            pieces.push({kind: 'files', name: counted(folder.filesIn, 'file'), value: folder.filesIn});
+        if (folder.filesIn > 0) pieces.push(filesOf(folder.filesIn));
         const left = folder.files - folder.filesIn - sumOf(folder.children, child => child.files);
         if (left > 0) {
             const shown = sumOf(folder.children, child => child.foldersBelow + 1);
-            pieces.push(restOf(folder.foldersBelow - shown, left));
+            pieces.push(restOf(folder.foldersBelow - shown, 0, left));
         }
         return pieces.sort((a, b) => b.value - a.value);
     }
 
     /**
-     * The pieces, with all that are less than `least` in place of them as one, so that nothing is
-     * drawn that cannot be seen.
+     * The pieces, with all that are less than `least` in place of them as one rest, so that nothing
+     * is drawn that cannot be seen.
      */
     function seenPieces(pieces, least) {
-        const small = pieces.filter(piece => piece.value < least);
-        if (small.length < 2) return pieces;
-        const value = sumOf(small, piece => piece.value);
-        const rest = small.some(piece => piece.kind === 'files')
-            ? {kind: 'rest', name: 'the rest', value}
-            : restOf(sumOf(small, piece => piece.count || 1), value);
-        return pieces.filter(piece => piece.value >= least).concat(rest);
+        const isSmall = piece => piece.value < least;
+        if (pieces.filter(isSmall).length < 2) return pieces;
+        const isSummed = piece => isSmall(piece) || piece.kind === 'rest';
+        const summed = pieces.filter(isSummed);
+        const rest = restOf(sumOf(summed, piece => piece.count), sumOf(summed, piece => piece.files),
+            sumOf(summed, piece => piece.value));
+        return pieces.filter(piece => !isSummed(piece)).concat(rest);
     }
 
     return {

@@ -89,7 +89,7 @@ const sunburst = (() => {
             .attr('width', 12).attr('height', 12).attr('rx', 2).attr('y', 1)
             .attr('fill', node => colours.fillOf({...node, level: 1}));
         groups.append('text').attr('class', 'name legend').attr('x', 20).attr('y', 11)
-            .text(node => fitting.cut(node.piece.name, legendWidth - 110));
+            .text(node => fitting.nameOf(node.piece, legendWidth - 110));
         groups.append('text').attr('class', 'count legend').attr('text-anchor', 'end')
             .attr('x', legendWidth - 24).attr('y', 11)
             .text(node => d3.format('.1f')(100 * node.piece.value / folder.files) + ' %');

@@ -79,11 +79,11 @@ const treemap = (() => {
         return fitting.nameOf(cell.piece, room, font);
     }
 
-    /** The number beside the name of an open folder, below it otherwise; never without the name. */
+    /** The number beside the name of an open folder, below it otherwise, unless the name tells it. */
     function hasCount(cell) {
         if (cell.isOpen) return cell.width > 110;
-        return cell.piece.kind !== 'files' && cell.height > 34 && cell.width > 44 &&
-            cell.width - 10 > countWidth(cell) && nameIn(cell) !== '';
+        const isTold = cell.piece.kind === 'files' && nameIn(cell) === cell.piece.name;
+        return !isTold && cell.height > 34 && cell.width - 10 > countWidth(cell) && nameIn(cell) !== '';
     }
 
     /** Where a piece is drawn: what zooming comes from. */

@@ -41,8 +41,10 @@ struct FolderTree::Inside {
     TreeLine rest;
     std::size_t next = 0;
 
-    std::size_t size() const { return folders.size() + files->size() + (hasRest() ? 1U : 0U); }
-    bool hasRest() const { return rest.totals.filesBelow > 0; }
+    std::size_t shownCount() const { return folders.size() + files->size(); }
+    /// Where nothing is shown, the line of the folder says all.
+    bool hasRest() const { return shownCount() > 0 && rest.totals.filesBelow > 0; }
+    std::size_t size() const { return shownCount() + (hasRest() ? 1U : 0U); }
 };
 
 FolderTree::FolderTree(const FolderTotals& totals, Place top, const TreeOptions& options)

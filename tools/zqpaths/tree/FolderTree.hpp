@@ -11,7 +11,7 @@
 //     /usr            level 0, the folders "/" and "usr"
 //     ├── share       level 1
 //     │   └── doc     level 2
-//     └── … 3 more    level 1: the folders in /usr that are not shown, and its files
+//     └── … 3 more    level 1: the folders in /usr that are not shown, and its files, if any are
 //
 // It holds the folders on the way to the line, and those beside them.
 //
