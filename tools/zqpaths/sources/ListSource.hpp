@@ -2,13 +2,12 @@
 // ListSource gives the paths of a list: a file, or standard input, in which each path ends with a
 // newline, or each with a NUL. The last one need not.
 
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
 
+#include "tools/zqpaths/sources/LineInput.hpp"
 #include "tools/zqpaths/sources/PathSource.hpp"
-#include "zqpaths/file/FileDescriptor.hpp"
 
 namespace zqpaths::program {
 
@@ -20,15 +19,9 @@ public:
     /// Takes what comes when it comes, from pipes too; memory for the longest path.
     SourceReport visit(const std::function<void(std::string_view path)>& visitor) override;
 
-    /// How messages call such a list.
-    static std::string printableName(const std::string& fileName);
-
 private:
-    void requirePath(std::string_view path, std::uint64_t number) const;
-
-    std::string name_;  // for people
-    char delimiter_;
-    FileDescriptor file_;
+    LineInput input_;
+    const char* unit_;  // what messages call one of its lines
 };
 
 }  // namespace zqpaths::program

@@ -88,9 +88,9 @@ std::uint64_t commonSeed(const SplitOptions& options) {
 template <class AnyShare>
 void printShare(const PathSet& set, const AnyShare& share, const SplitOptions& options) {
     if (options.skip > share.size())
-        throw Failure(ExitStatus::kFailed, "--skip " + std::to_string(options.skip) +
-                                               ": so many paths are in this share: " +
-                                               std::to_string(share.size()));
+        throw Failure(ExitStatus::kFailed,
+                      "--skip " + std::to_string(options.skip) +
+                          ": so many paths are in this share: " + std::to_string(share.size()));
     printChosen(
         set, share.size() - options.skip,
         [&](std::uint64_t place) { return share[place + options.skip]; }, kWork, options.output,
