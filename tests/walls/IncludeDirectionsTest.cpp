@@ -146,6 +146,8 @@ TEST(IncludeDirections, aLibraryThatCanBeReplacedIsKnownToOneSource) {
                 ElementsAre("compressedpaths/store/Hashing.cpp"));
     EXPECT_THAT(whoIncludes({"tools"}, {"CLI/"}),
                 ElementsAre("tools/zqpaths/arguments/Arguments.cpp"));
+    EXPECT_THAT(whoIncludes({"tools"}, {"archive.h", "archive_entry.h"}),
+                ElementsAre("tools/zqpaths/sources/archives/ArchiveSource.cpp"));
 }
 
 TEST(IncludeDirections, areReadFromAnyFormOfTheDirective) {

@@ -50,12 +50,22 @@ std::vector<std::string> wordsOf(const Verb& verb) {
     return {};
 }
 
+/// What bash offers after an option whose value is one of few words.
+std::string bashWordsOfValues(const Verb& verb) {
+    std::string text;
+    for (const Option& option : verb.options)
+        if (!option.isArgument() && !option.words.empty())
+            text += "            [[ $previous == @(" + joined(option.namesApart(), "|") +
+                    ") ]] && words=" + quoted(joined(option.words, " ")) + '\n';
+    return text;
+}
+
 /// The names of options whose value no shell can guess, as a pattern of bash; empty if there are
 /// none.
 std::string bashPatternOfValues(const Verb& verb) {
     std::string pattern;
     for (const Option& option : verb.options)
-        if (!option.value.empty() && option.value != kFileValue)
+        if (!option.value.empty() && option.value != kFileValue && option.words.empty())
             pattern += (pattern.empty() ? "" : "|") + joined(option.namesApart(), "|");
     return pattern;
 }
@@ -68,16 +78,22 @@ std::string bashVerb(const Verb& verb) {
     std::string text = "        " + verb.name + ")\n            options=" + quoted(options) + '\n';
     const std::vector<std::string> words = wordsOf(verb);
     if (!words.empty()) text += "            words=" + quoted(joined(words, " ")) + '\n';
+    text += bashWordsOfValues(verb);
     const std::string values = bashPatternOfValues(verb);
     if (!values.empty()) text += "            [[ $previous == @(" + values + ") ]] && value=1\n";
     return text + "            ;;\n";
 }
 
+/// What zsh offers for the value of an option.
+std::string zshAction(const Option& option) {
+    if (!option.words.empty()) return ":(" + joined(option.words, " ") + ')';
+    return option.value == kFileValue ? ":_files" : ": ";
+}
+
 std::string zshOption(const Option& option) {
     const std::string description = '[' + escaped(option.description, "[]\\:", "\\") + ']';
     std::string value;
-    if (!option.value.empty())
-        value = ':' + option.value + (option.value == kFileValue ? ":_files" : ": ");
+    if (!option.value.empty()) value = ':' + option.value + zshAction(option);
     const std::vector<std::string> names = option.namesApart();
     if (names.size() == 1) return quoted(names.front() + description + value);
     return quoted('(' + joined(names, " ") + ')') + '{' + joined(names, ",") + '}' +
@@ -99,6 +115,8 @@ std::string fishOption(const std::string& condition, const Option& option) {
     for (const std::string& name : option.namesApart())
         text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
     if (!option.value.empty()) text += option.value == kFileValue ? " -r -F" : " -x";
+    if (!option.isArgument() && !option.words.empty())
+        text += " -a " + fishQuoted(joined(option.words, " "));
     return text + " -d " + fishQuoted(option.description) + '\n';
 }
 

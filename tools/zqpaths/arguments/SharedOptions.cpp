@@ -1,7 +1,10 @@
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
 
@@ -54,6 +57,31 @@ std::vector<Option> messageOptions(MessageOptions& messages) {
 
 namespace {
 
+struct NamedFormat {
+    const char* name;
+    SourceFormat format;
+};
+
+constexpr std::array kFormats{
+    NamedFormat{"tar", SourceFormat::kTar},        NamedFormat{"zip", SourceFormat::kZip},
+    NamedFormat{"s3", SourceFormat::kS3},          NamedFormat{"s3cmd", SourceFormat::kS3cmd},
+    NamedFormat{"rclone", SourceFormat::kRclone},  NamedFormat{"gsutil", SourceFormat::kGsutil},
+    NamedFormat{"jsonl", SourceFormat::kJsonLines}};
+
+/// Its words are all that it takes.
+Option formatOption(std::optional<SourceFormat>& format) {
+    Option option{"--from", "FORMAT",
+                  "read files, - for standard input, in place of directories: tar, zip, listings "
+                  "of s3, s3cmd, rclone or gsutil, jsonl",
+                  [&format](const std::string& given) {
+                      const auto* const named =
+                          std::ranges::find(kFormats, given, &NamedFormat::name);
+                      format = named->format;
+                  }};
+    for (const NamedFormat& named : kFormats) option.words.emplace_back(named.name);
+    return excluding("--list", std::move(option));
+}
+
 /// Takes "f,d,l", in any order, as letters without the commas.
 Option typesOption(std::string& types) {
     return {"--type", "T,T...",
@@ -74,7 +102,8 @@ Option typesOption(std::string& types) {
 std::vector<Option> sourceOptions(SourceOptions& source) {
     Option directories =
         arguments("DIR", source.directories,
-                  "directories to walk: all in them that is no directory is taken");
+                  "directories to walk, and archives of tar and zip: all in them that is no "
+                  "directory is taken");
     directories.isRequired = false;  // without any there is a list
     Option nulDelimited =
         flag("-0,--null", source.nulDelimited, "the paths of the list end with NUL");
@@ -83,7 +112,9 @@ std::vector<Option> sourceOptions(SourceOptions& source) {
         std::move(directories),
         excluding("DIR", text("--list", kFileValue, source.list,
                               "the paths in FILE, - for standard input")),
-        std::move(nulDelimited),
+        std::move(nulDelimited), formatOption(source.format),
+        text("--field", "NAME", source.field,
+             "the member of jsonl's objects that is the path; outer.inner for one in another"),
         flag("--follow", source.follow, "follow symbolic links to directories"),
         flag("--one-file-system", source.oneFileSystem, "stay on the file system of DIR"),
         flag("--hidden", source.hidden, "take names that begin with a dot, too"),

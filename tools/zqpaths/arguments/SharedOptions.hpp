@@ -27,9 +27,14 @@ struct MessageOptions {
     bool jsonProgress = false;  // objects, to be read by programs; also if quiet
 };
 
+/// What --from knows: archives, what tools for object stores print, and objects of JSON.
+enum class SourceFormat { kTar, kZip, kS3, kS3cmd, kRclone, kGsutil, kJsonLines };
+
 /// Where paths come from.
 struct SourceOptions {
-    std::vector<std::string> directories;
+    std::vector<std::string> directories;  // or archives; with a format, files of it
+    std::optional<SourceFormat> format;
+    std::string field;                // whose values are the paths, of kJsonLines
     std::optional<std::string> list;  // a file of paths, "-" for standard input
     bool nulDelimited = false;        // the list's paths end with NUL, else with a newline
     bool follow = false;              // symbolic links to directories

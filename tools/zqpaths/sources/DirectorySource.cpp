@@ -19,23 +19,22 @@ void requireDirectory(const std::string& path) {
 
 }  // namespace
 
-DirectorySource::DirectorySource(std::vector<std::string> directories, WalkOptions options,
-                                 std::string set, bool isVerbose)
-    : directories_(std::move(directories)),
+DirectorySource::DirectorySource(std::string directory, WalkOptions options, std::string set,
+                                 bool isVerbose)
+    : directory_(std::move(directory)),
       options_(std::move(options)),
       set_(std::move(set)),
       isVerbose_(isVerbose) {
-    for (const std::string& directory : directories_) requireDirectory(directory);
+    requireDirectory(directory_);
 }
 
 SourceReport DirectorySource::visit(const std::function<void(std::string_view path)>& visitor) {
     options_.notTaken = filesOfSet(set_);
     SourceReport report;
-    for (const std::string& directory : directories_)
-        report.leftOut += walkDirectory(directory, options_, visitor,
-                                        [&](std::string_view path, std::string_view reason) {
-                                            report.addUnreadable(path, reason, isVerbose_);
-                                        });
+    report.leftOut = walkDirectory(directory_, options_, visitor,
+                                   [&](std::string_view path, std::string_view reason) {
+                                       report.addUnreadable(path, reason, isVerbose_);
+                                   });
     return report;
 }
 

@@ -2,14 +2,13 @@
 // ListSource gives the paths of a list: a file, or standard input, in which each path ends with a
 // newline, or each with a NUL. The last one need not.
 
-#include <atomic>
-#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "tools/zqpaths/sources/LineInput.hpp"
 #include "tools/zqpaths/sources/PathSource.hpp"
-#include "zqpaths/file/FileDescriptor.hpp"
 
 namespace zqpaths::program {
 
@@ -20,19 +19,11 @@ public:
 
     /// Takes what comes when it comes, from pipes too; memory for the longest path.
     SourceReport visit(const std::function<void(std::string_view path)>& visitor) override;
-    std::optional<double> partGiven() const noexcept override;  // of a file, not of a pipe
-
-    /// How messages call such a list.
-    static std::string printableName(const std::string& fileName);
+    std::optional<double> partGiven() const noexcept override { return input_.partRead(); }
 
 private:
-    void requirePath(std::string_view path, std::uint64_t number) const;
-
-    std::string name_;  // for people
-    char delimiter_;
-    FileDescriptor file_;
-    std::uint64_t size_;                       // of the file; 0 if it is none
-    std::atomic<std::uint64_t> givenSize_{0};  // bytes
+    LineInput input_;
+    const char* unit_;  // what messages call one of its lines
 };
 
 }  // namespace zqpaths::program

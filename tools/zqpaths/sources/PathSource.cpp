@@ -1,5 +1,7 @@
 #include "tools/zqpaths/sources/PathSource.hpp"
 
+#include <sys/stat.h>
+
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -8,8 +10,12 @@
 #include "tools/zqpaths/output/PrintablePath.hpp"
 #include "tools/zqpaths/sources/DirectorySource.hpp"
 #include "tools/zqpaths/sources/FilteredSource.hpp"
+#include "tools/zqpaths/sources/LineInput.hpp"
 #include "tools/zqpaths/sources/ListSource.hpp"
+#include "tools/zqpaths/sources/SourceFormats.hpp"
+#include "tools/zqpaths/sources/SourceSequence.hpp"
 #include "tools/zqpaths/sources/WholeFiles.hpp"
+#include "tools/zqpaths/sources/archives/ArchiveSource.hpp"
 #include "zqpaths/exclusion/ExclusionRules.hpp"
 
 namespace zqpaths::program {
@@ -39,24 +45,57 @@ WalkOptions walkOptions(const SourceOptions& options) {
             .maxDepth = options.maxDepth};
 }
 
+/// What --exclude and --max-depth leave of a source that has no directories to enter.
+std::unique_ptr<PathSource> filtered(std::unique_ptr<PathSource> source, const WalkOptions& walk) {
+    if (!walk.types.empty()) throw wrongUse("--type: only directories tell types");
+    return std::make_unique<FilteredSource>(std::move(source), walk);
+}
+
+/// A file that is no directory is an archive, or nothing to take paths from.
+std::unique_ptr<PathSource> openArchive(const std::string& name) {
+    std::unique_ptr<PathSource> archive = ArchiveSource::recognize(name);
+    if (!archive) throw failureAt(name, "Not a directory, nor a tar or zip");
+    return archive;
+}
+
+bool isFile(const std::string& name) {
+    struct stat status {};
+    return ::stat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+void requireFormat(const SourceOptions& options) {
+    const bool isOfFields = options.format == SourceFormat::kJsonLines;
+    if (isOfFields && options.field.empty()) throw wrongUse("--from jsonl: --field is required");
+    if (!isOfFields && !options.field.empty()) throw wrongUse("--field is for --from jsonl");
+}
+
 }  // namespace
 
 std::unique_ptr<PathSource> openSource(const SourceOptions& options, const std::string& set) {
+    requireFormat(options);
     const WalkOptions walk = walkOptions(options);
-    if (options.list) {
-        if (!options.types.empty()) throw wrongUse("--type: a list does not tell types");
-        return std::make_unique<FilteredSource>(
-            std::make_unique<ListSource>(*options.list, options.nulDelimited), walk);
+    if (options.list)
+        return filtered(std::make_unique<ListSource>(*options.list, options.nulDelimited), walk);
+    if (options.directories.empty())
+        throw wrongUse(options.format ? "--from: FILE is required" : "DIR or --list is required");
+    std::vector<std::unique_ptr<PathSource>> sources;
+    for (const std::string& name : options.directories) {
+        if (options.format)
+            sources.push_back(filtered(openFormat(name, options), walk));
+        else if (isFile(name))
+            sources.push_back(filtered(openArchive(name), walk));
+        else
+            sources.push_back(std::make_unique<DirectorySource>(name, walk, set, options.verbose));
     }
-    if (options.directories.empty()) throw wrongUse("DIR or --list is required");
-    return std::make_unique<DirectorySource>(options.directories, walk, set, options.verbose);
+    return std::make_unique<SourceSequence>(std::move(sources));
 }
 
 std::string printableNames(const SourceOptions& options) {
-    if (options.list) return ListSource::printableName(*options.list);
+    if (options.list) return printablePath(nameOfInput(*options.list));
     std::string names;
-    for (const std::string& directory : options.directories)
-        names.append(names.empty() ? "" : ", ").append(printablePath(directory));
+    for (const std::string& name : options.directories)
+        names.append(names.empty() ? "" : ", ")
+            .append(printablePath(options.format ? nameOfInput(name) : name));
     return names;
 }
 

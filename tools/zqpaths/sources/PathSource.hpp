@@ -1,5 +1,5 @@
 #pragma once
-// PathSource gives the paths of directories or of a list, once:
+// PathSource gives the paths of directories, lists, archives or listings, once:
 //
 //     const std::unique_ptr<PathSource> source = openSource(options.source, "usr.zqp");
 //     const SourceReport report = source->visit([](std::string_view path) { ... });
@@ -26,7 +26,8 @@ public:
     virtual ~PathSource() = default;
 
     /// Gives all paths. Throws Failure kFailed for a list that cannot be read, or, with its line,
-    /// that holds an empty path or a NUL; and what the visitor throws. Called once.
+    /// that holds an empty path, a NUL or what does not fit its format, and for an archive that is
+    /// damaged; and what the visitor throws. Called once.
     virtual SourceReport visit(const std::function<void(std::string_view path)>& visitor) = 0;
 
     /// How much of it has been given, from 0 to 1, if that can be foretold; asked on any thread.
@@ -34,11 +35,11 @@ public:
 };
 
 /// A source for a set; its file, also the one that is being written when the paths are visited, is
-/// not among those of a directory. Throws Failure kFailed if neither a list nor directories are
-/// given, if the list cannot be read, one of the directories is none or an option cannot be meant.
+/// not among those of a directory. Throws Failure kFailed if nothing to read is given, if it
+/// cannot be read or is not what it should be, and for options that cannot be meant.
 std::unique_ptr<PathSource> openSource(const SourceOptions& options, const std::string& set);
 
-/// How messages call a source: the names of its directories or of its list.
+/// How messages call a source: the names of its directories or files.
 std::string printableNames(const SourceOptions& options);
 
 }  // namespace zqpaths::program

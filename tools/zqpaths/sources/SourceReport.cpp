@@ -26,6 +26,13 @@ void tellLeftOut(const LeftOutNames& leftOut) {
 
 }  // namespace
 
+SourceReport& SourceReport::operator+=(const SourceReport& next) {
+    leftOut += next.leftOut;
+    if (unreadableCount == 0) firstUnreadable = next.firstUnreadable;
+    unreadableCount += next.unreadableCount;
+    return *this;
+}
+
 void SourceReport::addUnreadable(std::string_view path, std::string_view reason, bool isTold) {
     const std::string text = printablePath(path).append(": ").append(reason);
     if (unreadableCount++ == 0) firstUnreadable = text;

@@ -19,6 +19,10 @@ struct SourceReport {
     std::uint64_t unreadableCount = 0;  // directories
     std::string firstUnreadable;        // "/a/b: Permission denied", for people
 
+    /// What is said of two sources, one after the other.
+    SourceReport& operator+=(const SourceReport& next);
+
+    /// Tells it on standard error if `isTold`.
     void addUnreadable(std::string_view path, std::string_view reason, bool isTold);
 };
 

@@ -84,6 +84,6 @@ told() {
     for types in '' x f, ,f fd 'f d'; do
         fails_with 2 '--type' zqpaths index s.zqp --type "$types" tree
     done
-    fails_with 2 'a list does not tell types' zqpaths index s.zqp --type f --list - <<<a
+    fails_with 2 'only directories tell types' zqpaths index s.zqp --type f --list - <<<a
     fails_with 2 'none: No such file' zqpaths index s.zqp --exclude-from none tree
 }
