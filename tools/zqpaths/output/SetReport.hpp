@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tools/zqpaths/output/Figures.hpp"
+#include "tools/zqpaths/output/TerminalCharacters.hpp"
 #include "zqpaths/set/SetStatistics.hpp"
 
 namespace zqpaths::program {
@@ -37,6 +38,6 @@ struct ReportStyle {
 std::string reportText(const SetReport& report, const ReportStyle& style);
 
 /// One object on one line, without its end. What is not known is null.
-std::string reportJson(const SetReport& report);
+std::string reportJson(const SetReport& report, Charset charset = Charset::kUtf8);
 
 }  // namespace zqpaths::program

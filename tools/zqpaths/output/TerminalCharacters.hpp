@@ -13,6 +13,8 @@
 
 namespace zqpaths::program {
 
+inline constexpr char32_t kFirstNotAscii = 0x80;
+
 /// Which characters a terminal takes.
 enum class Charset { kAscii, kUtf8 };
 
