@@ -19,11 +19,28 @@ with
 .B \-\-progress=json
 it is written wherever standard error leads, an object a line.
 .PP
+On a terminal no name can move the cursor or hide a part of itself: control characters and bytes
+that are not UTF\-8 are written as \ex0A, other characters that move or hide text as \eu202E,
+and a backslash is doubled.
+Pipes and files get the bytes.
+A newline in a path that is ended by a newline is told at the end, or refused with
+.BR \-\-strict ;
+so is a tab in a field that others follow.
+.PP
+.B \-\-fields
+prints of each path what it names, with tabs between.
+.I folder
+is all before the last name, as the path gives it, and
+.I extension
+what follows the last dot of the name: dots at the front of a name begin none, and one at its
+end neither.
+.B \-\-csv
+prints them as RFC 4180 has it, bytes as they are.
 With
 .B \-\-json
 a path that is not UTF\-8 has U+FFFD in place of each bad byte, and a field
 .I bytes
-with all its bytes in base64.
+with all its bytes in base64; what a terminal would obey or hide is escaped.
 )";
 
 constexpr std::string_view kEndings =
@@ -43,6 +60,9 @@ A set is damaged.
 .TP
 .B 4
 More than the program or the machine can hold.
+.PP
+Where whoever reads standard output has gone, the program ends by SIGPIPE, which a shell gives as
+141.
 .SH ENVIRONMENT
 .TP
 .B NO_COLOR

@@ -44,7 +44,7 @@ void putName(JsonWriter& writer, std::string_view key, std::string_view bytesKey
     putText(writer, toBase64(name));
 }
 
-void appendShown(std::string_view json, std::string& out) {
+void appendShown(std::string_view json, Charset charset, std::string& out) {
     const std::size_t plain = shownAsciiPrefix(json);
     out += json.substr(0, plain);
     if (plain == json.size()) return;
@@ -53,7 +53,8 @@ void appendShown(std::string_view json, std::string& out) {
     appendUtf16(json.substr(plain), text);
     for (std::u16string_view rest = text; !rest.empty();) {
         const std::u16string_view character = takeCharacter(rest);
-        if (isShown(codeOf(character))) {
+        const char32_t code = codeOf(character);
+        if (isShown(code) && (charset == Charset::kUtf8 || code < kFirstNotAscii)) {
             appendBytes(character, out);
         } else {
             for (const char16_t unit : character) appendUnit(unit, out);
@@ -100,9 +101,9 @@ void JsonObject::addNames(std::string_view key, std::string_view bytesKey,
     writer_.EndArray();
 }
 
-void JsonObject::appendTo(std::string& out) {
+void JsonObject::appendTo(std::string& out, Charset charset) {
     writer_.EndObject();
-    appendShown({text_.GetString(), text_.GetSize()}, out);
+    appendShown({text_.GetString(), text_.GetSize()}, charset, out);
 }
 
 void JsonObject::clear() {

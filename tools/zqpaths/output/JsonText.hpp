@@ -1,11 +1,13 @@
 #pragma once
 // Objects in JSON, one a line. They are UTF-8, though names of files are any bytes, and whatever a
-// terminal would obey or hide is written as \uXXXX, so that they can be printed anywhere.
+// terminal would obey or hide is written as \uXXXX, so that they can be printed anywhere; for a
+// terminal whose locale is not UTF-8, all that is not ASCII is.
 //
 //     JsonObject object;
 //     object.add("number", 7);
 //     object.addName("path", "bytes", "caf\xC3\xA9\xFF");
-//     object.finish();  // {"number":7,"path":"café?","bytes":"Y2Fmw6n/"}, with U+FFFD for the ?
+//     object.appendTo(out);  // {"number":7,"path":"café?","bytes":"Y2Fmw6n/"}, with U+FFFD for the
+//     ?
 //
 // Threads: an object belongs to one thread at a time.
 
@@ -16,6 +18,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+
+#include "tools/zqpaths/output/Terminal.hpp"
 
 namespace zqpaths::program {
 
@@ -29,9 +33,9 @@ void putText(JsonWriter& writer, std::string_view text);
 void putName(JsonWriter& writer, std::string_view key, std::string_view bytesKey,
              std::string_view name);
 
-/// Appends what a writer has written, with \uXXXX for each character that isShown() is false for.
-/// O(bytes).
-void appendShown(std::string_view json, std::string& out);
+/// Appends what a writer has written, with \uXXXX for each character that isShown() is false for
+/// or that is not of the charset. O(bytes).
+void appendShown(std::string_view json, Charset charset, std::string& out);
 
 /// One object on one line, field by field.
 class JsonObject {
@@ -52,7 +56,7 @@ public:
                   std::span<const std::string> names);
 
     /// Ends the object and appends it, without an end of the line.
-    void appendTo(std::string& out);
+    void appendTo(std::string& out, Charset charset = Charset::kUtf8);
 
     /// Begins another object.
     void clear();

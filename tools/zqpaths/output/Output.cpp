@@ -179,7 +179,7 @@ void Output::line(std::string_view text) {
 }
 
 void Output::line(JsonObject& object) {
-    object.appendTo(out_.buffer());
+    object.appendTo(out_.buffer(), charset_);
     endWith("\n");
 }
 

@@ -16,7 +16,6 @@ namespace zqpaths::program {
 namespace {
 
 constexpr std::size_t kMaxCharacters = 160;  // of a path that is written out in full
-constexpr char32_t kFirstNotAscii = 0x80;
 constexpr char32_t kLastOfFourDigits = 0xFFFF;
 
 void appendEscape(const char* format, std::uint32_t code, std::string& out) {

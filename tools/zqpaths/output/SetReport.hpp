@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tools/zqpaths/output/Figures.hpp"
+#include "tools/zqpaths/output/Terminal.hpp"
 #include "tools/zqpaths/output/TextDrawing.hpp"
 #include "zqpaths/set/SetStatistics.hpp"
 
@@ -31,6 +32,6 @@ struct SetReport {
 std::string reportText(const SetReport& report, const DrawingStyle& style, SizeUnits units);
 
 /// One object on one line, without its end. What is not known is null.
-std::string reportJson(const SetReport& report);
+std::string reportJson(const SetReport& report, Charset charset = Charset::kUtf8);
 
 }  // namespace zqpaths::program

@@ -98,7 +98,7 @@ void putFolders(JsonWriter& writer, const SetStatistics& statistics) {
 
 }  // namespace
 
-std::string reportJson(const SetReport& report) {
+std::string reportJson(const SetReport& report, Charset charset) {
     const SetStatistics& statistics = report.statistics;
     rapidjson::StringBuffer text;
     JsonWriter writer(text);
@@ -116,7 +116,7 @@ std::string reportJson(const SetReport& report) {
     putFolders(writer, statistics);
     writer.EndObject();
     std::string shown;
-    appendShown({text.GetString(), text.GetSize()}, shown);
+    appendShown({text.GetString(), text.GetSize()}, charset, shown);
     return shown;
 }
 

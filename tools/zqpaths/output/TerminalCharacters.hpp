@@ -13,6 +13,8 @@
 
 namespace zqpaths::program {
 
+inline constexpr char32_t kFirstNotAscii = 0x80;
+
 /// False for control characters, separators of lines and paragraphs, and whatever Unicode calls
 /// ignorable by default, such as marks of direction, joiners, tags and variation selectors.
 bool isShown(char32_t character) noexcept;

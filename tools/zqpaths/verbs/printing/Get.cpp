@@ -142,8 +142,10 @@ Verb getVerb() {
         .options = rows(setArgument(options->set),
                         arguments("NUMBER", options->numbers,
                                   "N, A:B or A:B:STEP; - for those on standard input"),
-                        flag("--groups", options->groups, "print each folder, then its files"),
-                        outputOptions(options->output), messageOptions(options->messages)),
+                        outputOptions(options->output),
+                        excluding("--csv,--fields", flag("--groups", options->groups,
+                                                         "print each folder, then its files")),
+                        messageOptions(options->messages)),
         .run = [options] { return get(*options); }};
 }
 

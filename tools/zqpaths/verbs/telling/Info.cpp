@@ -60,7 +60,7 @@ ExitStatus info(const InfoOptions& options) {
     const SetReport report = reportOn(options.set);
     Output output({});
     if (options.json) {
-        output.line(reportJson(report));
+        output.line(reportJson(report, charsetOf(STDOUT_FILENO)));
     } else {
         output.text(reportText(report, styleOfStandardOutput(), unitsOf(options)));
     }

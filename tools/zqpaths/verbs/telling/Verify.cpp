@@ -96,6 +96,7 @@ void requireNoDamage(const PathSet& set, const VerifyOptions& options, Output& o
     if (damages.empty()) return;
     if (options.output.json) {
         std::vector<std::string> texts;
+        texts.reserve(damages.size());
         for (const Error& damage : damages) texts.emplace_back(damage.what());
         printResult(options, set.size(), texts, std::nullopt, output);
         output.finish();

@@ -49,6 +49,8 @@ PY
     make_set s.zqp a
     fails_with 2 "no field 'size'" zqpaths list s.zqp --fields path,size
     fails_with 2 "no field '\\x1B'" zqpaths list s.zqp --fields $'\e'
+    fails_with 2 'excludes --groups' zqpaths get s.zqp 1 --groups --csv
+    fails_with 2 'excludes --groups' zqpaths get s.zqp 1 --groups --fields name
     fails_with 2 'name is given twice' zqpaths get s.zqp 1 --fields name,path,name
 }
 

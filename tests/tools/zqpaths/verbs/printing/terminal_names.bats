@@ -77,6 +77,8 @@ END
     terminal_locale=C
     on_terminal zqpaths list s.zqp
     [ "$screen" = 'caf\xC3\xA9' ]
+    on_terminal zqpaths list s.zqp --json
+    [ "$screen" = '{"number":1,"path":"caf\u00E9"}' ]
 }
 
 @test "pipes and files get the bytes" {
