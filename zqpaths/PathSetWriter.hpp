@@ -51,8 +51,9 @@ public:
     /// so. Amortised O(bytes).
     void add(std::string_view path);
 
-    /// Has `watcher` told from the next call on of the paths that are coded, those of small segments
-    /// that are joined among them, and of the moment from which on commit waits for the device. It may be called until the writer is gone.
+    /// Has `watcher` told from the next call on of the paths that are coded, those of small
+    /// segments that are joined among them, and of the moment from which on commit waits for the
+    /// device. It may be called until the writer is gone.
     void watch(WorkWatcher watcher);
 
     /// Paths that the set will have: those that were there and those added.

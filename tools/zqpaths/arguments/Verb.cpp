@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "tools/zqpaths/arguments/Names.hpp"
 #include "tools/zqpaths/output/PrintablePath.hpp"
 
 namespace zqpaths::program {
@@ -38,7 +39,7 @@ Option textOption(std::string names, std::string value, Taken& taken, std::strin
 
 }  // namespace
 
-std::vector<std::string> Option::namesApart() const {
+std::vector<std::string> namesApart(const std::string& names) {
     std::vector<std::string> apart;
     for (std::size_t begin = 0; begin < names.size();) {
         const std::size_t end = std::min(names.find(',', begin), names.size());
@@ -48,9 +49,24 @@ std::vector<std::string> Option::namesApart() const {
     return apart;
 }
 
+bool Option::canBe(const std::string& text) const {
+    const auto isWord = [this](const std::string& part) {
+        return std::ranges::find(words, part) != words.end();
+    };
+    if (words.empty()) return true;
+    if (!isWordList) return isWord(text);
+    std::size_t begin = 0;
+    while (true) {
+        const std::size_t end = text.find(',', begin);
+        if (!isWord(text.substr(begin, end - begin))) return false;
+        if (end == std::string::npos) return true;
+        begin = end + 1;
+    }
+}
+
 std::string Option::describedFully() const {
     std::string text = description;
-    if (!excluded.empty()) text += "; not with " + excluded;
+    if (!excluded.empty()) text += "; not with " + inWords(program::namesApart(excluded), "or");
     if (!needed.empty()) text += "; with " + needed;
     return text;
 }

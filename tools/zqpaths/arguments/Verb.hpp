@@ -29,6 +29,9 @@ namespace zqpaths::program {
 /// The value of an option that takes a file; shells complete its name.
 inline constexpr const char* kFileValue = "FILE";
 
+/// "-j" and "--jobs" of "-j,--jobs"; none of an empty text.
+std::vector<std::string> namesApart(const std::string& names);
+
 /// An option, or an argument without a name before it.
 struct Option {
     std::string names;        // "-j,--jobs"; "SET" is an argument
@@ -38,15 +41,18 @@ struct Option {
     std::function<void(const std::string& text)> take;
     bool isRequired = false;
     bool isRepeated = false;           // given any number of times; an argument: all that are left
-    std::string excluded{};            // an option that cannot be given with it
+    std::string excluded{};            // options that cannot be given with it: "-0,--json"
     std::string needed{};              // one that must be
     std::vector<std::string> words{};  // all that it can be, if these are few
+    bool isWordList = false;           // it can be several of the words, apart by commas
 
     bool isArgument() const { return !names.starts_with('-'); }
     bool isSwitch() const { return !isArgument() && value.empty(); }
 
-    /// "-j" and "--jobs".
-    std::vector<std::string> namesApart() const;
+    std::vector<std::string> namesApart() const { return program::namesApart(names); }
+
+    /// Whether the text is one of the words, or a list of them; true if there are none.
+    bool canBe(const std::string& text) const;
 
     /// The description with what else is to be known: "print one object a line; not with --null".
     std::string describedFully() const;
