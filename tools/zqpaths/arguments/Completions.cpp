@@ -50,16 +50,6 @@ std::vector<std::string> wordsOf(const Verb& verb) {
     return {};
 }
 
-/// What bash offers after an option whose value is one of few words.
-std::string bashWordsOfValues(const Verb& verb) {
-    std::string text;
-    for (const Option& option : verb.options)
-        if (!option.isArgument() && !option.words.empty())
-            text += "            [[ $previous == @(" + joined(option.namesApart(), "|") +
-                    ") ]] && words=" + quoted(joined(option.words, " ")) + '\n';
-    return text;
-}
-
 /// The names of options whose value no shell can guess, as a pattern of bash; empty if there are
 /// none.
 std::string bashPatternOfValues(const Verb& verb) {
@@ -70,6 +60,13 @@ std::string bashPatternOfValues(const Verb& verb) {
     return pattern;
 }
 
+/// What the values of an option can be, where that is few words.
+std::string bashValues(const Option& option) {
+    return "            [[ $previous == @(" + joined(option.namesApart(), "|") +
+           ") ]] && values=" + quoted(joined(option.words, " ")) +
+           (option.isWordList ? " list=1" : "") + '\n';
+}
+
 std::string bashVerb(const Verb& verb) {
     std::string options;
     for (const Option& option : verb.options)
@@ -78,22 +75,24 @@ std::string bashVerb(const Verb& verb) {
     std::string text = "        " + verb.name + ")\n            options=" + quoted(options) + '\n';
     const std::vector<std::string> words = wordsOf(verb);
     if (!words.empty()) text += "            words=" + quoted(joined(words, " ")) + '\n';
-    text += bashWordsOfValues(verb);
+    for (const Option& option : verb.options)
+        if (!option.isArgument() && !option.words.empty()) text += bashValues(option);
     const std::string values = bashPatternOfValues(verb);
     if (!values.empty()) text += "            [[ $previous == @(" + values + ") ]] && value=1\n";
     return text + "            ;;\n";
 }
 
-/// What zsh offers for the value of an option.
-std::string zshAction(const Option& option) {
-    if (!option.words.empty()) return ":(" + joined(option.words, " ") + ')';
-    return option.value == kFileValue ? ":_files" : ": ";
+std::string zshValues(const Option& option) {
+    if (option.value == kFileValue) return "_files";
+    if (option.words.empty()) return " ";
+    const std::string words = joined(option.words, " ");
+    return option.isWordList ? "_values -s , " + option.value + ' ' + words : '(' + words + ')';
 }
 
 std::string zshOption(const Option& option) {
     const std::string description = '[' + escaped(option.description, "[]\\:", "\\") + ']';
     std::string value;
-    if (!option.value.empty()) value = ':' + option.value + zshAction(option);
+    if (!option.value.empty()) value = ':' + option.value + ':' + zshValues(option);
     const std::vector<std::string> names = option.namesApart();
     if (names.size() == 1) return quoted(names.front() + description + value);
     return quoted('(' + joined(names, " ") + ')') + '{' + joined(names, ",") + '}' +
@@ -110,13 +109,18 @@ std::string zshVerb(const Verb& verb) {
     return text + " \\\n                " + quoted(operand) + "\n            ;;\n";
 }
 
+std::string fishValues(const Option& option) {
+    if (!option.isWordList) return fishQuoted(joined(option.words, " "));
+    return fishQuoted("(__fish_complete_list , 'printf \"%s\\n\" " + joined(option.words, " ") +
+                      "')");
+}
+
 std::string fishOption(const std::string& condition, const Option& option) {
     std::string text = condition;
     for (const std::string& name : option.namesApart())
         text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
     if (!option.value.empty()) text += option.value == kFileValue ? " -r -F" : " -x";
-    if (!option.isArgument() && !option.words.empty())
-        text += " -a " + fishQuoted(joined(option.words, " "));
+    if (!option.words.empty()) text += " -a " + fishValues(option);
     return text + " -d " + fishQuoted(option.description) + '\n';
 }
 
@@ -132,8 +136,11 @@ std::string bashCompletion(const ProgramTable& table) {
     const std::string function = "_" + table.name;
     return "# Completions of " + table.name + " for bash.\n\n" + function + R"(() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local options='' words='' value=''
+    local options='' words='' value='' values='' list=''
     COMPREPLY=()
+    # "--name=val" comes as three words.
+    [[ $current == = ]] && current=''
+    [[ $previous == = ]] && previous=${COMP_WORDS[COMP_CWORD - 2]}
     if ((COMP_CWORD == 1)); then
         compopt +o default 2>/dev/null
         COMPREPLY=($(compgen -W ')" +
@@ -144,7 +151,11 @@ std::string bashCompletion(const ProgramTable& table) {
 )" + cases +
            R"(        *) ;;
     esac
-    if [[ -n $value ]]; then
+    if [[ -n $values ]]; then
+        local before=''
+        [[ -n $list && $current == *,* ]] && before=${current%,*},
+        COMPREPLY=($(compgen -P "$before" -W "$values" -- "${current#"$before"}"))
+    elif [[ -n $value ]]; then
         compopt +o default 2>/dev/null
     elif [[ $current == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$current"))

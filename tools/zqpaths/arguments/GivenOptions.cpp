@@ -193,10 +193,12 @@ private:
     }
 
     void requireWord(const Given& given) const {
+        if (given.option->canBe(given.text)) return;
         const std::vector<std::string>& words = given.option->words;
-        if (words.empty() || std::ranges::find(words, given.text) != words.end()) return;
-        refuse(": " + nameOf(*given.option) + " is " + inWords(words, "or") + ", not '" +
-               printablePath(given.text) + "'" + nearestInWords(given.text, words, "'"));
+        const bool isList = given.option->isWordList;
+        refuse(": " + nameOf(*given.option) + " is " + (isList ? "a list of " : "") +
+               inWords(words, isList ? "and" : "or") + ", not '" + printablePath(given.text) + "'" +
+               nearestInWords(given.text, words, "'"));
     }
 
     void requireNoneMissing() const {

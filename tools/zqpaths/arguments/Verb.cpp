@@ -49,6 +49,21 @@ std::vector<std::string> namesApart(const std::string& names) {
     return apart;
 }
 
+bool Option::canBe(const std::string& text) const {
+    const auto isWord = [this](const std::string& part) {
+        return std::ranges::find(words, part) != words.end();
+    };
+    if (words.empty()) return true;
+    if (!isWordList) return isWord(text);
+    std::size_t begin = 0;
+    while (true) {
+        const std::size_t end = text.find(',', begin);
+        if (!isWord(text.substr(begin, end - begin))) return false;
+        if (end == std::string::npos) return true;
+        begin = end + 1;
+    }
+}
+
 std::string Option::describedFully() const {
     std::string text = description;
     if (!excluded.empty()) text += "; not with " + inWords(program::namesApart(excluded), "or");

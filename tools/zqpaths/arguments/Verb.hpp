@@ -44,11 +44,15 @@ struct Option {
     std::string excluded{};            // options that cannot be given with it: "-0,--json"
     std::string needed{};              // one that must be
     std::vector<std::string> words{};  // all that it can be, if these are few
+    bool isWordList = false;           // it can be several of the words, apart by commas
 
     bool isArgument() const { return !names.starts_with('-'); }
     bool isSwitch() const { return !isArgument() && value.empty(); }
 
     std::vector<std::string> namesApart() const { return program::namesApart(names); }
+
+    /// Whether the text is one of the words, or a list of them; true if there are none.
+    bool canBe(const std::string& text) const;
 
     /// The description with what else is to be known: "print one object a line; not with --null".
     std::string describedFully() const;

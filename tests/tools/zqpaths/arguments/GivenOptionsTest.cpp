@@ -21,6 +21,9 @@ protected:
         out.isRequired = false;
         Option how = text("--how", "HOW", how_, "in which way");
         how.words = {"fast", "slow"};
+        Option fields = text("--fields", "FIELDS", fields_, "which");
+        fields.words = {"name", "path"};
+        fields.isWordList = true;
         Option not0 = text("--not", "GLOB", glob_, "what not");
         not0.isRepeated = true;
         not0.take = [this](const std::string& text) { globs_.push_back(text); };
@@ -34,7 +37,7 @@ protected:
                                  flag("-i,--ignore-case", ignoreCase_, "any case"),
                                  flag("-c,--count", isCount_, "the count"),
                                  number("-n,--number", "N", number_, "how many"), std::move(how),
-                                 std::move(not0), std::move(folded)),
+                                 std::move(not0), std::move(folded), std::move(fields)),
                  .run = [] { return ExitStatus::kDone; }};
     }
 
@@ -60,6 +63,7 @@ protected:
     std::uint64_t number_ = 0;
     std::string how_;
     std::string glob_;
+    std::string fields_;
     std::vector<std::string> globs_;
     Verb verb_;
 };
@@ -144,6 +148,11 @@ TEST_F(GivenOptions, areRefusedWithValuesThatTheyCannotHave) {
     EXPECT_THAT(complaint({"s", "--how", "fsat"}),
                 StartsWith("fold: --how is fast or slow, not 'fsat'; the nearest is 'fast'\n"));
     EXPECT_THAT(complaint({"s", "--how="}), StartsWith("fold: --how is fast or slow, not ''\n"));
+    EXPECT_THAT(complaint({"s", "--fields", "path,nmae"}),
+                StartsWith("fold: --fields is a list of name and path, not 'path,nmae'\n"));
+    EXPECT_THAT(complaint({"s", "--fields", "path,"}), HasSubstr(" is a list of "));
+    EXPECT_TRUE(give({"s", "--fields", "path,name,path"}));
+    EXPECT_EQ(fields_, "path,name,path");
     EXPECT_THAT(complaint({"s", "--number", "\x1b"}),
                 StartsWith("-n,--number: \\x1B is no whole number"));
 }

@@ -80,6 +80,17 @@ complete_words() {
     [ -z "$output" ]
 }
 
+@test "bash completes the values of an option" {
+    run -0 complete_words zqpaths verify s.zqp --progress j
+    [ "$output" = json ]
+    run -0 complete_words zqpaths verify s.zqp --progress = n
+    [ "$output" = none ]
+    run -0 complete_words zqpaths verify s.zqp --progress =
+    [ "${lines[*]}" = 'auto json none' ]
+    run -0 complete_words zqpaths help fin
+    [ "$output" = find ]
+}
+
 @test "zsh reads its completion" {
     zsh -n "$PREFIX/share/zsh/site-functions/_zqpaths"
 }
@@ -94,6 +105,7 @@ fish_completes() {
     [ "$(fish_completes 'zqpaths sh')" = shuffle ]
     [ "$(fish_completes 'zqpaths split s.zqp --r')" = --rank ]
     [ "$(fish_completes 'zqpaths document z')" = zsh ]
+    [ "$(fish_completes 'zqpaths verify s.zqp --progress j')" = json ]
 }
 
 @test "a kind that there is not is refused" {
