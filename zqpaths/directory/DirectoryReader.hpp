@@ -5,8 +5,11 @@
 // Threads: calls may come from several threads, each for a directory of its own.
 
 #include <list>
+#include <string>
+#include <vector>
 
 #include "zqpaths/directory/DirectoryWalk.hpp"
+#include "zqpaths/directory/KnownDirectories.hpp"
 #include "zqpaths/directory/OpenDirectories.hpp"
 #include "zqpaths/directory/WalkedDirectory.hpp"
 
@@ -14,11 +17,13 @@ namespace zqpaths {
 
 class DirectoryReader {
 public:
-    explicit DirectoryReader(const WalkOptions& options) noexcept
-        : options_(options), open_(options.follow) {}
+    /// `known` outlives the reader, and may be null.
+    DirectoryReader(const WalkOptions& options, const KnownDirectories* known) noexcept
+        : options_(options), known_(known), open_(options.follow) {}
 
-    /// Fills in what is in `directory` and returns its sub-directories, in byte order. The root is
-    /// read before all others. Throws nothing: what goes wrong is left in `directory`.
+    /// Fills in what is in `directory` and returns its sub-directories, in byte order; neighbours
+    /// that are known and as they were as one that is kept. The root is read before all others.
+    /// Throws nothing: what goes wrong is left in `directory`.
     std::list<WalkedDirectory> read(WalkedDirectory& directory) noexcept;
 
     /// Nothing below `directory` will be read any more.
@@ -27,10 +32,16 @@ public:
 private:
     /// Whether the walk goes into an open directory.
     bool isEntered(WalkedDirectory& directory, int descriptor) const;
+    bool isAsItWas(const WalkedDirectory& directory) const;
+    std::list<WalkedDirectory> knownSubdirectories(WalkedDirectory& directory) const;
     std::list<WalkedDirectory> readNames(WalkedDirectory& directory, DIR* stream) const;
+    std::list<WalkedDirectory> subdirectoriesOf(WalkedDirectory& directory,
+                                                std::vector<std::string> names) const;
+    bool isLeftOut(const WalkedDirectory& directory, const dirent& entry) const;
     bool isWalked(int directory, const dirent& entry) const;
 
     const WalkOptions options_;
+    const KnownDirectories* const known_;
     OpenDirectories open_;
 };
 

@@ -12,19 +12,30 @@
 //
 // Threads: walks may run side by side; the callbacks are called by the thread that walks.
 
+#include <cstdint>
 #include <functional>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "zqpaths/Export.hpp"
+#include "zqpaths/directory/ScanRecord.hpp"
 
 namespace zqpaths {
+
+/// One file of the system, whatever its names are.
+struct FileIdentity {
+    std::uint64_t device;
+    std::uint64_t inode;
+};
 
 struct WalkOptions {
     bool follow = false;         // symbolic links to directories are walked, not reported
     bool oneFileSystem = false;  // directories of other file systems than the root's are left out
     bool skipHidden = false;     // names that begin with '.' are left out; the root never is
-    unsigned jobs = 1;           // threads that read directories; 0 for one a core
+    std::optional<FileIdentity> leftOut{};  // a file that is never given: the set itself
+    unsigned jobs = 1;                      // threads that read directories; 0 for one a core
 };
 
 /// Takes the path of something that is no directory: the root as given, a separator unless the
@@ -34,6 +45,40 @@ using EntryVisitor = std::function<void(std::string_view path)>;
 /// Takes the path of what could not be read, and why: in the system's words, or which directory
 /// above it a followed link leads back to.
 using ErrorVisitor = std::function<void(std::string_view path, std::string_view reason)>;
+
+/// A directory that the walk has come to. What is in it follows. All views are valid during the
+/// call.
+struct MetDirectory {
+    std::string_view path;                     // as of what is in it, with a separator at the end
+    ScannedDirectory directory;                // its name, and what is to be recorded of it
+    std::optional<std::uint32_t> known;        // its place in what is known
+    bool isUnchanged = false;                  // and nothing is told of its files
+    std::span<const std::string> files{};      // the names of what is no directory, in byte order
+    std::span<const std::string_view> gone{};  // sub-directories that are known and not there
+};
+using DirectoryVisitor = std::function<void(const MetDirectory& directory)>;
+
+/// Takes directories that are as they were, with all below them: from one place of what is known up
+/// to the one before another.
+using KeptVisitor = std::function<void(std::uint32_t first, std::uint32_t end)>;
+
+/// What is told of a walk, in its order: a directory, what is no directory in it, then those below.
+struct WalkVisitors {
+    ErrorVisitor onError;
+    // These may be empty.
+    EntryVisitor onPath{};
+    DirectoryVisitor onDirectory{};
+    KeptVisitor onKept{};
+};
+
+struct KnownDirectories;
+
+/// Walks `root`. With `known`, directories that are as they were are not read: those that have
+/// none below them that is not are kept, as a whole. Else as the next. O(entries log entries of one
+/// directory that is read + those that are known and not kept).
+ZQPATHS_EXPORT void walkDirectory(const std::string& root, const WalkOptions& options,
+                                  const WalkVisitors& visitors,
+                                  const KnownDirectories* known = nullptr);
 
 /// Walks `root`. What cannot be read goes to `onError`, the walk goes on past it. Throws
 /// std::bad_alloc, std::system_error if a thread cannot be had, and what the callbacks throw.
