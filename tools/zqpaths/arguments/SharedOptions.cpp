@@ -14,6 +14,10 @@ Option seedOption(std::uint64_t& seed) {
     return required(number("--seed", "S", seed, "the same seed gives the same order everywhere"));
 }
 
+Option goneOption(bool& gone) {
+    return flag("--gone", gone, "only paths that are gone, which are left out else");
+}
+
 Option progressOption(MessageOptions& messages) {
     return flag("--no-progress", messages.noProgress, "show no progress");
 }
@@ -28,19 +32,26 @@ std::vector<Option> messageOptions(MessageOptions& messages) {
     return rows(flag("-q,--quiet", messages.quiet, "tell errors only"), progressOption(messages));
 }
 
-std::vector<Option> sourceOptions(SourceOptions& source) {
+Option directoriesArgument(SourceOptions& source) {
     Option directories =
         arguments("DIR", source.directories,
                   "directories to walk: all in them that is no directory is taken");
-    directories.isRequired = false;  // without any there is a list
+    directories.isRequired = false;
+    return directories;
+}
+
+std::vector<Option> sourceOptions(SourceOptions& source) {
     Option nulDelimited =
         flag("-0,--null", source.nulDelimited, "the paths of the list end with NUL");
     nulDelimited.needed = "--list";
+    return rows(directoriesArgument(source),  // without any there is a list
+                excluding("DIR", text("--list", kFileValue, source.list,
+                                      "the paths in FILE, - for standard input")),
+                std::move(nulDelimited), walkOptions(source));
+}
+
+std::vector<Option> walkOptions(SourceOptions& source) {
     return rows(
-        std::move(directories),
-        excluding("DIR", text("--list", kFileValue, source.list,
-                              "the paths in FILE, - for standard input")),
-        std::move(nulDelimited),
         flag("--follow", source.follow, "follow symbolic links to directories"),
         flag("--one-file-system", source.oneFileSystem, "stay on the file system of DIR"),
         flag("--hidden", source.hidden, "take names that begin with a dot, too"),

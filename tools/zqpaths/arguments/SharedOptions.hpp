@@ -43,10 +43,13 @@ struct PieceOptions {
 Option setArgument(std::string& set);
 Option forceOption(bool& force);
 Option seedOption(std::uint64_t& seed);
+Option goneOption(bool& gone);
 Option progressOption(MessageOptions& messages);  // the last of messageOptions()
 std::vector<Option> outputOptions(OutputOptions& output);
 std::vector<Option> messageOptions(MessageOptions& messages);
 std::vector<Option> sourceOptions(SourceOptions& source);
+Option directoriesArgument(SourceOptions& source);       // need not be given
+std::vector<Option> walkOptions(SourceOptions& source);  // the last of sourceOptions()
 std::vector<Option> pieceOptions(PieceOptions& pieces);
 
 }  // namespace zqpaths::program

@@ -131,14 +131,31 @@ void Output::path(std::string_view path) {
     end();
 }
 
-void Output::pathIn(Side side, std::uint64_t number, std::string_view path) {
+void Output::pathIn(Side side, std::optional<std::uint64_t> number, std::string_view path) {
     const bool isFirst = side == Side::kFirst;
     if (options_.json) {
         JsonObject object;
         object.add("in", std::string_view(isFirst ? "first" : "second"));
-        append(addNumberedPath(object, number, path).finish());
+        if (number) object.add("number", *number);
+        addPath(object, path);
+        append(object.finish());
     } else {
         append(isFirst ? "< " : "> ");
+        append(path);
+    }
+    end();
+}
+
+void Output::changed(PathChange change, std::uint64_t number, std::string_view path) {
+    const bool isGone = change == PathChange::kGone;
+    if (options_.json) {
+        JsonObject object;
+        object.add("change", std::string_view(isGone                         ? "gone"
+                                              : change == PathChange::kAdded ? "added"
+                                                                             : "back"));
+        append(addNumberedPath(object, number, path).finish());
+    } else {
+        append(isGone ? "- " : "+ ");
         append(path);
     }
     end();

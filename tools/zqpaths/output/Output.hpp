@@ -12,11 +12,13 @@
 // Threads: an output belongs to one thread at a time, and there is one at a time.
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "zqpaths/update/SetUpdate.hpp"
 
 namespace zqpaths::program {
 
@@ -40,7 +42,11 @@ public:
 
     /// A path that only one of two sets has: '<' or '>', a space and the path; with --json "in" is
     /// "first" or "second", and the number is the one that it has there.
-    void pathIn(Side side, std::uint64_t number, std::string_view path);
+    void pathIn(Side side, std::optional<std::uint64_t> number, std::string_view path);
+
+    /// A path that has come or gone: '+' or '-', a space and the path; with --json "change" is
+    /// "added", "gone" or "back".
+    void changed(PathChange change, std::uint64_t number, std::string_view path);
 
     void number(std::uint64_t number, std::string_view path);  // the number alone; with --json both
     void count(std::uint64_t count);                           // with --json {"count":7}

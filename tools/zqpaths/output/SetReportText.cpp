@@ -61,8 +61,10 @@ std::string figureLine(const char* label, const std::string& figure, const std::
     return line + '\n';
 }
 
-std::string counts(const SetStatistics& set) {
+std::string counts(const SetReport& report) {
+    const SetStatistics& set = report.statistics;
     std::string text = figureLine("paths", groupDigits(set.pathCount), "");
+    if (report.goneCount > 0) text += figureLine("gone", groupDigits(report.goneCount), "of them");
     text += figureLine("folders", groupDigits(set.folderCount), "");
     text += figureLine("characters", groupDigits(set.characterCount), "");
     const bool isKnown = set.codedCount && *set.codedCount > 0;
@@ -142,7 +144,7 @@ std::string largestFolders(const SetStatistics& set, const ReportStyle& style) {
 
 std::string reportText(const SetReport& report, const ReportStyle& style) {
     const SetStatistics& set = report.statistics;
-    return printablePath(report.file) + '\n' + counts(set) + sizes(report) + shape(set) +
+    return printablePath(report.file) + '\n' + counts(report) + sizes(report) + shape(set) +
            opening(report) + savedBytes(report, style) + largestFolders(set, style);
 }
 

@@ -19,9 +19,13 @@ GrowingSet::GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::s
 }
 
 void GrowingSet::save() {
+    saveQuietly();
+    tellSize();
+}
+
+void GrowingSet::saveQuietly() {
     DeferredSignals::throwIfOneCame();
     writer_->commit();
-    tellSize();
 }
 
 void GrowingSet::tellSize() const {

@@ -44,13 +44,20 @@ public:
         progress_.advance();
     }
 
+    /// For a step of work that adds nothing. Throws Failure if a signal has come.
+    void step() {
+        DeferredSignals::throwIfOneCame();
+        progress_.advance();
+    }
+
     /// For who adds paths otherwise; they are not counted, and no signal ends it.
     PathSetWriter& writer() noexcept { return *writer_; }
 
     std::uint64_t addedCount() const noexcept { return addedCount_; }
 
-    /// Makes the paths those of the file, and tells how many there are.
+    /// Makes the paths those of the file, and tells how many there are; or does not tell.
     void save();
+    void saveQuietly();
 
     /// Tells how many paths the file has; for who adds none.
     void tellSize() const;

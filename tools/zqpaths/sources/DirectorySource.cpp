@@ -7,9 +7,14 @@
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/output/Messages.hpp"
 #include "tools/zqpaths/output/PrintablePath.hpp"
+#include "zqpaths/directory/ScanOptions.hpp"
 
 namespace zqpaths::program {
-namespace {
+
+bool isDirectory(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::is_directory(path, error);
+}
 
 void requireDirectory(const std::string& path) {
     std::error_code error;
@@ -19,20 +24,25 @@ void requireDirectory(const std::string& path) {
     if (error) throw systemFailureAt(path, error.value());
 }
 
-}  // namespace
-
 DirectorySource::DirectorySource(std::vector<std::string> directories, const WalkOptions& options)
     : directories_(std::move(directories)), options_(options) {
     for (const std::string& directory : directories_) requireDirectory(directory);
 }
 
 void DirectorySource::visit(const std::function<void(std::string_view path)>& visitor) {
-    for (const std::string& directory : directories_)
-        walkDirectory(directory, options_, visitor,
-                      [this](std::string_view path, std::string_view reason) {
-                          ++unreadableCount_;
-                          tell(printablePath(path).append(": ").append(reason));
-                      });
+    const ErrorVisitor onError = [this](std::string_view path, std::string_view reason) {
+        ++unreadableCount_;
+        tell(printablePath(path).append(": ").append(reason));
+    };
+    for (const std::string& directory : directories_) {
+        ScanWriter scan({directory, nowInNanoseconds(), scanOptionsOf(options_)});
+        walkDirectory(
+            directory, options_,
+            {.onError = onError,
+             .onPath = visitor,
+             .onDirectory = [&scan](const MetDirectory& met) { scan.add(met.directory); }});
+        scans_.push_back(std::move(scan).finish());
+    }
 }
 
 }  // namespace zqpaths::program

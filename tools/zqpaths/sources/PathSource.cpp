@@ -12,11 +12,14 @@ namespace zqpaths::program {
 std::unique_ptr<PathSource> openSource(const SourceOptions& options) {
     if (options.list) return std::make_unique<ListSource>(*options.list, options.nulDelimited);
     if (options.directories.empty()) throw wrongUse("DIR or --list is required");
-    return std::make_unique<DirectorySource>(options.directories,
-                                             WalkOptions{.follow = options.follow,
-                                                         .oneFileSystem = options.oneFileSystem,
-                                                         .skipHidden = !options.hidden,
-                                                         .jobs = options.jobs});
+    return std::make_unique<DirectorySource>(options.directories, walkOptionsOf(options));
+}
+
+WalkOptions walkOptionsOf(const SourceOptions& options) {
+    return {.follow = options.follow,
+            .oneFileSystem = options.oneFileSystem,
+            .skipHidden = !options.hidden,
+            .jobs = options.jobs};
 }
 
 std::string printableNames(const SourceOptions& options) {

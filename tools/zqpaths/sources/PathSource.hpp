@@ -10,9 +10,11 @@
 #include <functional>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "tools/zqpaths/ExitStatus.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "zqpaths/directory/DirectoryWalk.hpp"
 
 namespace zqpaths::program {
 
@@ -27,6 +29,9 @@ public:
     /// that holds an empty path or a NUL; and what the visitor throws. Called once.
     virtual void visit(const std::function<void(std::string_view path)>& visitor) = 0;
 
+    /// What is to be remembered of the directories that were read; none of other sources.
+    virtual std::vector<EncodedScan> takeScans() { return {}; }
+
     /// The directories that could not be read; each was told on standard error.
     virtual std::uint64_t unreadableCount() const noexcept = 0;
 };
@@ -34,6 +39,9 @@ public:
 /// Throws Failure kFailed if neither a list nor directories are given, if the list cannot be read
 /// or one of the directories is none.
 std::unique_ptr<PathSource> openSource(const SourceOptions& options);
+
+/// How directories are to be read.
+WalkOptions walkOptionsOf(const SourceOptions& options);
 
 /// How messages call a source: the names of its directories or of its list.
 std::string printableNames(const SourceOptions& options);

@@ -6,9 +6,9 @@ ProgramTable programTable() {
     return {"zqpaths",
             ZQ_VERSION,
             "hold very large sets of file paths in small files",
-            {indexVerb(), addVerb(), getVerb(), listVerb(), findVerb(), numberVerb(), sampleVerb(),
-             shuffleVerb(), splitVerb(), infoVerb(), verifyVerb(), diffVerb(), mergeVerb(),
-             compactVerb(), exportVerb(), importVerb(), documentVerb()}};
+            {indexVerb(), addVerb(), updateVerb(), getVerb(), listVerb(), findVerb(), numberVerb(),
+             sampleVerb(), shuffleVerb(), splitVerb(), infoVerb(), verifyVerb(), diffVerb(),
+             mergeVerb(), compactVerb(), exportVerb(), importVerb(), documentVerb()}};
 }
 
 }  // namespace zqpaths::program

@@ -22,6 +22,7 @@ Verb numberVerb();
 Verb sampleVerb();
 Verb shuffleVerb();
 Verb splitVerb();
+Verb updateVerb();
 Verb verifyVerb();
 
 /// All of them, in the order in which people read of them.

@@ -8,6 +8,7 @@
 #include "tools/zqpaths/output/Output.hpp"
 #include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sets/WantedPaths.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 #include "zqpaths/Pattern.hpp"
 #include "zqpaths/search/PathScope.hpp"
@@ -20,6 +21,7 @@ struct ListOptions {
     bool walk = false;
     std::string under;  // only paths in this folder
     std::optional<std::string> glob;
+    bool gone = false;
     std::optional<std::uint64_t> depth;  // at most so many names below `under`
     OutputOptions output;
     MessageOptions messages;
@@ -47,8 +49,11 @@ ExitStatus list(const ListOptions& options) {
     const PathSet set = openSet(options.set);
     Output output(options.output);
     Progress progress("listing", options.messages, set.size(), Progress::Prints::kPaths);
+    const WantedPaths wanted(set, options.gone);
     visitSome(set, options, pattern, [&](std::uint64_t number, std::string_view path) {
         progress.advance();
+        if (!wanted.areAll() && !wanted.has(options.walk ? set.numberOf(path).value() : number))
+            return;
         if (!isAll && !scope.contains(path)) return;
         if (pattern && !pattern->matches(path)) return;
         // The steps of a walk are not the numbers of paths.
@@ -80,7 +85,8 @@ Verb listVerb() {
                         text("--under", "FOLDER", options->under, "only paths in this folder"),
                         text("--glob", "PATTERN", options->glob, "only paths that match"),
                         number("--depth", "N", options->depth, "at most N names below the folder"),
-                        outputOptions(options->output), messageOptions(options->messages)),
+                        goneOption(options->gone), outputOptions(options->output),
+                        messageOptions(options->messages)),
         .run = [options] { return list(*options); }};
 }
 

@@ -14,6 +14,7 @@ struct SampleOptions {
     std::string set;
     std::uint64_t count = 1;
     std::uint64_t seed = 0;
+    bool gone = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -30,10 +31,11 @@ Verb sampleVerb() {
             .options = rows(setArgument(options->set),
                             required(number("-n,--count", "K", options->count,
                                             "how many, each at most once; all if there are fewer")),
-                            seedOption(options->seed), outputOptions(options->output),
-                            messageOptions(options->messages)),
+                            seedOption(options->seed), goneOption(options->gone),
+                            outputOptions(options->output), messageOptions(options->messages)),
             .run = [options] {
-                printInRandomOrder(openSet(options->set), options->count, options->seed, "sampling",
+                const PathSet set = openSet(options->set);
+                printInRandomOrder({set, options->gone}, options->count, options->seed, "sampling",
                                    options->output, options->messages);
                 return ExitStatus::kDone;
             }};

@@ -16,14 +16,15 @@ struct SplitOptions {
     std::string set;
     std::uint64_t rank = 0;  // from 0
     std::uint64_t of = 1;
+    bool gone = false;
     OutputOptions output;
     MessageOptions messages;
 };
 
 /// The library's words, with the option that they are about.
-Share shareOf(const PathSet& set, const SplitOptions& options) {
+Share shareOf(const WantedPaths& wanted, const SplitOptions& options) {
     try {
-        return {set.size(), options.rank, options.of};
+        return {wanted.size(), options.rank, options.of};
     } catch (const Error& error) {
         throw Failure(ExitStatus::kFailed,
                       (options.of == 0 ? "--of 0: " : "--") + std::string(error.what()));
@@ -32,10 +33,11 @@ Share shareOf(const PathSet& set, const SplitOptions& options) {
 
 ExitStatus split(const SplitOptions& options) {
     const PathSet set = openSet(options.set);
-    const Share share = shareOf(set, options);
+    const WantedPaths wanted(set, options.gone);
+    const Share share = shareOf(wanted, options);
     printChosen(
-        set, share.size(), [&share](std::uint64_t place) { return share[place]; }, "splitting",
-        options.output, options.messages);
+        set, share.size(), [&](std::uint64_t place) { return wanted.numberAt(share[place] - 1); },
+        "splitting", options.output, options.messages);
     return ExitStatus::kDone;
 }
 
@@ -53,7 +55,8 @@ Verb splitVerb() {
                         required(number("--rank", "R", options->rank,
                                         "which reader, from 0: number k is for k - 1 modulo N")),
                         required(number("--of", "N", options->of, "how many readers")),
-                        outputOptions(options->output), messageOptions(options->messages)),
+                        goneOption(options->gone), outputOptions(options->output),
+                        messageOptions(options->messages)),
         .run = [options] { return split(*options); }};
 }
 

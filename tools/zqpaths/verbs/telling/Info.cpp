@@ -58,6 +58,7 @@ SetReport reportOn(const std::string& file) {
     }
     report.file = file;
     report.fileSize = std::filesystem::file_size(file);
+    report.goneCount = set.goneCount();
     report.statistics = statisticsOf(set, kLargestFolders);
     return report;
 }

@@ -12,6 +12,7 @@
 #include "tools/zqpaths/output/PrintablePath.hpp"
 #include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sets/WantedPaths.hpp"
 #include "tools/zqpaths/sources/FilesOnDisk.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
@@ -40,8 +41,10 @@ struct DiskResult {
 /// Prints the paths that are not there.
 DiskResult compareWithDisk(const PathSet& set, Output& output, const MessageOptions& messages) {
     DiskResult result;
-    Progress progress("comparing", messages, set.size());
+    const WantedPaths wanted(set, false);
+    Progress progress("comparing", messages, wanted.size());
     set.forEach([&](std::uint64_t number, std::string_view path) {
+        if (!wanted.has(number)) return;
         try {
             if (!isOnDisk(std::string(path))) {
                 ++result.missingCount;

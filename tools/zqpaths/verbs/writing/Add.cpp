@@ -5,6 +5,7 @@
 #include "tools/zqpaths/sets/GrowingSet.hpp"
 #include "tools/zqpaths/sources/PathSource.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
+#include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -19,10 +20,8 @@ ExitStatus add(const AddOptions& options) {
     const std::unique_ptr<PathSource> source = openSource(options.source);
     GrowingSet set(options.set, PathSetWriter::Mode::kAppend, "adding", options.messages);
     source->visit([&set](std::string_view path) { set.add(path); });
-    if (set.addedCount() > 0)
-        set.save();
-    else
-        set.tellSize();
+    recordScans(set.writer(), source->takeScans());
+    set.save();
     return statusAfter(*source, options.source.ignoreUnreadable);
 }
 

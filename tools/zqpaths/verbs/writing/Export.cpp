@@ -3,6 +3,9 @@
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Figures.hpp"
+#include "tools/zqpaths/output/Messages.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/sources/WholeFiles.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
@@ -20,9 +23,14 @@ struct ExportOptions {
 ExitStatus exportSet(const ExportOptions& options) {
     if (options.pieces.treeString == options.pieces.pathTree)
         throw Failure(ExitStatus::kFailed, "the two pieces need two files");
-    const SavedPieces pieces = exportPieces(openSet(options.set));
+    const PathSet set = openSet(options.set);
+    const SavedPieces pieces = exportPieces(set);
     writeWholeFile(options.pieces.treeString, pieces.treeString);
     writeWholeFile(options.pieces.pathTree, pieces.pathTree);
+    if (set.goneCount() > 0 && !options.messages.quiet)
+        tell(printablePath(options.set) + ": " + groupDigits(set.goneCount()) +
+             (set.goneCount() == 1 ? " path that is gone is" : " paths that are gone are") +
+             " among those exported");
     return ExitStatus::kDone;
 }
 
