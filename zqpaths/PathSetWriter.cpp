@@ -190,9 +190,13 @@ private:
         if (marks_.isEmpty()) return;
         const std::optional<BlockEntry>& block = directoryBefore().gone;
         const auto before = bytesBefore(kGonePathsText, block);
-        const GoneMarks::Runs runs =
-            marks_.appliedTo({before, block ? block->count : 0, pathCount_});
-        if (!std::ranges::equal(runs.bytes, before)) file_.putGone({runs.goneCount, runs.bytes});
+        const std::uint64_t count = block ? block->count : 0;
+        const GonePaths gone(before, count, pathCount_);
+        if (block) file_.committed()->naming([&] { gone.verify(); });
+        const GoneMarks::Runs runs = marks_.appliedTo(gone);
+        // The length of the last run is in the count alone.
+        if (runs.goneCount != count || !std::ranges::equal(runs.bytes, before))
+            file_.putGone({runs.goneCount, runs.bytes});
     }
 
     /// Scans take the place of those of the same root.

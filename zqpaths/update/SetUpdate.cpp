@@ -22,9 +22,9 @@ SetUpdate::SetUpdate(const PathSet& set, std::span<const std::string> roots,
 }
 
 EncodedScan SetUpdate::run(const std::string& root, const WalkOptions& options,
-                           const Scan* before) {
+                           const Scan* before, std::int64_t began) {
     root_ = folderOfRoot(root);
-    ScanWriter scan({root, nowInNanoseconds(), scanOptionsOf(options)});
+    ScanWriter scan({root, began, scanOptionsOf(options)});
     std::optional<KnownDirectories> known;
     if (before != nullptr) known.emplace(lookAtDirectories(*before, options, visitors_.onStep));
     walkDirectory(

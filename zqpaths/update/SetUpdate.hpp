@@ -56,9 +56,10 @@ public:
 
     /// Compares what is below a root, as the walk by these options finds it. `before` is the scan
     /// that the set remembers of it by the same options, if there is one. Returns the scan as it is
-    /// now. Throws as walkDirectory, Error kDamaged, and what the visitors throw.
+    /// now, which began at this time. Throws as walkDirectory, Error kDamaged, and what the visitors throw.
     /// O(directories + entries of those that are read + paths that are gone).
-    EncodedScan run(const std::string& root, const WalkOptions& options, const Scan* before);
+    EncodedScan run(const std::string& root, const WalkOptions& options, const Scan* before,
+                    std::int64_t began = nowInNanoseconds());
 
 private:
     /// A directory of which nothing is known, with all below it.
