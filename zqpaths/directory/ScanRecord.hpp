@@ -49,10 +49,10 @@ using ScanOptions = std::vector<std::pair<std::string, std::string>>;
 
 /// A directory of a scan, before those in it.
 struct ScannedDirectory {
-    std::string_view name;                // in the one that it is in; empty for the root
+    std::string_view name{};              // in the one that it is in; empty for the root
     std::uint32_t subdirectoryCount = 0;  // those that stand right in it
     ScanState state = ScanState::kRead;
-    DirectoryStamp stamp;
+    DirectoryStamp stamp{};
     // Places in the scan, which follow from the order.
     std::uint32_t parent = 0;  // of the root, itself
     std::uint32_t end = 0;     // after all below it
