@@ -13,8 +13,38 @@
 #include "zqpaths/directory/SystemStamp.hpp"
 
 namespace zqpaths {
+namespace {
 
 using Look = KnownDirectories::Look;
+
+/// Appends sub-directories that are known, in their order; neighbours that the walk need not look
+/// at as one.
+class KnownAppender {
+public:
+    KnownAppender(const KnownDirectories& known, WalkedDirectory& parent,
+                  std::list<WalkedDirectory>& list)
+        : known_(known), parent_(parent), list_(list) {}
+
+    void append(std::uint32_t place) {
+        const ScannedDirectory& directory = known_.scan.directories[place];
+        if (known_.looks[place] != Look::kNowhere) {
+            list_.emplace_back(&parent_, std::string(directory.name));
+            // What is below one that could not be read is not known.
+            if (directory.state < ScanState::kUnreadable) list_.back().known = place;
+        } else if (!list_.empty() && list_.back().keptEnd == place) {
+            list_.back().keptEnd = directory.end;
+        } else {
+            list_.emplace_back(&parent_, place, directory.end);
+        }
+    }
+
+private:
+    const KnownDirectories& known_;
+    WalkedDirectory& parent_;
+    std::list<WalkedDirectory>& list_;
+};
+
+}  // namespace
 
 std::list<WalkedDirectory> DirectoryReader::read(WalkedDirectory& directory) noexcept {
     std::list<WalkedDirectory> subdirectories;
@@ -87,37 +117,6 @@ std::list<WalkedDirectory> DirectoryReader::readNames(WalkedDirectory& directory
     std::ranges::sort(names);
     return subdirectoriesOf(directory, std::move(names));
 }
-
-namespace {
-
-/// Appends sub-directories that are known, in their order; neighbours that the walk need not look
-/// at as one.
-class KnownAppender {
-public:
-    KnownAppender(const KnownDirectories& known, WalkedDirectory& parent,
-                  std::list<WalkedDirectory>& list)
-        : known_(known), parent_(parent), list_(list) {}
-
-    void append(std::uint32_t place) {
-        const ScannedDirectory& directory = known_.scan.directories[place];
-        if (known_.looks[place] != Look::kNowhere) {
-            list_.emplace_back(&parent_, std::string(directory.name));
-            // What is below one that could not be read is not known.
-            if (directory.state < ScanState::kUnreadable) list_.back().known = place;
-        } else if (!list_.empty() && list_.back().keptEnd == place) {
-            list_.back().keptEnd = directory.end;
-        } else {
-            list_.emplace_back(&parent_, place, directory.end);
-        }
-    }
-
-private:
-    const KnownDirectories& known_;
-    WalkedDirectory& parent_;
-    std::list<WalkedDirectory>& list_;
-};
-
-}  // namespace
 
 std::list<WalkedDirectory> DirectoryReader::knownSubdirectories(WalkedDirectory& directory) const {
     const auto& scanned = known_->scan.directories;
