@@ -1,5 +1,5 @@
-// Any bytes as a set file: header, superblocks and directory. What is wrong is refused; what is not
-// lies in the file, is in proportion to it, and comes back when it is written.
+// Any bytes as a set file: header, superblocks, directory and blocks. What is wrong is refused;
+// what is not lies in the file, is in proportion to it, and comes back when it is written.
 //
 // The first byte says whether the sums are put right, which chance would hardly do, and whether the
 // input stands for the page of the header and what follows it, without the zeros between.
@@ -10,6 +10,8 @@
 #include "fuzz/Require.hpp"
 #include "tests/support/SetFileSums.hpp"
 #include "zqpaths/Error.hpp"
+#include "zqpaths/directory/ScanRecord.hpp"
+#include "zqpaths/set/GonePaths.hpp"
 
 using namespace zqpaths;
 using fuzzing::require;
@@ -37,6 +39,35 @@ FileBytes fileOf(std::span<const std::uint8_t> input, bool isShort) {
     return file;
 }
 
+std::span<const std::byte> bytesOf(const BlockEntry& block, const FileBytes& file) {
+    require(block.offset >= kPageSize && block.offset % kBlockAlignment == 0 &&
+                block.offset <= file.size() && block.size <= file.size() - block.offset,
+            "a block lies in the file");
+    return std::span(file).subspan(block.offset, block.size);
+}
+
+void checkGone(const BlockEntry& block, std::uint64_t pathCount, const FileBytes& file) {
+    const GonePaths gone(bytesOf(block, file), block.count, pathCount);
+    for (const std::uint64_t place : {std::uint64_t{0}, block.count / 2, block.count - 1})
+        succeeds<Error>([&] {
+            const std::uint64_t number = gone.goneNumber(place);
+            require(number >= 1 && number <= pathCount, "the set has a path that is gone");
+        });
+    if (!succeeds<Error>([&] { gone.verify(); })) return;
+    for (std::size_t i = 0; i < gone.runCount(); ++i)
+        require(gone.has(gone[i].first) && gone.has(gone[i].last), "what is in a run is gone");
+    GoneMarks marks;
+    marks.markPresent(gone[0].first);
+    require(marks.appliedTo(gone).goneCount == block.count - 1, "a mark is taken back");
+}
+
+void checkScans(const BlockEntry& block, const FileBytes& file) {
+    const auto record = bytesOf(block, file);
+    succeeds<Error>([&] {
+        require(decodeScans(record).size() == splitScans(record).size(), "each scan is read");
+    });
+}
+
 void check(const CommittedState& state, const FileBytes& file) {
     require(state.superblock.end <= file.size(), "what is committed lies in the file");
     require(state.directory.segments.size() * kPageSize <= file.size(),
@@ -45,6 +76,9 @@ void check(const CommittedState& state, const FileBytes& file) {
         require(entry.offset >= kPageSize && entry.offset % kPageSize == 0 &&
                     entry.offset <= file.size() && entry.size <= file.size() - entry.offset,
                 "a segment lies in the file");
+    const Directory& directory = state.directory;
+    if (directory.gone) checkGone(*directory.gone, directory.pathCount(), file);
+    if (directory.scans) checkScans(*directory.scans, file);
     require(decodeSuperblock(encodeSuperblock(state.superblock)) == state.superblock,
             "a superblock comes back");
     require(decodeHeader(encodeHeader(state.header)) == state.header, "a header comes back");

@@ -1,6 +1,7 @@
 #include "zqpaths/PathSet.hpp"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 #include "zqpaths/search/PathsUnder.hpp"
@@ -47,6 +48,13 @@ std::optional<std::uint64_t> numberIn(const Segment& segment,
             if (!position) return std::nullopt;
             return segment.numberOf(*position);
         });
+}
+
+void requirePlace(const std::string& file, std::uint64_t place, std::uint64_t count) {
+    if (place >= count)
+        throw Error(ErrorKind::kWrongUse, file,
+                    "there is no place " + std::to_string(place) + " among " +
+                        std::to_string(count) + " paths");
 }
 
 std::u16string utf16(std::string_view bytes) {
@@ -160,6 +168,39 @@ void PathSet::Iterator::fill() {
     number_ = first;
 }
 
+// --- Paths that are gone.
+
+std::uint64_t PathSet::goneCount() const noexcept {
+    return opened_->gone().count();
+}
+
+std::uint64_t PathSet::presentCount() const noexcept {
+    return opened_->gone().presentCount();
+}
+
+bool PathSet::isGone(std::uint64_t number) const {
+    opened_->requireNumber(number);
+    return opened_->gone().has(number);
+}
+
+std::uint64_t PathSet::goneCount(std::uint64_t first, std::uint64_t last) const {
+    opened_->requireNumber(first);
+    opened_->requireNumber(last);
+    if (last < first) return 0;
+    const std::uint64_t after = opened_->gone().countBelow(last + 1);
+    return after - std::min(after, opened_->gone().countBelow(first));  // in a damaged set, too
+}
+
+std::uint64_t PathSet::goneNumber(std::uint64_t place) const {
+    requirePlace(file(), place, goneCount());
+    return opened_->file().naming([&] { return opened_->gone().goneNumber(place); });
+}
+
+std::uint64_t PathSet::presentNumber(std::uint64_t place) const {
+    requirePlace(file(), place, presentCount());
+    return opened_->file().naming([&] { return opened_->gone().presentNumber(place); });
+}
+
 // --- Finding.
 
 std::optional<std::uint64_t> PathSet::numberOf(std::string_view path) const {
@@ -232,6 +273,11 @@ std::vector<Error> PathSet::verify(const WorkWatcher& watch) const {
     } catch (const Error& damage) {
         if (damage.kind() != ErrorKind::kDamaged) throw;
         return {damage};  // too short to be looked into
+    }
+    try {
+        opened_->file().naming([&] { opened_->gone().verify(); });
+    } catch (const Error& damage) {
+        damages.push_back(damage);
     }
     const auto verifyOne = [&](std::size_t i) -> std::optional<Error> {
         try {

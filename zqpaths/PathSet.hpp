@@ -11,6 +11,13 @@
 // Paths have numbers from 1 on, in the order in which they were added. A path is any bytes but NUL,
 // at least one. What others add to the file after it was opened is not seen.
 //
+// A path that was marked as gone, since the file that it led to is there no more, keeps its number:
+// all that is said here of the paths of a set is said of it, too. Who wants the others alone asks
+// isGone, or takes their numbers:
+//
+//     for (std::uint64_t place = 0; place < set.presentCount(); ++place)
+//         use(set.path(set.presentNumber(place)));
+//
 // Threads: an opened set never changes; any number of threads may read it. The library starts
 // threads of its own for long work and joins them before the call returns, so that a process may
 // fork between calls.
@@ -84,6 +91,23 @@ public:
     class Iterator;
     Iterator begin() const;
     std::default_sentinel_t end() const noexcept { return {}; }
+
+    // --- Paths that are gone. O(log runs of neighbours that are).
+
+    std::uint64_t goneCount() const noexcept;
+    std::uint64_t presentCount() const noexcept;  // of the others
+    bool isGone(std::uint64_t number) const;
+
+    /// How many of the numbers from `first` to `last`, both included, are gone; none if last is
+    /// below first.
+    std::uint64_t goneCount(std::uint64_t first, std::uint64_t last) const;
+
+    /// The number at a place, from 0 on, among those that are gone, or among the others: any choice
+    /// of them takes no memory. Throws Error kWrongUse for a place that there is not.
+    std::uint64_t goneNumber(std::uint64_t place) const;
+    std::uint64_t presentNumber(std::uint64_t place) const;
+
+    // --- Finding.
 
     /// The lowest number of this path, if the set has it. O(components * log folders + names in the
     /// folder) a segment.

@@ -1,8 +1,12 @@
 #include "zqpaths/PathSetWriter.hpp"
 
+#include <algorithm>
 #include <cassert>
 #include <cstddef>
 #include <exception>
+#include <optional>
+#include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -10,10 +14,12 @@
 #include "zqpaths/file/SetFileWriter.hpp"
 #include "zqpaths/set/BackgroundWork.hpp"
 #include "zqpaths/set/CollectedPaths.hpp"
+#include "zqpaths/set/GonePaths.hpp"
 #include "zqpaths/set/OrderedWork.hpp"
 #include "zqpaths/set/Segment.hpp"
 #include "zqpaths/set/SegmentBuilder.hpp"
 #include "zqpaths/set/SegmentJoining.hpp"
+#include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths {
 namespace {
@@ -50,10 +56,7 @@ void forEachPath(const Segment& segment, Visit visit) {
 class PathSetWriter::Work {
 public:
     Work(std::string file, Mode mode, Form form)
-        : name_(std::move(file)),
-          file_(name_, fileMode(mode)),
-          isAppending_(mode == Mode::kAppend),
-          form_(segmentForm(form)) {
+        : name_(std::move(file)), file_(name_, fileMode(mode)), form_(segmentForm(form)) {
         for (const SegmentEntry& segment : file_.segments()) pathCount_ += segment.pathCount;
     }
 
@@ -65,6 +68,19 @@ public:
         ++pathCount_;
         hasAdded_ = true;
     }
+
+    void mark(std::uint64_t number, bool isGone) {
+        if (failure_ || isCommitted_ || building_.hasFailed()) refuseMore();
+        if (number == 0 || number > pathCount_)
+            throw Error(ErrorKind::kWrongUse, name_,
+                        "there is no path number " + std::to_string(number) + " to be marked");
+        if (isGone)
+            marks_.markGone(number);
+        else
+            marks_.markPresent(number);
+    }
+
+    void recordScans(std::vector<EncodedScan> scans) { scans_ = std::move(scans); }
 
     std::uint64_t size() const noexcept { return pathCount_; }
 
@@ -78,8 +94,9 @@ public:
         if (failure_ || isCommitted_) refuseMore();
         doOrFail([this] {
             building_.finish();
-            if (isAppending_ && !hasAdded_) return;
             if (hasAdded_) writeLast();
+            writeMarks();
+            writeScans();
             if (watcher_) watcher_(WorkStep::kSyncing, 0);
             file_.commit();
         });
@@ -165,12 +182,58 @@ private:
         write(paths);
     }
 
+    /// What there was in a file that is appended to.
+    const Directory& directoryBefore() const {
+        static const Directory kNothing;
+        return file_.committed() ? file_.committed()->state().directory : kNothing;
+    }
+    std::span<const std::byte> bytesBefore(const char* what,
+                                           const std::optional<BlockEntry>& block) const {
+        if (!block) return {};
+        return file_.committed()->wholeBytesOf(what, block);
+    }
+
+    void writeMarks() {
+        if (marks_.isEmpty()) return;
+        const std::optional<BlockEntry>& block = directoryBefore().gone;
+        const auto before = bytesBefore(kGonePathsText, block);
+        const std::uint64_t count = block ? block->count : 0;
+        const GonePaths gone(before, count, pathCount_);
+        if (block) file_.committed()->naming([&] { gone.verify(); });
+        const GoneMarks::Runs runs = marks_.appliedTo(gone);
+        // The length of the last run is in the count alone.
+        if (runs.goneCount != count || !std::ranges::equal(runs.bytes, before))
+            file_.putGone({runs.goneCount, runs.bytes});
+    }
+
+    /// Scans take the place of those of the same root.
+    void writeScans() {
+        if (scans_.empty()) return;
+        std::vector<EncodedScan> all = splitScans(bytesBefore(kScansText, directoryBefore().scans));
+        bool isChanged = false;
+        for (EncodedScan& scan : scans_) {
+            const auto there = std::ranges::find_if(
+                all, [&](const EncodedScan& one) { return one.head.root == scan.head.root; });
+            if (there != all.end() && there->saysTheSameAs(scan)) continue;
+            isChanged = true;
+            if (there != all.end())
+                *there = std::move(scan);
+            else
+                all.push_back(std::move(scan));
+        }
+        if (!isChanged) return;
+        std::uint64_t count = 0;
+        for (const EncodedScan& scan : all) count += scan.directoryCount;
+        file_.putScans({count, joinScans(all)});
+    }
+
     std::string name_;
     SetFileWriter file_;
-    bool isAppending_;
     SegmentForm form_;
     CollectedPaths collected_;
     CollectedPaths passedOn_;  // belongs to building_ while it works
+    GoneMarks marks_;
+    std::vector<EncodedScan> scans_;
     std::uint64_t pathCount_ = 0;
     bool hasAdded_ = false;
     bool hasPassedOn_ = false;
@@ -197,6 +260,16 @@ void PathSetWriter::watch(WorkWatcher watcher) {
     work_->watch(std::move(watcher));
 }
 
+void PathSetWriter::markGone(std::uint64_t number) {
+    assert(work_);
+    work_->mark(number, true);
+}
+
+void PathSetWriter::markPresent(std::uint64_t number) {
+    assert(work_);
+    work_->mark(number, false);
+}
+
 std::uint64_t PathSetWriter::size() const noexcept {
     return work_ ? work_->size() : 0;
 }
@@ -204,6 +277,11 @@ std::uint64_t PathSetWriter::size() const noexcept {
 void PathSetWriter::commit() {
     assert(work_);
     work_->commit();
+}
+
+void recordScans(PathSetWriter& writer, std::vector<EncodedScan> scans) {
+    assert(writer.work_);
+    writer.work_->recordScans(std::move(scans));
 }
 
 }  // namespace zqpaths

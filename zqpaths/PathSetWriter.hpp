@@ -20,12 +20,15 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "zqpaths/Error.hpp"
 #include "zqpaths/Export.hpp"
 #include "zqpaths/WorkWatcher.hpp"
 
 namespace zqpaths {
+
+struct EncodedScan;  // what a set remembers of the directories that its paths come from
 
 class ZQPATHS_EXPORT PathSetWriter {
 public:
@@ -51,6 +54,12 @@ public:
     /// so. Amortised O(bytes).
     void add(std::string_view path);
 
+    /// Marks the path with a number that the set has, or will have, as gone: the file that it leads
+    /// to is there no more, and it keeps its number; or as one that is there again. The last mark
+    /// of a number counts. Throws as add does, kWrongUse for other numbers. Amortised O(1).
+    void markGone(std::uint64_t number);
+    void markPresent(std::uint64_t number);
+
     /// Has `watcher` told from the next call on of the paths that are coded, those of small
     /// segments that are joined among them, and of the moment from which on commit waits for the
     /// device. It may be called until the writer is gone.
@@ -62,10 +71,13 @@ public:
     /// Throws Error kExists if another has made the file meanwhile, kNoSpace, kSystem, kDamaged if
     /// small segments that were there cannot be joined; the file is then as it was, and the writer
     /// takes no more. Without any path a new set is empty, and valid; one that is appended to is
-    /// not touched. O(bytes), and now and then those of small segments that were there.
+    /// not touched without a path or a mark that changes it. O(bytes + runs of gone paths), and now
+    /// and then those of small segments that were there.
     void commit();
 
 private:
+    friend ZQPATHS_EXPORT void recordScans(PathSetWriter& writer, std::vector<EncodedScan> scans);
+
     class Work;
     std::unique_ptr<Work> work_;
 };

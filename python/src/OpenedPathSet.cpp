@@ -83,6 +83,16 @@ Selection under(const py::object& self, py::handle folder) {
             })};
 }
 
+Selection gone(const py::object& self) {
+    const auto& set = self.cast<const OpenedPathSet&>();
+    return {self, set, found([&](Interruption& interruption, std::vector<std::int64_t>& positions) {
+                for (std::uint64_t place = 0; place < set.set().goneCount(); ++place) {
+                    interruption.step();
+                    positions.push_back(static_cast<std::int64_t>(set.set().goneNumber(place) - 1));
+                }
+            })};
+}
+
 Selection split(const py::object& self, py::handle rank, py::handle of, py::handle epoch,
                 py::handle seed) {
     const auto& set = self.cast<const OpenedPathSet&>();
@@ -151,6 +161,12 @@ constexpr const char* kFingerprintDoc =
 
 Readers in several processes that compare it know that a position means the same path to all of them.
 A copy of the file has the same.)";
+
+constexpr const char* kGoneDoc =
+    R"(The paths that were marked as gone, since what they led to is there no more: a Selection.
+
+They keep their positions, and the set gives them as it gives the others: what is to be read is at
+the positions that are not in set(s.gone.positions).)";
 
 constexpr const char* kFindDoc =
     R"(find(self, text=None, *, glob=None, regex=None, ignore_case=False)
@@ -242,6 +258,7 @@ void bindPathSet(py::module_& module) {
     set.def_property_readonly(
         "fingerprint", [](const OpenedPathSet& self) { return self.set().fingerprint(); },
         kFingerprintDoc);
+    set.def_property_readonly("gone", &gone, kGoneDoc);
     set.def("find", &find, kFindDoc, py::arg("text") = py::none(), py::kw_only(),
             py::arg("glob") = py::none(), py::arg("regex") = py::none(),
             py::arg("ignore_case") = false);

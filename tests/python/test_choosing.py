@@ -179,3 +179,23 @@ def test_shuffles_otherwise_in_every_epoch(many):
 def test_refuses_what_cannot_be_chosen(three, refused, call):
     with pytest.raises(refused):
         call(three)
+
+
+def test_paths_that_are_gone_keep_their_positions(tmp_path, file):
+    tree = tmp_path / "tree"
+    tree.mkdir()
+    for name in "abcde":
+        (tree / name).touch()
+
+    def zqpaths_program(*arguments):
+        subprocess.run([os.environ["ZQ_PROGRAM"], *arguments], check=True, stdout=subprocess.DEVNULL)
+
+    zqpaths_program("index", "--quiet", file, str(tree))
+    assert list(zqpaths.open(file).gone) == []
+    for name in "bde":
+        (tree / name).unlink()
+    zqpaths_program("update", "--quiet", file)
+    updated = zqpaths.open(file)
+    paths = [str(tree / name) for name in "abcde"]
+    assert list(updated) == paths
+    expect(updated.gone, [1, 3, 4], paths)

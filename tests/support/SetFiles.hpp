@@ -12,6 +12,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -53,10 +55,27 @@ inline Texts segmentsOf(const SetFile& file) {
 }
 
 /// Fails the test that asks if a sum does not hold.
-inline Texts segmentsOf(const std::string& path) {
+inline std::shared_ptr<const SetFile> openWhole(const std::string& path) {
     const auto file = SetFile::open(path);
     for (const Error& damage : file->verifySums()) ADD_FAILURE() << damage.what();
-    return segmentsOf(*file);
+    return file;
+}
+inline Texts segmentsOf(const std::string& path) {
+    return segmentsOf(*openWhole(path));
+}
+
+/// What there is besides segments, as "NAME: COUNT BYTES".
+inline Texts blocksOf(const SetFile& file) {
+    Texts texts;
+    const auto append = [&](const char* name, const std::optional<BlockEntry>& block) {
+        if (!block) return;
+        const auto bytes = file.bytesOf(block);
+        texts.push_back(std::string(name) + ": " + std::to_string(block->count) + " " +
+                        std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+    };
+    append("gone", file.state().directory.gone);
+    append("scans", file.state().directory.scans);
+    return texts;
 }
 
 inline std::string contentOf(const std::string& path) {

@@ -17,6 +17,7 @@
 #include "tests/zqpaths/set/OddPaths.hpp"
 #include "zqpaths/PathSet.hpp"
 #include "zqpaths/PathSetWriter.hpp"
+#include "zqpaths/update/SetScans.hpp"
 #ifdef ZQ_METERS_HEAP
 #include "tests/support/HeapMeter.hpp"
 #endif
@@ -32,10 +33,22 @@ constexpr std::array<std::uint64_t, 10> kTellingValues{
 struct WholeFile {
     std::string bytes;
     std::vector<std::string> paths;
-    std::vector<SegmentEntry> segments;
+    std::vector<std::uint64_t> gone;  // numbers
+    Directory directory;
 };
 
-/// Two segments of odd paths, of this form, and a third of other paths.
+/// A scan of some directories.
+EncodedScan makeScan() {
+    ScanWriter scan({"/usr", 1, {{"hidden", ""}}});
+    scan.add({.subdirectoryCount = 20});
+    for (std::uint64_t i = 0; i < 20; ++i) {
+        const std::string name(1, static_cast<char>('a' + i));
+        scan.add({.name = name, .stamp = {1, 100 + i, 5, 6}});
+    }
+    return std::move(scan).finish();
+}
+
+/// Two segments of odd paths, of this form, and a third of other paths; some of them gone.
 WholeFile makeFile(const std::string& name, PathSetWriter::Form form) {
     WholeFile file;
     const auto write = [&](PathSetWriter::Mode mode, const std::vector<std::string>& paths) {
@@ -47,24 +60,37 @@ WholeFile makeFile(const std::string& name, PathSetWriter::Form form) {
     write(PathSetWriter::Mode::kReplace, randomPaths(300, 1));
     write(PathSetWriter::Mode::kAppend, randomPaths(60, 2));
     write(PathSetWriter::Mode::kAppend, std::vector<std::string>(40, "a/of-one-name"));
+    PathSetWriter writer(name, PathSetWriter::Mode::kAppend);
+    for (std::uint64_t number = 10; number < file.paths.size(); number += 10) {
+        file.gone.push_back(number);
+        writer.markGone(number);
+    }
+    recordScans(writer, {makeScan()});
+    writer.commit();
     file.bytes = contentOf(name);
-    file.segments = SetFile::open(name)->segments();
+    file.directory = SetFile::open(name)->state().directory;
     return file;
 }
 
-/// Of a whole file: the sums of images, those of segments, directories and superblocks.
+/// Puts the sum of a part in the place of that which it had: this stands in the directory as it
+/// does in no other place.
+void putSumRight(std::string& bytes, std::span<const std::byte> part, std::uint64_t former) {
+    const std::uint64_t sum = sumOf(part);
+    const std::string_view old(reinterpret_cast<const char*>(&former), sizeof former);
+    for (std::size_t at = bytes.find(old); at != std::string::npos; at = bytes.find(old, at + 8))
+        std::memcpy(bytes.data() + at, &sum, sizeof sum);
+}
+
+/// Of a whole file: the sums of images, those of segments, blocks, directories and superblocks.
 void putAllSumsRight(const WholeFile& whole, std::string& bytes) {
     const std::span<std::byte> file = std::as_writable_bytes(std::span(bytes));
-    for (const SegmentEntry& segment : whole.segments) {
+    for (const SegmentEntry& segment : whole.directory.segments) {
         const auto damaged = file.subspan(segment.offset, segment.size);
         if (segment.form == SegmentForm::kImage) compressedpaths::putImageSumsRight(damaged);
-        // The sum of a segment stands in the directory as it does in no other place.
-        const std::uint64_t sum = sumOf(damaged);
-        const std::string_view old(reinterpret_cast<const char*>(&segment.sum), sizeof segment.sum);
-        for (std::size_t at = bytes.find(old); at != std::string::npos;
-             at = bytes.find(old, at + 8))
-            std::memcpy(bytes.data() + at, &sum, sizeof sum);
+        putSumRight(bytes, damaged, segment.sum);
     }
+    for (const auto& block : {whole.directory.gone, whole.directory.scans})
+        putSumRight(bytes, file.subspan(block->offset, block->size), block->sum);
     putSumsRight(file);
 }
 
@@ -118,8 +144,32 @@ protected:
         ask("count", [&] { set.count(Pattern::glob("*a*")); });
         ask("find a regex", [&] { set.find(Pattern::regex("(of|usr)-"), count); });
         ask("walk", [&] { set.walk(count); });
+        askForGone(set);
         ask("iterate", [&] {
             for (const std::string_view path : set) bytes += path.size();
+        });
+    }
+
+    void askForGone(const PathSet& set) {
+        const std::uint64_t few = std::min<std::uint64_t>(set.size(), 200);
+        for (std::uint64_t number = 1; number <= few; number += 9)
+            ask("isGone", [&] { set.isGone(number); });
+        if (few > 0) ask("goneCount", [&] { set.goneCount(1, few); });
+        for (std::uint64_t place = 0; place < few; place += 9) {
+            ask("presentNumber", [&] { set.path(set.presentNumber(place)); });
+            ask("goneNumber", [&] { set.path(set.goneNumber(place)); });
+        }
+        ask("scans", [&] { scansOf(set); });
+    }
+
+    /// Marks a path in the damaged file, which is then as it was, or a set that can be opened.
+    void mark() {
+        ask("mark", [&] {
+            PathSetWriter writer(name_, PathSetWriter::Mode::kAppend);
+            writer.markGone(1);
+            recordScans(writer, {makeScan()});
+            writer.commit();
+            static_cast<void>(PathSet::open(name_));
         });
     }
 
@@ -133,7 +183,10 @@ protected:
     bool hasThePaths(const PathSet& set) const {
         std::vector<std::string> paths;
         for (const std::string_view path : set) paths.emplace_back(path);
-        return paths == whole_.paths;
+        std::vector<std::uint64_t> gone;
+        for (std::uint64_t place = 0; place < set.goneCount(); ++place)
+            gone.push_back(set.goneNumber(place));
+        return paths == whole_.paths && gone == whole_.gone;
     }
 
     void look(const std::string& bytes, bool hasMadeUpSums) {
@@ -148,6 +201,7 @@ protected:
             if (!hasMadeUpSums && isTaken) {
                 EXPECT_TRUE(hasThePaths(set));
             }
+            mark();
         });
 #ifdef ZQ_METERS_HEAP
         EXPECT_LE(meter.peak(), kMostMemory);
@@ -222,7 +276,11 @@ TEST_P(DamagedSetFiles, areAnsweredOrRefusedWithAnyNumberOfTheirHeadsMadeUp) {
         places.push_back(kSuperblockOffsets[0] + at);
         places.push_back(kSuperblockOffsets[1] + at);
         places.push_back(whole_.bytes.size() - 8 - at);
-        for (const SegmentEntry& segment : whole_.segments)
+        places.push_back(whole_.directory.gone->offset + at);
+        places.push_back(whole_.directory.scans->offset + at);
+        for (std::size_t back = 128; back < 512; back += 128)  // the directory, from its end on
+            places.push_back(whole_.bytes.size() - 8 - at - back);
+        for (const SegmentEntry& segment : whole_.directory.segments)
             for (const std::size_t part : {0U, 128U, 256U, 384U})
                 places.push_back(segment.offset + part + at);
     }

@@ -10,9 +10,11 @@
 #include <vector>
 
 #include "tests/support/FailingHeap.hpp"
+#include "tests/support/SetFiles.hpp"
 #include "tests/support/TemporaryTree.hpp"
 #include "tests/zqpaths/SavedPaths.hpp"
 #include "zqpaths/PathSetWriter.hpp"
+#include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths {
 namespace {
@@ -85,6 +87,50 @@ TEST(FailingWriters, leaveSegmentsThatWereToBeJoined) {
     }
     ASSERT_EQ(SetFile::open(file)->segments().size(), 8U);
     EXPECT_GT(failEverywhere(file, paths), 100U);
+}
+
+TEST(FailingWriters, leaveMarksAndScansAsTheyWere) {
+    const test_support::TemporaryTree tree;
+    const std::string file = tree.pathOf("s.zqp");
+    {
+        PathSetWriter writer(file);
+        for (const char* const path : {"a", "b", "c"}) writer.add(path);
+        writer.markGone(1);
+        writer.commit();
+    }
+    const std::string original = contentOf(file);
+    std::size_t failures = 0;
+    bool hasRefused = true;
+    for (std::size_t number = 1; hasRefused && number < kMostBlocks; ++number) {
+        SCOPED_TRACE(number);
+        writeContent(file, original);
+        bool isDone = false;
+        {
+            const FailingHeap heap(number, Refused::kOne);
+            try {
+                PathSetWriter writer(file, Mode::kAppend);
+                writer.add("d");
+                writer.markGone(4);
+                writer.markPresent(1);
+                ScanWriter scan({"/", 0, {}});
+                scan.add({});
+                std::vector<EncodedScan> scans;
+                scans.push_back(std::move(scan).finish());
+                recordScans(writer, std::move(scans));
+                writer.commit();
+                isDone = true;
+            } catch (const std::bad_alloc&) {
+                ++failures;
+            }
+            hasRefused = heap.hasRefused();
+        }
+        const PathSet set = PathSet::open(file);
+        ASSERT_EQ(set.size(), isDone ? 4U : 3U);
+        ASSERT_EQ(set.goneNumber(0), isDone ? 4U : 1U);
+        ASSERT_EQ(scansOf(set).size(), isDone ? 1U : 0U);
+        ASSERT_EQ(isDone || contentOf(file) == original, true);
+    }
+    EXPECT_GT(failures, 50U);
 }
 
 TEST(FailingWriters, goOnWithAnotherPathWhereOneHadNoRoom) {

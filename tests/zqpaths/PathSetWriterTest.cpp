@@ -20,6 +20,7 @@
 #include "tests/zqpaths/set/OddPaths.hpp"
 #include "zqpaths/set/CollectedPaths.hpp"
 #include "zqpaths/set/SegmentJoining.hpp"
+#include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths {
 namespace {
@@ -124,6 +125,105 @@ TEST_F(PathSetWriterTest, discardsWhatIsNotCommitted) {
         EXPECT_EQ(bytes(), before);
     }
     expectAlone();
+}
+
+TEST_F(PathSetWriterTest, marksPathsThatAreGoneAndKeepsTheirNumbers) {
+    write({"a", "b", "c", "d"}, Mode::kCreate);
+    {
+        PathSetWriter writer(file_, Mode::kAppend);
+        for (const std::uint64_t number : {2, 3, 5}) {
+            if (number == 5) writer.add("e");
+            writer.markGone(number);
+        }
+        writer.commit();
+    }
+    const PathSet set = PathSet::open(file_);
+    EXPECT_EQ(set.size(), 5U);
+    EXPECT_EQ(set.goneCount(), 3U);
+    EXPECT_EQ(set.goneCount(1, 2), 1U);
+    EXPECT_EQ(set.goneCount(3, 5), 2U);
+    EXPECT_EQ(set.path(2), "b");
+    EXPECT_TRUE(set.isGone(5));
+    EXPECT_FALSE(set.isGone(4));
+    EXPECT_EQ(set.goneNumber(2), 5U);
+    EXPECT_EQ(set.presentCount(), 2U);
+    EXPECT_EQ(set.presentNumber(1), 4U);
+    EXPECT_TRUE(set.verify().empty());
+    EXPECT_THROW(set.isGone(6), Error);
+    EXPECT_THROW(set.goneNumber(3), Error);
+    EXPECT_THROW(set.presentNumber(2), Error);
+}
+
+TEST_F(PathSetWriterTest, keepsMarksWhilePathsAreAddedAndSegmentsJoined) {
+    write({"a", "b"}, Mode::kCreate);
+    {
+        PathSetWriter writer(file_, Mode::kAppend);
+        writer.markGone(1);
+        writer.commit();
+    }
+    for (int i = 0; i < 20; ++i) write({"more" + std::to_string(i)}, Mode::kAppend);
+    const PathSet set = PathSet::open(file_);
+    EXPECT_EQ(set.goneCount(), 1U);
+    EXPECT_TRUE(set.isGone(1));
+}
+
+TEST_F(PathSetWriterTest, takesMarksBackAndLeavesTheFileAloneIfNoneCounts) {
+    write({"a", "b", "c"}, Mode::kCreate);
+    const auto mark = [&](std::uint64_t number, bool isGone) {
+        PathSetWriter writer(file_, Mode::kAppend);
+        isGone ? writer.markGone(number) : writer.markPresent(number);
+        writer.commit();
+    };
+    const std::string before = bytes();
+    mark(2, false);
+    EXPECT_EQ(bytes(), before);
+    mark(2, true);
+    mark(3, true);  // the last run grows
+    EXPECT_EQ(PathSet::open(file_).goneCount(), 2U);
+    const std::string marked = bytes();
+    mark(3, true);
+    EXPECT_EQ(bytes(), marked);
+    mark(2, false);
+    mark(3, false);
+    EXPECT_EQ(PathSet::open(file_).goneCount(), 0U);
+    EXPECT_FALSE(SetFile::open(file_)->state().directory.gone);
+}
+
+TEST_F(PathSetWriterTest, refusesToMarkWhatThereIsNot) {
+    PathSetWriter writer(file_);
+    writer.add("a");
+    for (const std::uint64_t number : {0, 2}) {
+        const Error error = errorOf([&] { writer.markGone(number); });
+        EXPECT_EQ(error.kind(), ErrorKind::kWrongUse);
+        EXPECT_THAT(error.what(), HasSubstr("there is no path number"));
+    }
+    writer.markGone(1);
+    writer.commit();
+    EXPECT_THROW(writer.markPresent(1), Error);
+    EXPECT_EQ(PathSet::open(file_).presentCount(), 0U);
+}
+
+TEST_F(PathSetWriterTest, recordsScansInThePlaceOfThoseOfTheSameRoot) {
+    const auto record = [&](const std::string& root, const std::string& name, std::int64_t began) {
+        PathSetWriter writer(file_, std::filesystem::exists(file_) ? Mode::kAppend : Mode::kCreate);
+        ScanWriter scan({root, began, {}});
+        scan.add({.subdirectoryCount = 1});
+        scan.add({.name = name});
+        recordScans(writer, {std::move(scan).finish()});
+        writer.commit();
+    };
+    record("/a", "x", 1);
+    record("/b", "y", 1);
+    const std::string before = bytes();
+    record("/a", "x", 2);
+    EXPECT_EQ(bytes(), before);  // it says the same
+    record("/a", "z", 3);
+    const PathSet set = PathSet::open(file_);
+    const std::vector<Scan> scans = scansOf(set);
+    ASSERT_EQ(scans.size(), 2U);
+    EXPECT_EQ(scans[0].directories[1].name, "z");
+    EXPECT_EQ(scans[0].began, 3);
+    EXPECT_EQ(scans[1].directories[1].name, "y");
 }
 
 TEST_F(PathSetWriterTest, countsThePathsThatWereThere) {

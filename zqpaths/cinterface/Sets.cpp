@@ -110,6 +110,18 @@ const char* zqp_file(const zqp_set* set) {
 
 // --- Paths by their numbers.
 
+std::uint64_t zqp_gone_count(const zqp_set* set) {
+    return set == nullptr ? 0 : set->opened.goneCount();
+}
+
+zqp_status zqp_is_gone(const zqp_set* set, std::uint64_t number, int* isGone) {
+    return statusOf(__func__, [&](const Call& call) {
+        const PathSet& opened = given(call, set);
+        call.requireGiven(isGone, "is_gone");
+        *isGone = opened.isGone(number) ? 1 : 0;
+    });
+}
+
 zqp_status zqp_get(const zqp_set* set, std::uint64_t number, char* buffer, std::size_t capacity,
                    std::size_t* length) {
     return statusOf(__func__, [&](const Call& call) {

@@ -10,16 +10,53 @@
 #include <utility>
 #include <vector>
 
+#include "zqpaths/directory/SystemStamp.hpp"
+
 namespace zqpaths {
+namespace {
+
+using Look = KnownDirectories::Look;
+
+/// Appends sub-directories that are known, in their order; neighbours that the walk need not look
+/// at as one.
+class KnownAppender {
+public:
+    KnownAppender(const KnownDirectories& known, WalkedDirectory& parent,
+                  std::list<WalkedDirectory>& list)
+        : known_(known), parent_(parent), list_(list) {}
+
+    void append(std::uint32_t place) {
+        const ScannedDirectory& directory = known_.scan.directories[place];
+        if (known_.looks[place] != Look::kNowhere) {
+            list_.emplace_back(&parent_, std::string(directory.name));
+            // What is below one that could not be read is not known.
+            if (directory.state < ScanState::kUnreadable) list_.back().known = place;
+        } else if (!list_.empty() && list_.back().keptEnd == place) {
+            list_.back().keptEnd = directory.end;
+        } else {
+            list_.emplace_back(&parent_, place, directory.end);
+        }
+    }
+
+private:
+    const KnownDirectories& known_;
+    WalkedDirectory& parent_;
+    std::list<WalkedDirectory>& list_;
+};
+
+}  // namespace
 
 std::list<WalkedDirectory> DirectoryReader::read(WalkedDirectory& directory) noexcept {
     std::list<WalkedDirectory> subdirectories;
     try {
+        if (directory.known && known_->looks[*directory.known] != Look::kHere)
+            return knownSubdirectories(directory);
         DirectoryStream stream = open_.open(directory);
         if (!stream) {
             directory.error = errno;
         } else if (isEntered(directory, ::dirfd(stream.get()))) {
-            subdirectories = readNames(directory, stream.get());
+            subdirectories = isAsItWas(directory) ? knownSubdirectories(directory)
+                                                  : readNames(directory, stream.get());
             if (!subdirectories.empty()) open_.keep(directory, std::move(stream));
         }
     } catch (...) {
@@ -29,30 +66,34 @@ std::list<WalkedDirectory> DirectoryReader::read(WalkedDirectory& directory) noe
 }
 
 bool DirectoryReader::isEntered(WalkedDirectory& directory, int descriptor) const {
-    if (!options_.follow && !options_.oneFileSystem) return true;
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) {
         directory.error = errno;
         return false;
     }
-    directory.device = status.st_dev;
-    directory.inode = status.st_ino;
+    directory.stamp = stampOf(status);
 
-    const WalkedDirectory* above = directory.parent;
-    if (above == nullptr) return true;
-    for (; above != nullptr; above = above->parent) {
-        const bool isSame = above->device == directory.device && above->inode == directory.inode;
-        if (options_.follow && isSame) {
+    if (!options_.follow && !options_.oneFileSystem) return true;
+    const DirectoryStamp& own = directory.stamp;
+    for (const WalkedDirectory* above = directory.parent; above != nullptr; above = above->parent) {
+        const DirectoryStamp& other = above->stamp;
+        if (options_.follow && other.device == own.device && other.inode == own.inode)
             directory.sameAbove = above;
-            return false;
-        }
         // All that are walked are then on one file system.
-        if (options_.oneFileSystem && above->device != directory.device) {
-            directory.leftOut.onOtherFileSystems = 1;
+        const bool isElsewhere = options_.oneFileSystem && other.device != own.device;
+        if (directory.sameAbove != nullptr || isElsewhere) {
+            directory.isLeftOut = true;
+            if (directory.sameAbove == nullptr) directory.leftOut.onOtherFileSystems = 1;
             return false;
         }
     }
     return true;
+}
+
+bool DirectoryReader::isAsItWas(const WalkedDirectory& directory) const {
+    if (!directory.known) return false;
+    const ScannedDirectory& known = known_->scan.directories[*directory.known];
+    return known.state == ScanState::kRead && known.stamp == directory.stamp;
 }
 
 std::list<WalkedDirectory> DirectoryReader::readNames(WalkedDirectory& directory,
@@ -71,9 +112,19 @@ std::list<WalkedDirectory> DirectoryReader::readNames(WalkedDirectory& directory
     directory.error = errno;
     std::ranges::sort(directory.files);
     std::ranges::sort(names);
+    return subdirectoriesOf(directory, std::move(names));
+}
 
+std::list<WalkedDirectory> DirectoryReader::knownSubdirectories(WalkedDirectory& directory) const {
+    const auto& scanned = known_->scan.directories;
+    const ScannedDirectory& known = scanned[*directory.known];
+    directory.stamp = known.stamp;
+    directory.isUnchanged = true;
+    directory.subdirectoryCount = known.subdirectoryCount;
     std::list<WalkedDirectory> subdirectories;
-    for (std::string& name : names) subdirectories.emplace_back(&directory, std::move(name));
+    KnownAppender appender(*known_, directory, subdirectories);
+    for (std::uint32_t i = *directory.known + 1; i < known.end; i = scanned[i].end)
+        appender.append(i);
     return subdirectories;
 }
 
@@ -85,6 +136,8 @@ void DirectoryReader::sortIn(WalkedDirectory& directory, std::string& pathBefore
         ++directory.leftOut.hidden;
         return;
     }
+    if (options_.follow && entry.d_type != DT_DIR && entry.d_type != DT_REG)
+        directory.hasLinks = true;
     const EntryKind kind = isWalked(descriptor, entry) ? EntryKind::kDirectory : EntryKind::kOther;
     if (filter_.isExcluded(pathBefore, name, kind)) {
         ++directory.leftOut.excluded;
@@ -99,6 +152,37 @@ void DirectoryReader::sortIn(WalkedDirectory& directory, std::string& pathBefore
         ++directory.leftOut.tooDeep;
     else
         subdirectories.emplace_back(name);
+}
+
+/// Those of these names, ascending: what is known of them, and which that are known are not there.
+std::list<WalkedDirectory> DirectoryReader::subdirectoriesOf(WalkedDirectory& directory,
+                                                             std::vector<std::string> names) const {
+    directory.subdirectoryCount = names.size();
+    std::list<WalkedDirectory> subdirectories;
+    if (!directory.known) {
+        for (std::string& name : names) subdirectories.emplace_back(&directory, std::move(name));
+        return subdirectories;
+    }
+    const auto& scanned = known_->scan.directories;
+    KnownAppender appender(*known_, directory, subdirectories);
+    std::uint32_t next = *directory.known + 1;
+    const std::uint32_t end = scanned[*directory.known].end;
+    const auto passUpTo = [&](const std::string* name) {
+        for (; next < end && (name == nullptr || scanned[next].name < *name);
+             next = scanned[next].end)
+            directory.gone.push_back(scanned[next].name);
+    };
+    for (std::string& name : names) {
+        passUpTo(&name);
+        if (next < end && scanned[next].name == name) {
+            appender.append(next);
+            next = scanned[next].end;
+        } else {
+            subdirectories.emplace_back(&directory, std::move(name));
+        }
+    }
+    passUpTo(nullptr);
+    return subdirectories;
 }
 
 bool DirectoryReader::isWalked(int directory, const dirent& entry) const {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <list>
 #include <mutex>
+#include <optional>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -33,8 +34,8 @@ unsigned threadsFor(const WalkOptions& options) {
 /// that are unread. So the order is that of the names, whoever reads.
 class Walk {
 public:
-    Walk(const WalkOptions& options, const EntryVisitor& onPath, const ErrorVisitor& onError)
-        : reader_(options), onPath_(onPath), onError_(onError), threadCount_(threadsFor(options)) {}
+    Walk(const WalkOptions& options, const WalkVisitors& visitors, const KnownDirectories* known)
+        : reader_(options, known), visitors_(visitors), threadCount_(threadsFor(options)) {}
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
     ~Walk() {
@@ -45,8 +46,9 @@ public:
         workThere_.notify_all();
     }
 
-    LeftOutNames run(const std::string& root) {
+    LeftOutNames run(const std::string& root, std::optional<std::uint32_t> known) {
         ahead_.emplace_back(nullptr, root);
+        ahead_.back().known = known;
         report(takeFirst());
         if (ahead_.empty()) return leftOut_;
         for (unsigned i = 1; i < threadCount_; ++i) helpers_.emplace_back([this] { help(); });
@@ -73,7 +75,7 @@ private:
         for (; !entered_.empty() && &entered_.back() != first->parent; entered_.pop_back())
             reader_.drop(entered_.back());
         entered_.splice(entered_.end(), ahead_, first);
-        --directoriesAhead_;
+        if (!first->isKept()) --directoriesAhead_;
         namesAhead_ -= first->files.size();
         workThere_.notify_one();
         return *first;
@@ -115,22 +117,47 @@ private:
 
     void report(WalkedDirectory& directory) {
         if (directory.failure) std::rethrow_exception(directory.failure);
+        if (directory.isKept()) {
+            if (visitors_.onKept) visitors_.onKept(*directory.known, directory.keptEnd);
+            return;
+        }
         leftOut_ += directory.leftOut;
         path_.resize(directory.parent == nullptr ? 0 : directory.parent->pathLength);
         path_.append(directory.name);
         if (directory.sameAbove != nullptr)
-            onError_(path_, "is " + pathOf(*directory.sameAbove) + ", in which it is: a loop");
+            visitors_.onError(path_,
+                              "is " + pathOf(*directory.sameAbove) + ", in which it is: a loop");
         else if (directory.error != 0)
-            onError_(path_, std::generic_category().message(directory.error));
+            visitors_.onError(path_, std::generic_category().message(directory.error));
         if (path_.empty() || path_.back() != kSeparator) path_.push_back(kSeparator);
 
         directory.pathLength = path_.size();
-        for (const std::string& name : directory.files) {
-            path_.append(name);
-            onPath_(path_);
-            path_.resize(directory.pathLength);
+        if (visitors_.onDirectory) visitors_.onDirectory(met(directory));
+        if (visitors_.onPath) {
+            for (const std::string& name : directory.files) {
+                path_.append(name);
+                visitors_.onPath(path_);
+                path_.resize(directory.pathLength);
+            }
         }
         directory.files = {};
+    }
+
+    MetDirectory met(const WalkedDirectory& directory) const {
+        ScannedDirectory scanned;
+        if (directory.parent != nullptr) scanned.name = directory.name;
+        scanned.subdirectoryCount = static_cast<std::uint32_t>(directory.subdirectoryCount);
+        scanned.state = directory.isLeftOut    ? ScanState::kLeftOut
+                        : directory.error != 0 ? ScanState::kUnreadable
+                        : directory.hasLinks   ? ScanState::kReadAgain
+                                               : ScanState::kRead;
+        scanned.stamp = directory.stamp;
+        return {.path = path_,
+                .directory = scanned,
+                .known = directory.known,
+                .isUnchanged = directory.isUnchanged,
+                .files = directory.files,
+                .gone = directory.gone};
     }
 
     /// The path of a directory that leads to the one at hand.
@@ -140,8 +167,7 @@ private:
     }
 
     DirectoryReader reader_;
-    const EntryVisitor& onPath_;
-    const ErrorVisitor& onError_;
+    const WalkVisitors& visitors_;
     const unsigned threadCount_;
     std::string path_;                    // of the directory or file at hand
     LeftOutNames leftOut_;                // of the directories that were reported
@@ -151,7 +177,7 @@ private:
     std::condition_variable workThere_;
     std::condition_variable firstIsRead_;
     std::list<WalkedDirectory> ahead_;
-    std::size_t directoriesAhead_ = 0;  // of `ahead_`, those not unread
+    std::size_t directoriesAhead_ = 0;  // of `ahead_`, those not unread, without those kept
     std::size_t namesAhead_ = 0;        // of files in them
     bool isOver_ = false;
 
@@ -161,8 +187,16 @@ private:
 }  // namespace
 
 LeftOutNames walkDirectory(const std::string& root, const WalkOptions& options,
+                           const WalkVisitors& visitors, const KnownDirectories* known) {
+    std::optional<std::uint32_t> place;
+    if (known != nullptr && known->scan.directories.front().state < ScanState::kUnreadable)
+        place = 0;
+    return Walk(options, visitors, known).run(root, place);
+}
+
+LeftOutNames walkDirectory(const std::string& root, const WalkOptions& options,
                            const EntryVisitor& onPath, const ErrorVisitor& onError) {
-    return Walk(options, onPath, onError).run(root);
+    return walkDirectory(root, options, {.onError = onError, .onPath = onPath});
 }
 
 }  // namespace zqpaths

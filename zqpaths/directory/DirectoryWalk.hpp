@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,7 @@
 #include "zqpaths/Export.hpp"
 #include "zqpaths/directory/FileIdentity.hpp"
 #include "zqpaths/directory/LeftOutNames.hpp"
+#include "zqpaths/directory/ScanRecord.hpp"
 
 namespace zqpaths {
 
@@ -51,11 +53,46 @@ using EntryVisitor = std::function<void(std::string_view path)>;
 /// above it a followed link leads back to.
 using ErrorVisitor = std::function<void(std::string_view path, std::string_view reason)>;
 
+/// A directory that the walk has come to. What is in it follows. All views are valid during the
+/// call.
+struct MetDirectory {
+    std::string_view path;                     // as of what is in it, with a separator at the end
+    ScannedDirectory directory;                // its name, and what is to be recorded of it
+    std::optional<std::uint32_t> known;        // its place in what is known
+    bool isUnchanged = false;                  // and nothing is told of its files
+    std::span<const std::string> files{};      // the names of what is reported, in byte order
+    std::span<const std::string_view> gone{};  // sub-directories that are known and not there
+};
+using DirectoryVisitor = std::function<void(const MetDirectory& directory)>;
+
+/// Takes directories that are as they were, with all below them: from one place of what is known up
+/// to the one before another.
+using KeptVisitor = std::function<void(std::uint32_t first, std::uint32_t end)>;
+
+/// What is told of a walk, in its order: a directory, what is reported in it, then those below.
+struct WalkVisitors {
+    ErrorVisitor onError;
+    // These may be empty.
+    EntryVisitor onPath{};
+    DirectoryVisitor onDirectory{};
+    KeptVisitor onKept{};
+};
+
+struct KnownDirectories;
+
+/// Walks `root`. With `known`, directories that are as they were are not read, and what they leave
+/// out is not counted: those that have none below them that is not are kept, as a whole. Else as
+/// the next. O(entries log entries of one directory that is read + those that are known and not
+/// kept).
+ZQPATHS_EXPORT LeftOutNames walkDirectory(const std::string& root, const WalkOptions& options,
+                                          const WalkVisitors& visitors,
+                                          const KnownDirectories* known = nullptr);
+
 /// Walks `root` and tells how many names it has left out. What cannot be read goes to `onError`,
 /// the walk goes on past it. Throws Error kWrongUse for patterns beyond all bounds, std::bad_alloc,
-/// std::system_error if a thread cannot be had, and what the callbacks throw. O(entries log entries
-/// of one directory); holds the names of the directories ahead on the way down, and of a fixed
-/// number of others that were read ahead.
+/// std::system_error if a thread cannot be started, and what the callbacks throw. O(entries log
+/// entries of one directory); holds the names of the directories ahead on the way down, and of a
+/// fixed number of others that were read ahead.
 ZQPATHS_EXPORT LeftOutNames walkDirectory(const std::string& root, const WalkOptions& options,
                                           const EntryVisitor& onPath, const ErrorVisitor& onError);
 

@@ -50,8 +50,9 @@ OpenDirectories::Shared OpenDirectories::find(const WalkedDirectory* directory) 
     const std::lock_guard lock(mutex_);
     const auto place = std::ranges::find(kept_, directory, &Kept::directory);
     if (place == kept_.end()) return nullptr;
-    if (place != kept_.begin()) std::rotate(place, place + 1, kept_.end());
-    return directory->parent == nullptr ? kept_.front().stream : kept_.back().stream;
+    if (directory->parent == nullptr) return place->stream;
+    std::rotate(place, place + 1, kept_.end());
+    return kept_.back().stream;
 }
 
 void OpenDirectories::keepShared(const WalkedDirectory* directory, Shared stream) {
@@ -59,25 +60,32 @@ void OpenDirectories::keepShared(const WalkedDirectory* directory, Shared stream
     const std::lock_guard lock(mutex_);
     if (std::ranges::find(kept_, directory, &Kept::directory) != kept_.end()) return;
     if (kept_.size() == kMaxKept) {
-        const auto longestUnused = kept_.begin() + 1;  // the root is the last resort for all
+        // The root, which is the first, is the last resort for all.
+        const bool hasRoot = kept_.front().directory->parent == nullptr;
+        const auto longestUnused = kept_.begin() + (hasRoot ? 1 : 0);
         closedOutsideTheLock = std::move(longestUnused->stream);
         kept_.erase(longestUnused);
     }
-    kept_.push_back({directory, std::move(stream)});
+    const auto place = directory->parent == nullptr ? kept_.begin() : kept_.end();
+    kept_.insert(place, {directory, std::move(stream)});
 }
 
 OpenDirectories::Shared OpenDirectories::reopen(const WalkedDirectory& directory) {
     Shared above;
     std::vector<const WalkedDirectory*> closed;  // from `directory` up
-    for (const WalkedDirectory* level = &directory; !above; level = level->parent) {
+    for (const WalkedDirectory* level = &directory; !above && level != nullptr;
+         level = level->parent) {
         above = find(level);
         if (!above) closed.push_back(level);
     }
     for (; !closed.empty(); closed.pop_back()) {
-        const Shared opened(openFrom(::dirfd(above.get()), *closed.back(), follow_));
+        // A root that is as it was has not been opened before.
+        const Shared opened(above ? openFrom(::dirfd(above.get()), *closed.back(), follow_)
+                                  : openFrom(AT_FDCWD, *closed.back(), true));
         if (!opened) return nullptr;
         // Only these are of use to what comes next; others would push one another out.
-        if (closed.size() < kMaxKept) keepShared(closed.back(), opened);
+        const bool isRoot = closed.back()->parent == nullptr;
+        if (isRoot || closed.size() < kMaxKept) keepShared(closed.back(), opened);
         above = opened;
     }
     return above;

@@ -117,15 +117,15 @@ void AppendedSetFile::commit() {
     file_.close();
 }
 
-/// Writes the segments to a new file, which takes the place of this one; false if that cannot be
-/// done, since the old file serves as well.
+/// Writes segments and blocks to a new file, which takes the place of this one; false if that
+/// cannot be done, since the old file serves as well.
 bool AppendedSetFile::rewrite() {
     std::optional<PendingFile> pending;
     try {
         pending.emplace(path_, file_.name(), std::chrono::milliseconds{0});
         pending->file().takeRightsOf(file_.status());
         SetFileBody compacted(pending->file(), kPageSize, {{}, state().directory.unknown});
-        for (const SegmentEntry& entry : body_->directory().segments) compacted.copy(file_, entry);
+        compacted.copyAll(file_, body_->directory());
         finishNewFile(pending->file(), compacted, state().header.flags);
         pending->publishInPlace();
     } catch (const Error&) {

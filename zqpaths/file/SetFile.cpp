@@ -17,16 +17,6 @@ std::vector<std::byte> firstPageOf(const SystemFile& file) {
     return page;
 }
 
-/// Throws what `read` throws with the name of the file before its text.
-template <class Read>
-auto readNaming(const std::string& file, Read read) {
-    try {
-        return read();
-    } catch (const Error& error) {
-        throw Error(error.kind(), file, error.what());
-    }
-}
-
 bool hasAllSuperblocks(const Header& header) noexcept {
     return std::all_of(header.superblocks.begin(), header.superblocks.end(),
                        [](const auto& superblock) { return superblock.has_value(); });
@@ -59,9 +49,9 @@ SetFile::SetFile(SystemFile file) : file_(std::move(file)) {
     // A writer lets the file grow before it changes the header: in this order the header never
     // names more than is mapped.
     const std::vector<std::byte> firstPage = firstPageOf(file_);
-    readNaming(path(), [&] { return decodeHeader(firstPage); });  // before other files are mapped
+    naming([&] { return decodeHeader(firstPage); });  // before other files are mapped
     mapping_ = Mapping(file_);
-    state_ = readNaming(path(), [&] { return committedState(firstPage, mapping_.bytes()); });
+    state_ = naming([&] { return committedState(firstPage, mapping_.bytes()); });
     pathCount_ = state_.directory.pathCount();
 }
 
@@ -82,9 +72,23 @@ std::span<const std::byte> SetFile::bytesOf(const SegmentEntry& entry) const noe
     return mapping_.bytes().subspan(entry.offset, entry.size);
 }
 
+std::span<const std::byte> SetFile::bytesOf(const std::optional<BlockEntry>& block) const noexcept {
+    if (!block) return {};
+    return mapping_.bytes().subspan(block->offset, block->size);
+}
+
+std::span<const std::byte> SetFile::wholeBytesOf(const char* what,
+                                                 const std::optional<BlockEntry>& block) const {
+    const std::span<const std::byte> bytes = bytesOf(block);
+    if (block && sumOf(bytes) != block->sum)
+        throw damage(std::string(what) + " at byte " + std::to_string(block->offset) +
+                     ": the sum differs");
+    return bytes;
+}
+
 void SetFile::requireWhole() const {
     const std::uint64_t now = file_.size();
-    readNaming(path(), [&] { requireSize(now, size()); });
+    naming([&] { requireSize(now, size()); });
 }
 
 Error SetFile::damage(const std::string& reason) const {
@@ -122,6 +126,14 @@ std::vector<Error> SetFile::verifySums(const WorkWatcher& watch) const {
             damages.push_back(damage("segment " + std::to_string(i + 1) + " at byte " +
                                      std::to_string(entry.offset) + ": the sum differs"));
         if (watch) watch(WorkStep::kSumming, entry.size);
+    }
+    for (const auto& [what, block] : {std::pair(kGonePathsText, state_.directory.gone),
+                                      std::pair(kScansText, state_.directory.scans)}) {
+        try {
+            wholeBytesOf(what, block);
+        } catch (const Error& error) {
+            damages.push_back(error);
+        }
     }
     return damages;
 }

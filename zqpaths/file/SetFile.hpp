@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -42,10 +43,27 @@ public:
     /// The bytes of a segment of this file, which are mapped, 4096-aligned.
     std::span<const std::byte> bytesOf(const SegmentEntry& entry) const noexcept;
 
+    /// The bytes of a block of this file, which are mapped, 8-aligned; none if there is none.
+    std::span<const std::byte> bytesOf(const std::optional<BlockEntry>& block) const noexcept;
+
+    /// The same, after its sum has been looked at. Throws Error kDamaged with what it is called.
+    std::span<const std::byte> wholeBytesOf(const char* what,
+                                            const std::optional<BlockEntry>& block) const;
+
     /// Throws Error kDamaged if the file has become shorter than what was opened. One system call.
     void requireWhole() const;
 
-    /// What is damaged of header, directory and segments by their sums. Throws Error as
+    /// What `read()` gives; Error that it throws has the name of the file before its text.
+    template <class Read>
+    auto naming(Read read) const {
+        try {
+            return read();
+        } catch (const Error& error) {
+            throw Error(error.kind(), path(), error.what());
+        }
+    }
+
+    /// What is damaged of header, directory, segments and blocks by their sums. Throws Error as
     /// requireWhole does, kSystem. O(size).
     std::vector<Error> verifySums(const WorkWatcher& watch = {}) const;
 

@@ -40,26 +40,52 @@ void SetFileBody::append(const SegmentBytes& segment) {
     end_ = offset + segment.bytes.size();
 }
 
-void SetFileBody::copy(const SystemFile& from, const SegmentEntry& entry) {
-    SegmentEntry copied = entry;
-    copied.offset = alignedUp(end_, kPageSize);
-    std::vector<std::byte> buffer(std::min<std::uint64_t>(entry.size, kCopiedAtOnce));
-    for (std::uint64_t done = 0; done < entry.size;) {
+void SetFileBody::put(const BlockBytes& block, std::optional<BlockEntry>& entry) {
+    entry.reset();
+    if (block.bytes.empty()) return;
+    const std::uint64_t offset = alignedUp(end_, kBlockAlignment);
+    file_.writeAt(offset, block.bytes);
+    entry = {offset, block.bytes.size(), block.count, sumOf(block.bytes)};
+    end_ = offset + block.bytes.size();
+}
+
+void SetFileBody::copyAll(const SystemFile& from, const Directory& directory) {
+    for (SegmentEntry entry : directory.segments) {
+        entry.offset = copy(from, {entry.offset, entry.offset + entry.size}, kPageSize);
+        directory_.segments.push_back(entry);
+    }
+    copyBlock(from, directory.gone, directory_.gone);
+    copyBlock(from, directory.scans, directory_.scans);
+}
+
+void SetFileBody::copyBlock(const SystemFile& from, const std::optional<BlockEntry>& there,
+                            std::optional<BlockEntry>& copied) {
+    copied = there;
+    if (copied)
+        copied->offset = copy(from, {there->offset, there->offset + there->size}, kBlockAlignment);
+}
+
+/// Appends bytes of another file and returns where they are.
+std::uint64_t SetFileBody::copy(const SystemFile& from, Extent bytes, std::uint64_t alignment) {
+    const std::uint64_t size = bytes.end - bytes.begin;
+    const std::uint64_t offset = alignedUp(end_, alignment);
+    std::vector<std::byte> buffer(std::min<std::uint64_t>(size, kCopiedAtOnce));
+    for (std::uint64_t done = 0; done < size;) {
         const auto wanted =
-            std::span(buffer).first(std::min<std::uint64_t>(entry.size - done, buffer.size()));
-        const std::size_t count = from.readAt(entry.offset + done, wanted);
+            std::span(buffer).first(std::min<std::uint64_t>(size - done, buffer.size()));
+        const std::size_t count = from.readAt(bytes.begin + done, wanted);
         requireSize(done + count, done + wanted.size());
-        file_.writeAt(copied.offset + done, wanted);
+        file_.writeAt(offset + done, wanted);
         done += count;
     }
-    directory_.segments.push_back(copied);
-    end_ = copied.offset + copied.size;
+    end_ = offset + size;
+    return offset;
 }
 
 Superblock SetFileBody::finish(std::uint64_t sequence) {
     std::vector<std::byte> bytes = encodeDirectory(directory_);
-    Superblock superblock{sequence, alignedUp(end_, kDirectoryAlignment), bytes.size(),
-                          sumOf(bytes), 0};
+    Superblock superblock{sequence, alignedUp(end_, kBlockAlignment), bytes.size(), sumOf(bytes),
+                          0};
     superblock.end = superblock.directoryOffset + bytes.size() + kSuperblockSize;
     const auto closing = encodeSuperblock(superblock);
     bytes.insert(bytes.end(), closing.begin(), closing.end());
@@ -71,6 +97,8 @@ Superblock SetFileBody::finish(std::uint64_t sequence) {
 bool SetFileBody::isMostlyDead() const noexcept {
     std::uint64_t live = kPageSize;
     for (const SegmentEntry& entry : directory_.segments) live += alignedUp(entry.size, kPageSize);
+    for (const auto& block : {directory_.gone, directory_.scans})
+        if (block) live += alignedUp(block->size, kBlockAlignment);
     const std::uint64_t dead = std::max(end_, live) - live;
     return dead > live && dead > kLeastDead;
 }

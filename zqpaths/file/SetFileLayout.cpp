@@ -31,47 +31,6 @@ constexpr std::size_t kSumSize = 8;
 // Of the header.
 constexpr std::uint32_t kKnownFlags = 0;  // of those that a reader must know
 
-// Of a section of the directory.
-constexpr std::uint32_t kSegmentsTag = 'S' | 'E' << 8 | 'G' << 16 | 'M' << 24;
-constexpr std::uint32_t kMustBeKnown = 1;  // by readers
-constexpr std::uint32_t kMayBeCopied = 2;  // by a writer that does not know it
-constexpr std::size_t kSectionHeadSize = 16;
-constexpr std::size_t kSectionAlignment = 8;
-constexpr std::size_t kEntrySize = 56;
-
-constexpr std::uint64_t kMostInAll = std::uint64_t{1} << 62;  // paths, and bytes of their text
-
-[[noreturn]] void refuseDamage(const std::string& reason) {
-    throw Error(ErrorKind::kDamaged, {}, reason);
-}
-
-[[noreturn]] void refuseNewer() {
-    throw Error(ErrorKind::kNotASet, {}, "is a set that needs a newer version of this program");
-}
-
-ByteReader readerOf(std::span<const std::byte> bytes) noexcept {
-    return ByteReader({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
-}
-
-/// Writes integers one after the other, lowest byte first, and zeros.
-class ByteWriter {
-public:
-    explicit ByteWriter(std::span<std::byte> bytes) noexcept : left_(bytes) {}
-
-    void integer(std::uint64_t value, unsigned byteCount) noexcept {
-        for (unsigned i = 0; i < byteCount; ++i, value >>= 8)
-            left_[i] = static_cast<std::byte>(value & 0xFF);
-        left_ = left_.subspan(byteCount);
-    }
-    void bytes(std::span<const std::byte> bytes) noexcept {
-        std::copy(bytes.begin(), bytes.end(), left_.begin());
-        left_ = left_.subspan(bytes.size());
-    }
-
-private:
-    std::span<std::byte> left_;
-};
-
 /// Whether the last eight of the bytes are the sum of those before.
 bool hasItsSum(std::span<const std::byte> bytes) {
     const auto summed = bytes.first(bytes.size() - kSumSize);
@@ -118,61 +77,6 @@ std::optional<std::span<const std::byte>> partOf(std::span<const std::byte> file
     return file.subspan(offset, size);
 }
 
-/// The entries of a section, one after the other.
-std::vector<SegmentEntry> decodeSegments(ByteReader section) {
-    if (section.left() % kEntrySize != 0) refuseDamage("the directory ends within a segment");
-    std::vector<SegmentEntry> segments(section.left() / kEntrySize);
-    for (SegmentEntry& entry : segments) {
-        const std::uint64_t form = section.readInteger(4);
-        const std::uint64_t kept = section.readInteger(4);
-        if ((form != 1 && form != 2) || kept != 0) refuseNewer();
-        entry.form = static_cast<SegmentForm>(form);
-        for (std::uint64_t* field : {&entry.offset, &entry.size, &entry.pathCount, &entry.textSize,
-                                     &entry.treeStringSize, &entry.sum})
-            *field = section.readInteger(8);
-    }
-    return segments;
-}
-
-bool isPlausible(const SegmentEntry& entry) noexcept {
-    const bool isTextEnough = entry.textSize <= kMostInAll && entry.pathCount > 0 &&
-                              entry.pathCount <= entry.textSize / 2;  // a byte and one more each
-    const bool isTreeStringRight =
-        entry.form == SegmentForm::kImage
-            ? entry.treeStringSize == 0
-            : entry.treeStringSize % 2 == 0 && entry.treeStringSize < entry.size;
-    return entry.size > 0 && isTextEnough && isTreeStringRight;
-}
-
-/// Throws Error kDamaged unless all segments lie in the file, apart from each other and from the
-/// directory, and hold what can be counted.
-void requireRoom(const std::vector<SegmentEntry>& segments, const Superblock& superblock) {
-    using Extent = std::pair<std::uint64_t, std::uint64_t>;
-    std::vector<Extent> taken{{superblock.directoryOffset, superblock.end}};
-    taken.reserve(segments.size() + 1);
-    std::uint64_t pathCount = 0;
-    std::uint64_t textSize = 0;
-    for (std::size_t i = 0; i < segments.size(); ++i) {
-        const SegmentEntry& entry = segments[i];
-        const bool isInside = entry.offset >= kPageSize && entry.offset % kPageSize == 0 &&
-                              entry.offset <= superblock.end &&
-                              entry.size <= superblock.end - entry.offset;
-        if (!isInside || !isPlausible(entry))
-            refuseDamage("the directory says of segment " + std::to_string(i + 1) +
-                         " what cannot be");
-        taken.emplace_back(entry.offset, entry.offset + entry.size);
-        pathCount += entry.pathCount;
-        textSize += entry.textSize;
-        if (pathCount > kMostInAll || textSize > kMostInAll)
-            refuseDamage("the directory counts more paths than there can be");
-    }
-    std::sort(taken.begin(), taken.end());
-    const auto shared =
-        std::adjacent_find(taken.begin(), taken.end(),
-                           [](const Extent& a, const Extent& b) { return a.second > b.first; });
-    if (shared != taken.end()) refuseDamage("segments lie over one another");
-}
-
 /// The last superblock of a file once more, as it stands after its directory.
 std::optional<Superblock> closingSuperblock(std::span<const std::byte> file) {
     if (file.size() < kPageSize + kSuperblockSize) return std::nullopt;
@@ -204,21 +108,6 @@ std::vector<Candidate> candidatesOf(const Header& header, std::span<const std::b
 }
 
 }  // namespace
-
-std::uint64_t Directory::pathCount() const noexcept {
-    std::uint64_t count = 0;
-    for (const SegmentEntry& entry : segments) count += entry.pathCount;
-    return count;
-}
-
-std::uint64_t sumOf(std::span<const std::byte> bytes) noexcept {
-    return compressedpaths::hashOf(bytes.data(), bytes.size(), 0);
-}
-
-void requireSize(std::uint64_t size, std::uint64_t wanted) {
-    if (size < wanted)
-        refuseDamage("has " + std::to_string(size) + " bytes instead of " + std::to_string(wanted));
-}
 
 Header decodeHeader(std::span<const std::byte> page) {
     if (isDatabase(page))
@@ -278,7 +167,7 @@ std::optional<Superblock> decodeSuperblock(std::span<const std::byte, kSuperbloc
         *field = reader.readInteger(8);
     const bool isPlaced =
         superblock.directoryOffset >= kPageSize &&
-        superblock.directoryOffset % kDirectoryAlignment == 0 &&
+        superblock.directoryOffset % kBlockAlignment == 0 &&
         superblock.directoryOffset <= superblock.end &&
         superblock.end - superblock.directoryOffset >= kSuperblockSize &&
         superblock.end - superblock.directoryOffset - kSuperblockSize == superblock.directorySize;
@@ -303,61 +192,9 @@ Directory decodeDirectory(std::span<const std::byte> file, const Superblock& sup
     if (!bytes || sumOf(*bytes) != superblock.directorySum)
         refuseDamage("the directory at byte " + std::to_string(superblock.directoryOffset) +
                      " is damaged");
-    Directory directory;
-    bool hasSegments = false;
-    try {
-        ByteReader reader = readerOf(*bytes);
-        while (!reader.isAtEnd()) {
-            const auto tag = static_cast<std::uint32_t>(reader.readInteger(4));
-            const auto flags = static_cast<std::uint32_t>(reader.readInteger(4));
-            const auto section = std::as_bytes(reader.readBytes(reader.readInteger(8)));
-            reader.readBytes(alignedUp(section.size(), kSectionAlignment) - section.size());
-            if (tag == kSegmentsTag && !std::exchange(hasSegments, true))
-                directory.segments = decodeSegments(readerOf(section));
-            else if (tag == kSegmentsTag)
-                refuseDamage("the directory lists its segments twice");
-            else if ((flags & kMustBeKnown) != 0)
-                refuseNewer();
-            else
-                directory.unknown.push_back({tag, flags, {section.begin(), section.end()}});
-        }
-    } catch (const compressedpaths::sixpacks::PrematureEndException&) {
-        refuseDamage("the directory ends within a section");
-    }
-    if (!hasSegments) refuseDamage("the directory lists no segments");
-    requireRoom(directory.segments, superblock);
+    Directory directory = decodeSections(*bytes);
+    requireRoom(directory, {superblock.directoryOffset, superblock.end});
     return directory;
-}
-
-std::vector<std::byte> encodeDirectory(const Directory& directory) {
-    std::vector<std::byte> bytes(kSectionHeadSize + directory.segments.size() * kEntrySize);
-    ByteWriter writer(bytes);
-    writer.integer(kSegmentsTag, 4);
-    writer.integer(kMustBeKnown, 4);
-    writer.integer(directory.segments.size() * kEntrySize, 8);
-    for (const SegmentEntry& entry : directory.segments) {
-        writer.integer(static_cast<std::uint32_t>(entry.form), 4);
-        writer.integer(0, 4);
-        for (const std::uint64_t field : {entry.offset, entry.size, entry.pathCount, entry.textSize,
-                                          entry.treeStringSize, entry.sum})
-            writer.integer(field, 8);
-    }
-    for (const UnknownSection& section : directory.unknown) {
-        const std::size_t begin = bytes.size();
-        bytes.resize(begin + kSectionHeadSize + alignedUp(section.bytes.size(), kSectionAlignment));
-        ByteWriter head(std::span<std::byte>(bytes).subspan(begin));
-        head.integer(section.tag, 4);
-        head.integer(section.flags, 4);
-        head.integer(section.bytes.size(), 8);
-        head.bytes(section.bytes);
-    }
-    return bytes;
-}
-
-bool canBeRewritten(const Directory& directory) noexcept {
-    return std::all_of(
-        directory.unknown.begin(), directory.unknown.end(),
-        [](const UnknownSection& section) { return (section.flags & kMayBeCopied) != 0; });
 }
 
 CommittedState committedState(std::span<const std::byte> firstPage,

@@ -1,7 +1,7 @@
 #pragma once
-// How a set file is laid out, as bytes: the header with its two superblocks, and the directory.
-// docs/zqp.md draws it. This is the one reader and the one writer of that form; it knows nothing of
-// files of the system.
+// How a set file is laid out, as bytes: the header with its two superblocks, and the directory that
+// they name. docs/zqp.md draws it. This and SetFileDirectory are the one reader and the one writer
+// of that form; they know nothing of files of the system.
 //
 //     const CommittedState state = committedState(firstPage, file);  // what a reader goes by
 //     for (const SegmentEntry& entry : state.directory.segments) ...
@@ -17,44 +17,9 @@
 #include <span>
 #include <vector>
 
+#include "zqpaths/file/SetFileDirectory.hpp"
+
 namespace zqpaths {
-
-inline constexpr std::uint64_t kPageSize = 4096;  // of the header; segments begin at multiples
-
-enum class SegmentForm : std::uint32_t {
-    kImage = 1,   // the image of a path set
-    kPacked = 2,  // its tree string, UTF-16 with the lowest byte first, then its saved form
-};
-
-struct SegmentEntry {
-    SegmentForm form;
-    std::uint64_t offset;  // in the file, a multiple of kPageSize
-    std::uint64_t size;    // bytes
-    std::uint64_t pathCount;
-    std::uint64_t textSize;        // bytes of all paths, one more for each
-    std::uint64_t treeStringSize;  // bytes of the tree string at the front; 0 for an image
-    std::uint64_t sum;             // XXH3-64 of the bytes
-
-    bool operator==(const SegmentEntry&) const = default;
-};
-
-/// A section of a directory that only a later version understands.
-struct UnknownSection {
-    std::uint32_t tag;
-    std::uint32_t flags;
-    std::vector<std::byte> bytes;
-
-    bool operator==(const UnknownSection&) const = default;
-};
-
-struct Directory {
-    std::vector<SegmentEntry> segments;   // in the order of the numbers
-    std::vector<UnknownSection> unknown;  // in their order
-
-    std::uint64_t pathCount() const noexcept;
-
-    bool operator==(const Directory&) const = default;
-};
 
 struct Superblock {
     std::uint64_t sequence;  // the higher one counts
@@ -75,18 +40,7 @@ inline constexpr std::uint32_t kVersion = 1;
 inline constexpr std::size_t kHeaderSize = 32;      // at the front, with its sum in the last eight
 inline constexpr std::size_t kSuperblockSize = 48;  // with its sum in the last eight
 inline constexpr std::array<std::size_t, 2> kSuperblockOffsets{512, 1024};
-inline constexpr std::uint64_t kDirectoryAlignment = 8;
 inline constexpr std::uint64_t kMaxSequence = std::uint64_t{1} << 62;
-
-constexpr std::uint64_t alignedUp(std::uint64_t offset, std::uint64_t alignment) noexcept {
-    return (offset + alignment - 1) / alignment * alignment;
-}
-
-/// The sum that stands for these bytes wherever the form has one. O(bytes).
-std::uint64_t sumOf(std::span<const std::byte> bytes) noexcept;
-
-/// Throws Error kDamaged, with both sizes, if a file has fewer bytes than it should.
-void requireSize(std::uint64_t size, std::uint64_t wanted);
 
 /// What the first page says.
 struct Header {
@@ -118,12 +72,6 @@ std::array<std::byte, kSuperblockSize> encodeSuperblock(const Superblock& superb
 /// The directory that a superblock names, of the bytes of the file from the first one on. Throws
 /// Error kDamaged, kNotASet if it needs a later version. O(directory).
 Directory decodeDirectory(std::span<const std::byte> file, const Superblock& superblock);
-
-/// Throws std::bad_alloc. O(directory).
-std::vector<std::byte> encodeDirectory(const Directory& directory);
-
-/// True if a writer that changes the segments may copy all sections that it does not know.
-bool canBeRewritten(const Directory& directory) noexcept;
 
 /// What a file was when it was committed last.
 struct CommittedState {

@@ -39,6 +39,14 @@ void SetFileWriter::append(const SegmentBytes& segment) {
     change_->body().append(segment);
 }
 
+void SetFileWriter::putGone(const BlockBytes& block) {
+    change_->body().putGone(block);
+}
+
+void SetFileWriter::putScans(const BlockBytes& block) {
+    change_->body().putScans(block);
+}
+
 void SetFileWriter::commit() {
     change_->commit();
 }

@@ -30,6 +30,12 @@ struct SegmentBytes {
     std::span<const std::byte> bytes;
 };
 
+/// The bytes of a block that is to be written, and what the directory says of it.
+struct BlockBytes {
+    std::uint64_t count;
+    std::span<const std::byte> bytes;
+};
+
 class SetFileWriter {
 public:
     enum class Mode { kCreate, kReplace, kAppend };
@@ -52,6 +58,12 @@ public:
 
     /// Writes a segment after all others. Throws Error kNoSpace, kSystem; it does not count then.
     void append(const SegmentBytes& segment);
+
+    /// Write which paths are gone, and the scans, instead of what there was of them; without bytes
+    /// there are none. What is not written stays. Throw Error as append does; the set then has none
+    /// of that kind and is to be discarded.
+    void putGone(const BlockBytes& block);
+    void putScans(const BlockBytes& block);
 
     /// Makes the segments the content of the file, on the disk when it returns; others may write
     /// it from then on. Where more bytes of the file would be dead than alive, it is written anew

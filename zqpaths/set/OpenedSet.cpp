@@ -38,6 +38,8 @@ OpenedSet::OpenedSet(std::shared_ptr<const SetFile> file) : file_(std::move(file
         segments_.emplace_back(file_, entry, next);
         next += entry.pathCount;
     }
+    const std::optional<BlockEntry>& block = file_->state().directory.gone;
+    gone_ = GonePaths(file_->bytesOf(block), block ? block->count : 0, size());
 }
 
 void OpenedSet::requireNumber(std::uint64_t number) const {

@@ -16,6 +16,7 @@
 #include <string>
 
 #include "zqpaths/file/SetFile.hpp"
+#include "zqpaths/set/GonePaths.hpp"
 #include "zqpaths/set/OrderedWork.hpp"
 #include "zqpaths/set/PathBuffer.hpp"
 #include "zqpaths/set/Segment.hpp"
@@ -50,6 +51,8 @@ public:
     std::uint64_t size() const noexcept { return file_->pathCount(); }
     const std::deque<Segment>& segments() const noexcept { return segments_; }
 
+    const GonePaths& gone() const noexcept { return gone_; }
+
     /// Throws Error kWrongUse unless there is a path with this number.
     void requireNumber(std::uint64_t number) const;
 
@@ -73,6 +76,7 @@ private:
 
     std::shared_ptr<const SetFile> file_;
     std::deque<Segment> segments_;
+    GonePaths gone_;
 };
 
 /// What a set shares with its copies.

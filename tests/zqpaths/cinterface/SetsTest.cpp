@@ -15,6 +15,7 @@
 #include "tests/support/SetFiles.hpp"
 #include "tests/support/TemporaryTree.hpp"
 #include "tests/zqpaths/cinterface/OpenedByC.hpp"
+#include "zqpaths/PathSetWriter.hpp"
 
 namespace zqpaths {
 namespace {
@@ -72,6 +73,7 @@ TEST_F(CSets, tellTheirSizeAndFile) {
 
 TEST_F(CSets, mayBeNoneWhereNothingCanFail) {
     EXPECT_EQ(zqp_size(nullptr), 0U);
+    EXPECT_EQ(zqp_gone_count(nullptr), 0U);
     EXPECT_EQ(zqp_file(nullptr), nullptr);
     zqp_close(nullptr);
 }
@@ -99,6 +101,27 @@ TEST_F(CSets, thatCannotBeOpenedAreNull) {
 }
 
 // --- Paths by their numbers.
+
+TEST_F(CSets, tellWhichPathsAreGone) {
+    int isGone = 7;
+    EXPECT_EQ(zqp_gone_count(set_), 0U);
+    expectStatus(zqp_is_gone(set_, 2, &isGone), ZQP_OK);
+    EXPECT_EQ(isGone, 0);
+    PathSetWriter writer(made_.file(), PathSetWriter::Mode::kAppend);
+    writer.markGone(2);
+    writer.markGone(6);
+    writer.commit();
+    const OpenedByC marked(made_.file());
+    EXPECT_EQ(zqp_gone_count(marked.get()), 2U);
+    for (const std::uint64_t number : {1U, 2U, 5U, 6U}) {
+        expectStatus(zqp_is_gone(marked.get(), number, &isGone), ZQP_OK);
+        EXPECT_EQ(isGone, number % 4 == 2 ? 1 : 0) << number;
+    }
+    EXPECT_EQ(zqp_is_gone(marked.get(), 7, &isGone), ZQP_WRONG_USE);
+    expectFailure(zqp_is_gone(marked.get(), 1, nullptr), ZQP_WRONG_USE,
+                  "zqp_is_gone: is_gone is NULL");
+    expectFailure(zqp_is_gone(nullptr, 1, &isGone), ZQP_WRONG_USE, "zqp_is_gone: set is NULL");
+}
 
 TEST_F(CSets, giveAPathWhereItAndItsEndFit) {
     std::string buffer(6, '#');

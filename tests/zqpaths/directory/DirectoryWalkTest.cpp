@@ -14,11 +14,13 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/OrdinaryUser.hpp"
 #include "tests/support/TemporaryTree.hpp"
 
 namespace zqpaths {
 namespace {
 
+using test_support::OrdinaryUser;
 using test_support::TemporaryTree;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -139,23 +141,6 @@ TEST(DirectoryWalk, goesThroughAPathOfHundredsOfKilobytes) {
     ASSERT_EQ(walked.paths.size(), kLevels + 1);
     EXPECT_EQ(walked.paths[0].size(), tree.path().size() + kLevels * 256 + 2);
 }
-
-/// A user without the rights of root, while it lives.
-class OrdinaryUser {
-public:
-    OrdinaryUser() {
-        if (::geteuid() == 0) isSwitched_ = ::seteuid(kNobody) == 0;
-    }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-    ~OrdinaryUser() {
-        if (isSwitched_) static_cast<void>(::seteuid(0));
-    }
-
-private:
-    static constexpr uid_t kNobody = 65534;
-    bool isSwitched_ = false;
-};
 
 TEST(DirectoryWalk, reportsAnUnreadableDirectoryAndGoesOn) {
     const TemporaryTree tree;

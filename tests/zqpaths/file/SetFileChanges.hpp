@@ -13,14 +13,21 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/SetFiles.hpp"
 
 namespace zqpaths {
 
-/// The segments of a file; none if there is no file.
+/// The blocks of a file, and then its segments; none if there is no file.
 using SetFileContent = std::optional<Texts>;
+
+inline Texts contentOfSet(const SetFile& file) {
+    Texts content = blocksOf(file);
+    for (std::string& segment : segmentsOf(file)) content.push_back(std::move(segment));
+    return content;
+}
 
 struct SetFileStep {
     std::string name;
@@ -42,7 +49,7 @@ inline void PrintTo(const SetFileStep& step, std::ostream* out) {
 
 inline SetFileContent contentAt(const std::string& path) {
     if (!std::filesystem::exists(path)) return std::nullopt;
-    return segmentsOf(path);
+    return contentOfSet(*openWhole(path));
 }
 
 inline std::vector<SetFileStep> setFileSteps() {
@@ -57,7 +64,27 @@ inline std::vector<SetFileStep> setFileSteps() {
         writer.append(segmentOf("new"));
         writer.commit();
     };
+    const auto updating = [](const std::string& path) {
+        SetFileWriter writer(path, Mode::kAppend);
+        writer.append(segmentOf("one"));
+        writer.putGone({1, bytesOf("sixteen bytes...")});
+        writer.putScans({7, bytesOf("some scans")});
+        writer.commit();
+    };
+    const auto updatingAndRewriting = [much](const std::string& path) {
+        SetFileWriter writer(path, Mode::kAppend);
+        writer.putScans({1, bytesOf(much)});
+        writer.putGone({1, bytesOf("sixteen bytes...")});
+        writer.putScans({7, bytesOf("some scans")});
+        writer.dropFrom(1);
+        writer.append(segmentOf("one"));
+        writer.commit();
+    };
+    const Texts blocks{"gone: 1 sixteen bytes...", "scans: 7 some scans"};
     return {
+        {"updating", Texts{"old"}, Texts{blocks[0], blocks[1], "old", "one"}, updating},
+        {"updating and compacting", Texts{"old", much}, Texts{blocks[0], blocks[1], "old", "one"},
+         updatingAndRewriting},
         {"creating", std::nullopt, Texts{"one", "two"}, writing(Mode::kCreate, {"one", "two"})},
         {"replacing", Texts{"old"}, Texts{"one", "two"}, writing(Mode::kReplace, {"one", "two"})},
         {"replacing nothing", std::nullopt, Texts{"one"}, writing(Mode::kReplace, {"one"})},

@@ -43,7 +43,7 @@ protected:
     /// writer mends it, so sums are not looked at here.
     SetFileContent found() const {
         if (!std::filesystem::exists(path_)) return std::nullopt;
-        return segmentsOf(*SetFile::open(path_));
+        return contentOfSet(*SetFile::open(path_));
     }
 
     /// The file as the next writer finds and leaves it.

@@ -21,6 +21,8 @@ protected:
         SetFileWriter writer(path_, SetFileWriter::Mode::kAppend);
         writer.dropFrom(2);
         appendAll(writer, {"four", "five"});
+        writer.putGone({2, bytesOf("thirty-two bytes, two gone paths")});
+        writer.putScans({9, bytesOf("scans")});
         writer.commit();
         const std::string content = contentOf(path_);
         const auto bytes = bytesOf(content);
@@ -39,6 +41,13 @@ protected:
                 EXPECT_GE(entry.offset, kPageSize);
                 EXPECT_LE(entry.offset, file.size());
                 EXPECT_LE(entry.size, file.size() - entry.offset);
+            }
+            for (const auto& block : {state.directory.gone, state.directory.scans}) {
+                if (!block) continue;
+                EXPECT_GE(block->offset, kPageSize);
+                EXPECT_EQ(block->offset % kBlockAlignment, 0U);
+                EXPECT_LE(block->offset, file.size());
+                EXPECT_LE(block->size, file.size() - block->offset);
             }
         } catch (const Error& error) {
             EXPECT_TRUE(error.kind() == ErrorKind::kDamaged || error.kind() == ErrorKind::kNotASet)
@@ -93,6 +102,8 @@ TEST_F(DamagedSetFile, isSeenWhereverABitIsTurned) {
         {state.superblock.directoryOffset, state.superblock.directorySize}};
     for (const SegmentEntry& entry : state.directory.segments)
         parts.emplace_back(entry.offset, std::min<std::uint64_t>(entry.size, 100));
+    for (const auto& block : {state.directory.gone, state.directory.scans})
+        parts.emplace_back(block->offset, block->size);
     for (const auto& [begin, size] : parts) {
         for (std::uint64_t offset = begin; offset < begin + size; ++offset) {
             FileBytes damaged = whole_;

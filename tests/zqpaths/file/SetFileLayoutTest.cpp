@@ -172,6 +172,84 @@ TEST(SetFileDirectory, comesBack) {
     EXPECT_EQ(stateOf(fileOf({})).directory, Directory{});
 }
 
+/// A directory of a segment with ten paths, and of a block for each thing that there can be.
+Directory directoryWithBlocks() {
+    return {{{SegmentForm::kImage, 4096, 10, 10, 40, 0, 77}},
+            {},
+            BlockEntry{4112, 32, 3, 1},
+            BlockEntry{4144, 1, 9, 2}};
+}
+
+TEST(SetFileDirectory, comesBackWithItsBlocks) {
+    Directory directory = directoryWithBlocks();
+    EXPECT_EQ(stateOf(fileOf(directory)).directory, directory);
+    directory.gone.reset();
+    EXPECT_EQ(stateOf(fileOf(directory)).directory, directory);
+}
+
+TEST(SetFileDirectory, isRefusedIfABlockIsWhereNoneCanBeOrSaysWhatCannotBe) {
+    constexpr std::uint64_t kMost = ~std::uint64_t{0};
+    const std::vector<std::function<void(BlockEntry&)>> changes{
+        [](BlockEntry& block) { block.offset = 0; },          // the header
+        [](BlockEntry& block) { block.offset += 4; },         // where no integer is
+        [](BlockEntry& block) { block.offset = 4096; },       // over the segment
+        [](BlockEntry& block) { block.offset = 2 * 4096; },   // up to the directory, and over it
+        [](BlockEntry& block) { block.offset = kMost - 7; },  // past all numbers
+        [](BlockEntry& block) { block.size = 0; },
+        [](BlockEntry& block) { block.size = kMost - 15; },
+    };
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        for (const bool isGone : {true, false}) {
+            Directory directory = directoryWithBlocks();
+            directory.gone->size = directory.scans->size = 8192;
+            (isGone ? directory.scans : directory.gone).reset();
+            changes[i](isGone ? *directory.gone : *directory.scans);
+            EXPECT_EQ(refusalOf([&] { stateOf(fileOf(directory)); }).kind, ErrorKind::kDamaged)
+                << i;
+        }
+    }
+    Directory twice = directoryWithBlocks();
+    twice.scans->offset = twice.gone->offset;
+    EXPECT_EQ(refusalOf([&] { stateOf(fileOf(twice)); }).text, "segments lie over one another");
+}
+
+TEST(SetFileDirectory, isRefusedIfMoreOrFewerPathsAreGoneThanCanBe) {
+    const auto isRefused = [](std::uint64_t size, std::uint64_t count) {
+        Directory directory = directoryWithBlocks();
+        directory.scans.reset();
+        directory.gone->size = size;
+        directory.gone->count = count;
+        try {
+            stateOf(fileOf(directory));
+            return false;
+        } catch (const Error& error) {
+            return error.kind() == ErrorKind::kDamaged;
+        }
+    };
+    EXPECT_FALSE(isRefused(32, 2));
+    EXPECT_FALSE(isRefused(32, 10));
+    EXPECT_TRUE(isRefused(32, 1));   // two runs
+    EXPECT_TRUE(isRefused(32, 11));  // of ten paths
+    EXPECT_TRUE(isRefused(24, 2));   // half a run
+}
+
+TEST(SetFileDirectory, isRefusedIfASectionOfABlockIsOfAnotherSizeOrThereTwice) {
+    const Directory directory = directoryWithBlocks();
+    const std::size_t gone = 3 * kPageSize + 16 + 56;
+    const std::size_t scans = gone + 16 + 32;
+    const auto changed = [&](std::size_t offset, std::uint32_t value) {
+        FileBytes file = fileOf(directory);
+        put32(file, offset, value);
+        putSumsRight(file);
+        return refusalOf([&] { stateOf(file); }).text;
+    };
+    EXPECT_EQ(changed(gone + 8, 48 + 32), "the directory ends within a block");
+    EXPECT_EQ(changed(scans, 'G' | 'O' << 8 | 'N' << 16 | 'E' << 24),
+              "the directory lists its gone paths twice");
+    EXPECT_EQ(changed(gone, 'S' | 'C' << 8 | 'A' << 16 | 'N' << 24),
+              "the directory lists its scans twice");
+}
+
 TEST(SetFileDirectory, mayListSegmentsInAnyOrder) {
     const Directory directory{{entryAt(8192, 4096), entryAt(4096, 4096)}, {}};
     EXPECT_EQ(stateOf(fileOf(directory)).directory, directory);

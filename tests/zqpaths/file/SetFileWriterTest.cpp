@@ -176,6 +176,37 @@ TEST_F(ASetFileWriter, dropsTheLastSegments) {
     EXPECT_THAT(segmentsOf(path_), ElementsAre("one", "two and three"));
 }
 
+TEST_F(ASetFileWriter, keepsBlocksUntilOthersAreWritten) {
+    write(Mode::kCreate, {"one"});
+    {
+        SetFileWriter writer(path_, Mode::kAppend);
+        writer.putScans({2, bytesOf("scans")});
+        writer.putGone({1, bytesOf("sixteen bytes...")});
+        writer.commit();
+    }
+    const Texts blocks{"gone: 1 sixteen bytes...", "scans: 2 scans"};
+    write(Mode::kAppend, {"two"});
+    EXPECT_EQ(blocksOf(*openWhole(path_)), blocks);
+    {
+        SetFileWriter writer(path_, Mode::kAppend);
+        writer.putGone({});
+        writer.commit();
+    }
+    EXPECT_THAT(blocksOf(*openWhole(path_)), ElementsAre("scans: 2 scans"));
+    EXPECT_THAT(segmentsOf(path_), ElementsAre("one", "two"));
+}
+
+TEST_F(ASetFileWriter, staysInProportionWhenBlocksChange) {
+    write(Mode::kCreate, {"one"});
+    for (int step = 1; step <= 50; ++step) {
+        SetFileWriter writer(path_, Mode::kAppend);
+        writer.putScans({1, bytesOf(std::string(20'000, static_cast<char>(step)))});
+        writer.commit();
+        ASSERT_LE(std::filesystem::file_size(path_), 150'000U);
+    }
+    EXPECT_EQ(blocksOf(*openWhole(path_)).front().back(), 50);
+}
+
 TEST_F(ASetFileWriter, leavesTheFileAloneIfNothingChanges) {
     write(Mode::kCreate, {"one"});
     const std::string before = contentOf(path_);

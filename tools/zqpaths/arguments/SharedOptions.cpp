@@ -24,6 +24,10 @@ Option seedOption(std::optional<std::uint64_t>& seed) {
         "the same seed gives the same paths everywhere; without one, one is drawn and told");
 }
 
+Option goneOption(bool& gone) {
+    return flag("--gone", gone, "only paths that are gone, which are left out else");
+}
+
 std::vector<Option> progressOptions(MessageOptions& messages) {
     Option how{
         "--progress", "HOW",
@@ -99,22 +103,30 @@ Option typesOption(std::string& types) {
 
 }  // namespace
 
+Option directoriesArgument(SourceOptions& source, std::string description) {
+    Option directories = arguments("DIR", source.directories, std::move(description));
+    directories.isRequired = false;
+    return directories;
+}
+
 std::vector<Option> sourceOptions(SourceOptions& source) {
-    Option directories =
-        arguments("DIR", source.directories,
-                  "directories to walk, and archives of tar and zip: all in them that is no "
-                  "directory is taken");
-    directories.isRequired = false;  // without any there is a list
     Option nulDelimited =
         flag("-0,--null", source.nulDelimited, "the paths of the list end with NUL");
     nulDelimited.needed = "--list";
     return rows(
-        std::move(directories),
+        directoriesArgument(source,  // without any there is a list
+                            "directories to walk, and archives of tar and zip: everything "
+                            "in them but directories is added"),
         excluding("DIR", text("--list", kFileValue, source.list,
                               "the paths in FILE, - for standard input")),
         std::move(nulDelimited), formatOption(source.format),
         text("--field", "NAME", source.field,
              "the member of jsonl's objects that is the path; outer.inner for one in another"),
+        walkOptions(source));
+}
+
+std::vector<Option> walkOptions(SourceOptions& source) {
+    return rows(
         flag("--follow", source.follow, "follow symbolic links to directories"),
         flag("--one-file-system", source.oneFileSystem, "stay on the file system of DIR"),
         flag("--hidden", source.hidden, "take names that begin with a dot, too"),

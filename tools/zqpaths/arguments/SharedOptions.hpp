@@ -58,10 +58,13 @@ struct PieceOptions {
 Option setArgument(std::string& set);
 Option forceOption(bool& force);
 Option seedOption(std::optional<std::uint64_t>& seed);
+Option goneOption(bool& gone);
 std::vector<Option> progressOptions(MessageOptions& messages);  // the last of messageOptions()
 std::vector<Option> outputOptions(OutputOptions& output);
 std::vector<Option> messageOptions(MessageOptions& messages);
 std::vector<Option> sourceOptions(SourceOptions& source);
+Option directoriesArgument(SourceOptions& source, std::string description);  // need not be given
+std::vector<Option> walkOptions(SourceOptions& source);  // the last of sourceOptions()
 std::vector<Option> pieceOptions(PieceOptions& pieces);
 
 }  // namespace zqpaths::program

@@ -15,15 +15,10 @@ namespace zqpaths::program {
 namespace {
 
 constexpr std::string_view kEndOfTableRow = "\r\n";
-constexpr const char* kSideKey = "in";
 
 PathFields fieldsOf(const OutputOptions& options, const OutputManner& manner) {
     if (!options.fields.empty()) return options.fields;
     return options.csv || options.json ? manner.forPrograms : manner.asText;
-}
-
-const char* wordFor(Side side) {
-    return side == Side::kFirst ? "first" : "second";
 }
 
 /// Where JSON has the bytes of a field that is not UTF-8.
@@ -53,6 +48,21 @@ void tellOf(std::uint64_t count, const char* what) {
 
 }  // namespace
 
+Output::Mark Output::markOf(Side side) {
+    return side == Side::kFirst ? Mark{'<', "first"} : Mark{'>', "second"};
+}
+
+Output::Mark Output::markOf(PathChange change) {
+    switch (change) {
+        case PathChange::kAdded:
+            return {'+', "added"};
+        case PathChange::kBack:
+            return {'+', "back"};
+        default:
+            return {'-', "gone"};
+    }
+}
+
 Output::Output(const OutputOptions& options, OutputManner manner)
     : options_(options),
       manner_(std::move(manner)),
@@ -76,8 +86,12 @@ void Output::path(std::string_view path) {
     print({std::nullopt, std::nullopt, path});
 }
 
-void Output::pathIn(Side side, std::uint64_t number, std::string_view path) {
-    print({side, number, path});
+void Output::pathIn(Side side, std::optional<std::uint64_t> number, std::string_view path) {
+    print({markOf(side), number, path});
+}
+
+void Output::changed(PathChange change, std::uint64_t number, std::string_view path) {
+    print({markOf(change), number, path});
 }
 
 void Output::print(const Row& row) {
@@ -92,8 +106,8 @@ void Output::print(const Row& row) {
 
 void Output::printText(const Row& row) {
     note(mistakableIn(row.path), row.path);
-    if (row.side) {
-        out_.buffer() += *row.side == Side::kFirst ? '<' : '>';
+    if (row.mark) {
+        out_.buffer() += row.mark->sign;
         out_.buffer() += options_.fields.empty() ? ' ' : '\t';
     }
     bool isFirst = true;
@@ -109,8 +123,8 @@ void Output::printText(const Row& row) {
 
 void Output::printTableRow(const Row& row) {
     beginTable();
-    if (row.side) appendCell(wordFor(*row.side));
-    if (row.side) out_.buffer() += ',';
+    if (row.mark) appendCell(row.mark->word);
+    if (row.mark) out_.buffer() += ',';
     bool isFirst = true;
     for (const PathField field : fields_) {
         if (!std::exchange(isFirst, false)) out_.buffer() += ',';
@@ -124,7 +138,7 @@ void Output::printTableRow(const Row& row) {
 
 void Output::printObject(const Row& row) {
     object_.clear();
-    if (row.side) object_.add(kSideKey, wordFor(*row.side));
+    if (row.mark) object_.add(manner_.markKey, row.mark->word);
     for (const PathField field : fields_) {
         if (field != PathField::kNumber)
             object_.addName(nameOf(field), bytesKeyOf(field), partOf(field, row.path));
@@ -197,7 +211,7 @@ void Output::finish() {
 
 void Output::beginTable() {
     if (std::exchange(hasTableBegun_, true)) return;
-    if (manner_.hasSides) out_.buffer().append(kSideKey).append(",");
+    if (!manner_.markKey.empty()) out_.buffer().append(manner_.markKey).append(",");
     bool isFirst = true;
     for (const PathField field : fields_) {
         if (!std::exchange(isFirst, false)) out_.buffer() += ',';

@@ -27,18 +27,23 @@
 #include "tools/zqpaths/output/PathFields.hpp"
 #include "tools/zqpaths/output/StandardOutput.hpp"
 #include "tools/zqpaths/output/Terminal.hpp"
+#include "zqpaths/update/SetUpdate.hpp"
 
 namespace zqpaths::program {
 
 /// Which of two sets a path is in.
 enum class Side { kFirst, kSecond };
 
+/// The keys of what is said of paths that differ, and of those that have changed.
+inline constexpr std::string_view kSideKey = "in";
+inline constexpr std::string_view kChangeKey = "change";
+
 /// What a verb prints of a path where --fields does not say.
 struct OutputManner {
     PathFields asText{PathField::kPath};
     PathFields forPrograms{PathField::kNumber, PathField::kPath};  // with --csv and --json
-    bool hasSides = false;                                         // paths are of two sets
-    bool isQuiet = false;                                          // no warnings
+    std::string_view markKey{};  // of what is said of a path before it; empty for nothing
+    bool isQuiet = false;        // no warnings
 };
 
 class Output {
@@ -53,8 +58,12 @@ public:
 
     /// A path that only one of two sets has: '<' or '>', a space and the path; with fields, a tab
     /// and the fields. With --csv and --json, a field "in" is "first" or "second". The number is
-    /// the one that the path has there.
-    void pathIn(Side side, std::uint64_t number, std::string_view path);
+    /// the one that the path has there, if it has one. Requires the manner's markKey kSideKey.
+    void pathIn(Side side, std::optional<std::uint64_t> number, std::string_view path);
+
+    /// A path that has come or gone, in the same way: '+' or '-'; a field "change" is "added",
+    /// "gone" or "back". Requires kChangeKey.
+    void changed(PathChange change, std::uint64_t number, std::string_view path);
 
     void count(std::uint64_t count);  // with --json {"count":7}, with --csv a table of one line
 
@@ -76,8 +85,16 @@ public:
     void finish();
 
 private:
+    /// What is said of a path: a sign in text, a word in tables and JSON.
+    struct Mark {
+        char sign;
+        std::string_view word;
+    };
+    static Mark markOf(Side side);
+    static Mark markOf(PathChange change);
+
     struct Row {
-        std::optional<Side> side;
+        std::optional<Mark> mark;
         std::optional<std::uint64_t> number;
         std::string_view path;
     };

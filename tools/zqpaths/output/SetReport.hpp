@@ -19,7 +19,8 @@ struct SetReport {
     using Microseconds = std::chrono::duration<double, std::micro>;
 
     std::string file;
-    std::uint64_t fileSize = 0;  // in bytes, as the file system tells
+    std::uint64_t fileSize = 0;   // in bytes, as the file system tells
+    std::uint64_t goneCount = 0;  // of the paths, which keep their numbers
     Microseconds opening{};
     std::optional<Microseconds> firstPath;  // after that; none if there are no paths
     // In memory after the first path: of the file, if the system tells, and besides.

@@ -105,6 +105,7 @@ std::string reportJson(const SetReport& report, Charset charset) {
     writer.StartObject();
     putName(writer, "set", "setBytes", report.file);
     put(writer, "paths", statistics.pathCount);
+    put(writer, "gone", report.goneCount);
     put(writer, "textBytes", statistics.textSize);
     put(writer, "characters", statistics.characterCount);
     put(writer, "charactersOfNames", statistics.codedCount);

@@ -20,8 +20,10 @@ std::string figureLine(const char* label, const std::string& figure, const std::
     return line + '\n';
 }
 
-std::string counts(const SetStatistics& set) {
+std::string counts(const SetReport& report) {
+    const SetStatistics& set = report.statistics;
     std::string text = figureLine("paths", groupDigits(set.pathCount), "");
+    if (report.goneCount > 0) text += figureLine("gone", groupDigits(report.goneCount), "of them");
     text += figureLine("folders", groupDigits(set.folderCount), "");
     text += figureLine("characters", groupDigits(set.characterCount), "");
     const bool isKnown = set.codedCount && *set.codedCount > 0;
@@ -118,7 +120,7 @@ std::string largestFolders(const SetStatistics& set, const DrawingStyle& style) 
 
 std::string reportText(const SetReport& report, const DrawingStyle& style, SizeUnits units) {
     const SetStatistics& set = report.statistics;
-    return printablePath(report.file) + '\n' + inUse(report, units) + counts(set) +
+    return printablePath(report.file) + '\n' + inUse(report, units) + counts(report) +
            sizes(report, units) + shape(set) + opening(report) + savedBytes(report, style, units) +
            largestFolders(set, style);
 }

@@ -37,13 +37,14 @@ std::uint64_t seedFor(const std::optional<std::uint64_t>& given, const MessageOp
     return drawn;
 }
 
-void printInRandomOrder(const PathSet& set, std::uint64_t count, std::uint64_t seed,
+void printInRandomOrder(const WantedPaths& wanted, std::uint64_t count, std::uint64_t seed,
                         const std::string& work, const OutputOptions& outputOptions,
                         const MessageOptions& messages) {
-    const Permutation order(set.size(), seed);
+    const Permutation order(wanted.size(), seed);
     printChosen(
-        set, std::min(count, order.size()),
-        [&order](std::uint64_t place) { return order[place] + 1; }, work, outputOptions, messages);
+        wanted.set(), std::min(count, order.size()),
+        [&](std::uint64_t place) { return wanted.numberAt(order[place]); }, work, outputOptions,
+        messages);
 }
 
 }  // namespace zqpaths::program

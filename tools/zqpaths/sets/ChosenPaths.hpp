@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sets/WantedPaths.hpp"
 #include "zqpaths/PathSet.hpp"
 
 namespace zqpaths::program {
@@ -28,8 +29,8 @@ void printChosen(const PathSet& set, std::uint64_t count, const Choice& numberAt
 /// told errors only.
 std::uint64_t seedFor(const std::optional<std::uint64_t>& given, const MessageOptions& messages);
 
-/// The first `count` paths of the order that `seed` gives, all of them if there are fewer.
-void printInRandomOrder(const PathSet& set, std::uint64_t count, std::uint64_t seed,
+/// The first `count` wanted paths of the order that `seed` gives, all of them if there are fewer.
+void printInRandomOrder(const WantedPaths& wanted, std::uint64_t count, std::uint64_t seed,
                         const std::string& work, const OutputOptions& outputOptions,
                         const MessageOptions& messages);
 

@@ -38,10 +38,14 @@ GrowingSet::GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::s
 }
 
 void GrowingSet::save() {
+    saveQuietly();
+    tellSize();
+}
+
+void GrowingSet::saveQuietly() {
     DeferredSignals::throwIfOneCame();
     progress_.begin(kCoding, writer_->size() - sizeBefore_);
     writer_->commit();
-    tellSize();
 }
 
 void GrowingSet::tellSize() const {

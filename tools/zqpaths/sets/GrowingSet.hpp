@@ -46,8 +46,12 @@ public:
         progress_.advance();
     }
 
-    /// Counts a path that was read and is not to be added.
-    void pass() noexcept { progress_.advance(); }
+    /// For a step of work that adds nothing, such as a path that was read and is not wanted. Throws
+    /// Failure if a signal has come.
+    void step() {
+        DeferredSignals::throwIfOneCame();
+        progress_.advance();
+    }
 
     /// Asks `part` how much of what is to be added has been read, for who cannot tell how many
     /// paths come; on any thread, until the set is saved or gone.
@@ -60,8 +64,9 @@ public:
 
     std::uint64_t addedCount() const noexcept { return addedCount_; }
 
-    /// Makes the paths those of the file, and tells how many there are.
+    /// Makes the paths those of the file, and tells how many there are; or does not tell.
     void save();
+    void saveQuietly();
 
     /// Tells how many paths the file has; for who adds none.
     void tellSize() const;

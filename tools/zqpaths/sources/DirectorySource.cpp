@@ -5,9 +5,14 @@
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "zqpaths/directory/ScanOptions.hpp"
 
 namespace zqpaths::program {
-namespace {
+
+bool isDirectory(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::is_directory(path, error);
+}
 
 void requireDirectory(const std::string& path) {
     std::error_code error;
@@ -16,8 +21,6 @@ void requireDirectory(const std::string& path) {
         error = std::make_error_code(std::errc::not_a_directory);
     if (error) throw systemFailureAt(path, error.value());
 }
-
-}  // namespace
 
 DirectorySource::DirectorySource(std::string directory, WalkOptions options, std::string set,
                                  bool isVerbose)
@@ -31,10 +34,16 @@ DirectorySource::DirectorySource(std::string directory, WalkOptions options, std
 SourceReport DirectorySource::visit(const std::function<void(std::string_view path)>& visitor) {
     options_.notTaken = filesOfSet(set_);
     SourceReport report;
-    report.leftOut = walkDirectory(directory_, options_, visitor,
-                                   [&](std::string_view path, std::string_view reason) {
-                                       report.addUnreadable(path, reason, isVerbose_);
-                                   });
+    ScanWriter scan({directory_, nowInNanoseconds(), scanOptionsOf(options_)});
+    report.leftOut = walkDirectory(
+        directory_, options_,
+        {.onError =
+             [&](std::string_view path, std::string_view reason) {
+                 report.addUnreadable(path, reason, isVerbose_);
+             },
+         .onPath = visitor,
+         .onDirectory = [&scan](const MetDirectory& met) { scan.add(met.directory); }});
+    scans_.push_back(std::move(scan).finish());
     return report;
 }
 

@@ -34,17 +34,6 @@ std::vector<std::string> exclusions(const SourceOptions& options) {
     return patterns;
 }
 
-WalkOptions walkOptions(const SourceOptions& options) {
-    if (options.maxDepth == 0) throw wrongUse("--max-depth 0 would leave nothing");
-    return {.follow = options.follow,
-            .oneFileSystem = options.oneFileSystem,
-            .skipHidden = !options.hidden,
-            .jobs = options.jobs,
-            .exclude = exclusions(options),
-            .types = options.types,
-            .maxDepth = options.maxDepth};
-}
-
 /// What --exclude and --max-depth leave of a source that has no directories to enter.
 std::unique_ptr<PathSource> filtered(std::unique_ptr<PathSource> source, const WalkOptions& walk) {
     if (!walk.types.empty()) throw wrongUse("--type: only directories tell types");
@@ -73,7 +62,7 @@ void requireFormat(const SourceOptions& options) {
 
 std::unique_ptr<PathSource> openSource(const SourceOptions& options, const std::string& set) {
     requireFormat(options);
-    const WalkOptions walk = walkOptions(options);
+    const WalkOptions walk = walkOptionsOf(options);
     if (options.list)
         return filtered(std::make_unique<ListSource>(*options.list, options.nulDelimited), walk);
     if (options.directories.empty())
@@ -88,6 +77,17 @@ std::unique_ptr<PathSource> openSource(const SourceOptions& options, const std::
             sources.push_back(std::make_unique<DirectorySource>(name, walk, set, options.verbose));
     }
     return std::make_unique<SourceSequence>(std::move(sources));
+}
+
+WalkOptions walkOptionsOf(const SourceOptions& options) {
+    if (options.maxDepth == 0) throw wrongUse("--max-depth 0 would leave nothing");
+    return {.follow = options.follow,
+            .oneFileSystem = options.oneFileSystem,
+            .skipHidden = !options.hidden,
+            .jobs = options.jobs,
+            .exclude = exclusions(options),
+            .types = options.types,
+            .maxDepth = options.maxDepth};
 }
 
 std::string printableNames(const SourceOptions& options) {

@@ -12,9 +12,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/sources/SourceReport.hpp"
+#include "zqpaths/directory/DirectoryWalk.hpp"
 
 namespace zqpaths::program {
 
@@ -32,12 +34,19 @@ public:
 
     /// How much of it has been given, from 0 to 1, if that can be foretold; asked on any thread.
     virtual std::optional<double> partGiven() const noexcept { return std::nullopt; }
+
+    /// What is to be remembered of the directories that were read, once; none of other sources.
+    virtual std::vector<EncodedScan> takeScans() { return {}; }
 };
 
 /// A source for a set; its file, also the one that is being written when the paths are visited, is
 /// not among those of a directory. Throws Failure kFailed if nothing to read is given, if it
 /// cannot be read or is not what it should be, and for options that cannot be meant.
 std::unique_ptr<PathSource> openSource(const SourceOptions& options, const std::string& set);
+
+/// How directories are to be read. Throws Failure kFailed for options that cannot be meant, or a
+/// file of patterns that cannot be read.
+WalkOptions walkOptionsOf(const SourceOptions& options);
 
 /// How messages call a source: the names of its directories or files.
 std::string printableNames(const SourceOptions& options);

@@ -22,6 +22,13 @@ public:
         return report;
     }
 
+    std::vector<EncodedScan> takeScans() override {
+        std::vector<EncodedScan> scans;
+        for (const std::unique_ptr<PathSource>& source : sources_)
+            for (EncodedScan& scan : source->takeScans()) scans.push_back(std::move(scan));
+        return scans;
+    }
+
 private:
     std::vector<std::unique_ptr<PathSource>> sources_;
 };

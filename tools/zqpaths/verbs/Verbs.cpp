@@ -9,9 +9,10 @@ ProgramTable tableWithoutHelp() {
     return {"zqpaths",
             ZQ_VERSION,
             "hold very large sets of file paths in small files",
-            {indexVerb(), addVerb(), getVerb(), listVerb(), findVerb(), numberVerb(), sampleVerb(),
-             shuffleVerb(), splitVerb(), infoVerb(), treeVerb(), reportVerb(), verifyVerb(),
-             diffVerb(), mergeVerb(), compactVerb(), exportVerb(), importVerb(), documentVerb()}};
+            {indexVerb(), addVerb(),     updateVerb(), getVerb(),     listVerb(),
+             findVerb(),  numberVerb(),  sampleVerb(), shuffleVerb(), splitVerb(),
+             infoVerb(),  treeVerb(),    reportVerb(), verifyVerb(),  diffVerb(),
+             mergeVerb(), compactVerb(), exportVerb(), importVerb(),  documentVerb()}};
 }
 
 }  // namespace

@@ -28,6 +28,7 @@ Verb sampleVerb();
 Verb shuffleVerb();
 Verb splitVerb();
 Verb treeVerb();
+Verb updateVerb();
 Verb verifyVerb();
 
 /// All of them, in the order in which people read of them.

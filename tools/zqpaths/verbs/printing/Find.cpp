@@ -8,6 +8,7 @@
 #include "tools/zqpaths/output/Output.hpp"
 #include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sets/WantedPaths.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 #include "zqpaths/Pattern.hpp"
 
@@ -23,6 +24,7 @@ struct FindOptions {
     bool numbered = false;
     bool countOnly = false;
     bool statusOnly = false;
+    bool gone = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -35,23 +37,25 @@ Pattern patternOf(const FindOptions& options) {
     return Pattern::glob(options.pattern, letterCase);
 }
 
-bool hasMatch(const PathSet& set, const Pattern& pattern) {
+bool hasMatch(const WantedPaths& wanted, const Pattern& pattern) {
     bool isFound = false;
-    set.find(pattern, [&isFound](std::uint64_t /*number*/, std::string_view /*path*/) {
-        isFound = true;
-        return false;
+    wanted.set().findNumbers(pattern, [&](std::uint64_t first, std::uint64_t last) {
+        isFound = wanted.count(first, last) > 0;
+        return !isFound;
     });
     return isFound;
 }
 
-std::uint64_t printMatches(const PathSet& set, const Pattern& pattern, const FindOptions& options) {
+std::uint64_t printMatches(const WantedPaths& wanted, const Pattern& pattern,
+                           const FindOptions& options) {
     OutputManner manner;
     if (options.numbered) manner.asText = {PathField::kNumber, PathField::kPath};
     Output output(options.output, std::move(manner));
     Progress progress("finding", options.messages, std::nullopt, Progress::Prints::kPaths);
     std::uint64_t count = 0;
-    set.find(pattern, [&](std::uint64_t number, std::string_view path) {
+    wanted.set().find(pattern, [&](std::uint64_t number, std::string_view path) {
         progress.advance();
+        if (!wanted.has(number)) return;
         ++count;
         output.path(number, path);
     });
@@ -59,8 +63,13 @@ std::uint64_t printMatches(const PathSet& set, const Pattern& pattern, const Fin
     return count;
 }
 
-std::uint64_t printCount(const PathSet& set, const Pattern& pattern, const FindOptions& options) {
-    const std::uint64_t count = set.count(pattern);
+std::uint64_t printCount(const WantedPaths& wanted, const Pattern& pattern,
+                         const FindOptions& options) {
+    std::uint64_t count = 0;
+    wanted.set().findNumbers(pattern, [&](std::uint64_t first, std::uint64_t last) {
+        count += wanted.count(first, last);
+        return true;
+    });
     Output output(options.output);
     output.count(count);
     output.finish();
@@ -70,10 +79,11 @@ std::uint64_t printCount(const PathSet& set, const Pattern& pattern, const FindO
 ExitStatus find(const FindOptions& options) {
     const Pattern pattern = patternOf(options);
     const PathSet set = openSet(options.set);
+    const WantedPaths wanted(set, options.gone);
     const auto isAny = [&] {
-        if (options.statusOnly) return hasMatch(set, pattern);
-        if (options.countOnly) return printCount(set, pattern, options) > 0;
-        return printMatches(set, pattern, options) > 0;
+        if (options.statusOnly) return hasMatch(wanted, pattern);
+        if (options.countOnly) return printCount(wanted, pattern, options) > 0;
+        return printMatches(wanted, pattern, options) > 0;
     };
     return isAny() ? ExitStatus::kDone : ExitStatus::kNegative;
 }
@@ -103,7 +113,7 @@ Verb findVerb() {
             flag("-i,--ignore-case", options->ignoreCase, "without regard to case"),
             flag("-c,--count", options->countOnly, "print only how many match"),
             flag("-q,--quiet", options->statusOnly, "print nothing; status 0 if something matches"),
-            outputOptions(options->output),
+            goneOption(options->gone), outputOptions(options->output),
             excluding("--fields", flag("-n,--number", options->numbered,
                                        "print the number and a tab before each path")),
             progressOptions(options->messages)),

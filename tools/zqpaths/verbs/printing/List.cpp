@@ -12,6 +12,7 @@
 #include "tools/zqpaths/output/PrintablePath.hpp"
 #include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sets/WantedPaths.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 #include "zqpaths/Pattern.hpp"
 #include "zqpaths/search/PathScope.hpp"
@@ -24,6 +25,7 @@ struct ListOptions {
     bool walk = false;
     std::string under;  // only paths in this folder
     std::optional<std::string> glob;
+    bool gone = false;
     std::optional<std::uint64_t> depth;  // at most so many names below `under`
     OutputOptions output;
     MessageOptions messages;
@@ -63,8 +65,11 @@ std::uint64_t printWanted(const PathSet& set, const ListOptions& options) {
     Output output(options.output, mannerOf(options));
     Progress progress("listing", options.messages, set.size(), Progress::Prints::kPaths);
     std::uint64_t count = 0;
+    const WantedPaths wanted(set, options.gone);
     visitSome(set, options, pattern, [&](std::uint64_t number, std::string_view path) {
         progress.advance();
+        if (!wanted.areAll() && !wanted.has(options.walk ? set.numberOf(path).value() : number))
+            return;
         if (!isAll && !scope.contains(path)) return;
         if (pattern && !pattern->matches(path)) return;
         ++count;
@@ -114,7 +119,8 @@ Verb listVerb() {
                         text("--under", "FOLDER", options->under, "only paths in this folder"),
                         text("--glob", "PATTERN", options->glob, "only paths that match"),
                         number("--depth", "N", options->depth, "at most N names below the folder"),
-                        outputOptions(options->output), messageOptions(options->messages)),
+                        goneOption(options->gone), outputOptions(options->output),
+                        messageOptions(options->messages)),
         .run = [options] { return list(*options); }};
 }
 

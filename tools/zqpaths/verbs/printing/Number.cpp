@@ -27,16 +27,21 @@ ExitStatus number(const NumberOptions& options) {
     Output output(options.output,
                   {.asText = {PathField::kNumber}, .isQuiet = options.messages.quiet});
     std::vector<const std::string*> missing;
+    std::vector<const std::string*> gone;
     for (const std::string& path : options.paths) {
-        if (const std::optional<std::uint64_t> found = set.numberOf(path))
+        if (const std::optional<std::uint64_t> found = set.numberOf(path)) {
             output.path(*found, path);
-        else
+            if (set.isGone(*found)) gone.push_back(&path);
+        } else {
             missing.push_back(&path);
+        }
     }
     output.finish();
-    if (!options.messages.quiet)
+    if (!options.messages.quiet) {
         for (const std::string* path : missing)
             tell(printablePath(*path) + ": is not in " + printablePath(options.set));
+        for (const std::string* path : gone) tell(printablePath(*path) + ": is gone");
+    }
     return missing.empty() ? ExitStatus::kDone : ExitStatus::kNegative;
 }
 

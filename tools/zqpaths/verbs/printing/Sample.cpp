@@ -15,6 +15,7 @@ struct SampleOptions {
     std::string set;
     std::uint64_t count = 1;
     std::optional<std::uint64_t> seed;
+    bool gone = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -31,10 +32,11 @@ Verb sampleVerb() {
             .options = rows(setArgument(options->set),
                             required(number("-n,--count", "K", options->count,
                                             "how many, each at most once; all if there are fewer")),
-                            seedOption(options->seed), outputOptions(options->output),
-                            messageOptions(options->messages)),
+                            seedOption(options->seed), goneOption(options->gone),
+                            outputOptions(options->output), messageOptions(options->messages)),
             .run = [options] {
-                printInRandomOrder(openSet(options->set), options->count,
+                const PathSet set = openSet(options->set);
+                printInRandomOrder({set, options->gone}, options->count,
                                    seedFor(options->seed, options->messages), "sampling",
                                    options->output, options->messages);
                 return ExitStatus::kDone;

@@ -14,6 +14,7 @@ namespace {
 struct ShuffleOptions {
     std::string set;
     std::optional<std::uint64_t> seed;
+    bool gone = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -28,11 +29,13 @@ Verb shuffleVerb() {
             .examples = {"zqpaths shuffle usr.zqp --seed 7",
                          "zqpaths shuffle data.zqp --seed 7 | head"},
             .options = rows(setArgument(options->set), seedOption(options->seed),
-                            outputOptions(options->output), messageOptions(options->messages)),
+                            goneOption(options->gone), outputOptions(options->output),
+                            messageOptions(options->messages)),
             .run = [options] {
                 const PathSet set = openSet(options->set);
-                printInRandomOrder(set, set.size(), seedFor(options->seed, options->messages),
-                                   "shuffling", options->output, options->messages);
+                printInRandomOrder({set, options->gone}, set.size(),
+                                   seedFor(options->seed, options->messages), "shuffling",
+                                   options->output, options->messages);
                 return ExitStatus::kDone;
             }};
 }

@@ -34,6 +34,7 @@ struct SplitOptions {
     std::vector<double> fractions;
     std::optional<std::uint64_t> part;  // from 1
     std::optional<std::uint64_t> seed;
+    bool gone = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -86,35 +87,35 @@ std::uint64_t commonSeed(const SplitOptions& options) {
 }
 
 template <class AnyShare>
-void printShare(const PathSet& set, const AnyShare& share, const SplitOptions& options) {
+void printShare(const WantedPaths& wanted, const AnyShare& share, const SplitOptions& options) {
     if (options.skip > share.size())
         throw Failure(ExitStatus::kFailed,
                       "--skip " + std::to_string(options.skip) +
                           ": so many paths are in this share: " + std::to_string(share.size()));
     printChosen(
-        set, share.size() - options.skip,
-        [&](std::uint64_t place) { return share[place + options.skip]; }, kWork, options.output,
-        options.messages);
+        wanted.set(), share.size() - options.skip,
+        [&](std::uint64_t place) { return wanted.numberAt(share[place + options.skip] - 1); },
+        kWork, options.output, options.messages);
 }
 
 /// The library's words, with the option that they are about.
-Share dealtShare(const PathSet& set, const SplitOptions& options) {
+Share dealtShare(const WantedPaths& wanted, const SplitOptions& options) {
     try {
-        return {set.size(), *options.rank, *options.of};
+        return {wanted.size(), *options.rank, *options.of};
     } catch (const Error& error) {
         throw Failure(ExitStatus::kFailed,
                       (*options.of == 0 ? "--of 0: " : "--") + std::string(error.what()));
     }
 }
 
-void printShare(const PathSet& set, const SplitOptions& options) {
-    const Share dealt = dealtShare(set, options);
+void printShare(const WantedPaths& wanted, const SplitOptions& options) {
+    const Share dealt = dealtShare(wanted, options);
     if (options.seed || options.epoch) {
-        const ShuffledShare shuffled(set.size(), *options.rank, *options.of, commonSeed(options),
+        const ShuffledShare shuffled(wanted.size(), *options.rank, *options.of, commonSeed(options),
                                      options.epoch.value_or(0));
-        printShare(set, shuffled, options);
+        printShare(wanted, shuffled, options);
     } else {
-        printShare(set, dealt, options);
+        printShare(wanted, dealt, options);
     }
 }
 
@@ -126,7 +127,7 @@ PathParts partsOf(const SplitOptions& options) {
     }
 }
 
-void printPart(const PathSet& set, const SplitOptions& options) {
+void printPart(const WantedPaths& wanted, const SplitOptions& options) {
     const std::size_t count = options.fractions.size();
     if (*options.part < 1 || *options.part > count)
         throw Failure(ExitStatus::kFailed, "--part " + std::to_string(*options.part) +
@@ -134,9 +135,9 @@ void printPart(const PathSet& set, const SplitOptions& options) {
                                                std::to_string(count));
     const PathParts parts = partsOf(options);
     Output output(options.output);
-    Progress progress(kWork, options.messages, set.size(), Progress::Prints::kPaths);
-    set.forEach([&](std::uint64_t number, std::string_view path) {
-        if (parts.partOf(path) == *options.part) output.path(number, path);
+    Progress progress(kWork, options.messages, wanted.set().size(), Progress::Prints::kPaths);
+    wanted.set().forEach([&](std::uint64_t number, std::string_view path) {
+        if (wanted.has(number) && parts.partOf(path) == *options.part) output.path(number, path);
         progress.advance();
     });
     output.finish();
@@ -145,10 +146,11 @@ void printPart(const PathSet& set, const SplitOptions& options) {
 ExitStatus split(const SplitOptions& options) {
     requireOneWay(options);
     const PathSet set = openSet(options.set);
+    const WantedPaths wanted(set, options.gone);
     if (options.rank)
-        printShare(set, options);
+        printShare(wanted, options);
     else
-        printPart(set, options);
+        printPart(wanted, options);
     return ExitStatus::kDone;
 }
 
@@ -181,7 +183,8 @@ Verb splitVerb() {
             number("--skip", "K", options->skip, "leave out the first K paths of the share"),
             fractionsOption(options->fractions),
             number("--part", "P", options->part, "which part, from 1"), seedOption(options->seed),
-            outputOptions(options->output), messageOptions(options->messages)),
+            goneOption(options->gone), outputOptions(options->output),
+            messageOptions(options->messages)),
         .run = [options] { return split(*options); }};
 }
 

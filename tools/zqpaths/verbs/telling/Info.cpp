@@ -51,6 +51,7 @@ SetReport reportOn(const std::string& file) {
     report.allocatedSize = allocatedBytes() - allocatedBefore;
     report.file = file;
     report.fileSize = std::filesystem::file_size(file);
+    report.goneCount = set.goneCount();
     report.statistics = statisticsOf(set, kLargestFolders);
     return report;
 }

@@ -14,6 +14,7 @@
 #include "tools/zqpaths/output/PrintablePath.hpp"
 #include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sets/WantedPaths.hpp"
 #include "tools/zqpaths/sources/FilesOnDisk.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
@@ -55,8 +56,10 @@ struct DiskResult {
 /// Prints the paths that are not there.
 DiskResult compareWithDisk(const PathSet& set, Output& output, Progress& progress) {
     DiskResult result;
+    const WantedPaths wanted(set, false);
     progress.begin(kComparing, set.size());
     set.forEach([&](std::uint64_t number, std::string_view path) {
+        if (!wanted.has(number)) return;
         try {
             if (!isOnDisk(std::string(path))) {
                 ++result.missingCount;

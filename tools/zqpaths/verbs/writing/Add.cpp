@@ -5,6 +5,7 @@
 #include "tools/zqpaths/sets/GrowingSet.hpp"
 #include "tools/zqpaths/sources/PathSource.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
+#include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -20,10 +21,8 @@ ExitStatus add(const AddOptions& options) {
     GrowingSet set(options.set, PathSetWriter::Mode::kAppend, "adding", options.messages);
     set.expectBy([&source] { return source->partGiven(); });
     const SourceReport report = source->visit([&set](std::string_view path) { set.add(path); });
-    if (set.addedCount() > 0)
-        set.save();
-    else
-        set.tellSize();
+    recordScans(set.writer(), source->takeScans());
+    set.save();
     return statusAfter(report, options.source, options.messages);
 }
 

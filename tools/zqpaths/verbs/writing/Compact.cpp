@@ -6,7 +6,9 @@
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/sets/GrowingSet.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sets/WantedPaths.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
+#include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -21,14 +23,17 @@ struct CompactOptions {
 
 ExitStatus compact(const CompactOptions& options) {
     const bool isInPlace = options.out.empty();
-    const std::uint64_t size = openSet(options.set).size();
+    const std::uint64_t size = openSet(options.set).presentCount();
     GrowingSet out(isInPlace ? options.set : options.out, modeOfNew(isInPlace || options.force),
                    "compacting", options.messages, size,
                    options.packed ? PathSetWriter::Form::kPacked : PathSetWriter::Form::kImage);
     // Opened when the writer holds the file: what others have added up to then is there.
-    openSet(options.set).forEach([&out](std::uint64_t /*number*/, std::string_view path) {
-        out.add(path);
+    const PathSet set = openSet(options.set);
+    const WantedPaths wanted(set, false);
+    set.forEach([&](std::uint64_t number, std::string_view path) {
+        if (wanted.has(number)) out.add(path);
     });
+    recordScans(out.writer(), encodedScansOf(set));
     out.save();
     return ExitStatus::kDone;
 }
@@ -48,7 +53,8 @@ Verb compactVerb() {
         .details =
             "A set is usually kept as images, which are read where they lie. Packed, it "
             "is a third of that, for keeping and sending; whoever reads it inflates "
-            "what is needed first. Paths and numbers stay.",
+            "what is needed first. Paths that are gone are left out, and those after them "
+            "have lower numbers then. All else stays, and what update goes by.",
         .options = rows(setArgument(options->set), std::move(out),
                         flag("--packed", options->packed, "as small as can be"),
                         forceOption(options->force), messageOptions(options->messages)),

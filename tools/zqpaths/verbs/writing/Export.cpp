@@ -8,6 +8,9 @@
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/output/Figures.hpp"
+#include "tools/zqpaths/output/Messages.hpp"
+#include "tools/zqpaths/output/PrintablePath.hpp"
 #include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/sources/WholeFiles.hpp"
@@ -59,6 +62,10 @@ ExitStatus exportSet(const ExportOptions& options) {
     progress.begin(kWriting);
     writeWholeFiles({{files.treeString, pieces.treeString}, {files.pathTree, pieces.pathTree}},
                     options.force);
+    if (set.goneCount() > 0 && !options.messages.quiet)
+        tell(printablePath(options.set) + ": " + groupDigits(set.goneCount()) +
+             (set.goneCount() == 1 ? " path that is gone is" : " paths that are gone are") +
+             " among those exported");
     return ExitStatus::kDone;
 }
 

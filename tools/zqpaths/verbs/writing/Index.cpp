@@ -6,6 +6,7 @@
 #include "tools/zqpaths/sets/GrowingSet.hpp"
 #include "tools/zqpaths/sources/PathSource.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
+#include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -24,6 +25,7 @@ ExitStatus index(const IndexOptions& options) {
     const SourceReport report = source->visit([&set](std::string_view path) { set.add(path); });
     if (set.addedCount() == 0)
         throw Failure(ExitStatus::kFailed, "no paths in " + printableNames(options.source));
+    recordScans(set.writer(), source->takeScans());
     set.save();
     return statusAfter(report, options.source, options.messages);
 }

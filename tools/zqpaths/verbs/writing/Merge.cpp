@@ -9,6 +9,7 @@
 #include "tools/zqpaths/sets/GrowingSet.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/sets/SeenPaths.hpp"
+#include "tools/zqpaths/sets/WantedPaths.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 
 namespace zqpaths::program {
@@ -21,19 +22,22 @@ struct MergeOptions {
     MessageOptions messages;
 };
 
-/// Each path stands where it is met first.
+/// Each path stands where it is met first. Those that are gone are left out.
 ExitStatus merge(const MergeOptions& options) {
     std::uint64_t size = 0;
     for (const std::string& file : options.sets) size += openSet(file).size();
     GrowingSet out(options.out, modeOfNew(options.force), "merging", options.messages, size);
     SeenPaths seen;
-    for (const std::string& file : options.sets)
-        openSet(file).forEach([&](std::uint64_t /*number*/, std::string_view path) {
-            if (seen.insert(path))
+    for (const std::string& file : options.sets) {
+        const PathSet set = openSet(file);
+        const WantedPaths wanted(set, false);
+        set.forEach([&](std::uint64_t number, std::string_view path) {
+            if (wanted.has(number) && seen.insert(path))
                 out.add(path);
             else
-                out.pass();
+                out.step();
         });
+    }
     if (out.addedCount() == 0) throw Failure(ExitStatus::kFailed, "no paths in these sets");
     out.save();
     return ExitStatus::kDone;

@@ -59,3 +59,21 @@ load ../setup
     make_set a.zqp x
     fails_with 2 'none.zqp' zqpaths diff a.zqp none.zqp
 }
+
+@test "a set is compared with a directory, both ways" {
+    mkdir -p tree/a tree/.hidden
+    touch tree/x tree/a/y tree/.hidden/z
+    zqpaths index -q s.zqp tree
+    zqpaths diff s.zqp tree
+    rm tree/x
+    touch tree/a/new
+    run -1 zqpaths diff s.zqp tree
+    [ "$output" = $'< tree/x\n> tree/a/new' ]
+    run -1 zqpaths diff --json s.zqp tree/a
+    [ "$output" = '{"in":"second","path":"tree/a/new"}' ]
+    zqpaths index -q --force s.zqp tree --hidden
+    zqpaths diff s.zqp tree
+    cp s.zqp before.zqp
+    run -0 zqpaths diff s.zqp tree
+    cmp s.zqp before.zqp
+}
