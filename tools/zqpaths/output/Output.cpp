@@ -79,7 +79,8 @@ void Output::path(std::uint64_t number, std::string_view path) {
     }
     if (!options_.nulTerminated && holds(path, '\n')) note(Mistakable::kNewline, path);
     out_.buffer() += path;
-    end();
+    out_.buffer().push_back(options_.nulTerminated ? '\0' : '\n');
+    out_.flushIfFull();
 }
 
 void Output::path(std::string_view path) {
