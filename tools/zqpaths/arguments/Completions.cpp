@@ -94,7 +94,8 @@ std::string zshOption(const Option& option) {
     std::string value;
     if (!option.value.empty()) value = ':' + option.value + ':' + zshValues(option);
     const std::vector<std::string> names = option.namesApart();
-    if (names.size() == 1) return quoted(names.front() + description + value);
+    const char* const again = option.isRepeated ? "*" : "";
+    if (names.size() == 1) return quoted(again + names.front() + description + value);
     return quoted('(' + joined(names, " ") + ')') + '{' + joined(names, ",") + '}' +
            quoted(description + value);
 }

@@ -67,23 +67,24 @@ struct RangeText {
 };
 
 NumberRange parseRange(const RangeText& range, std::uint64_t setSize) {
-    const auto& [first, last, stepPart, text] = range;
-    const std::int64_t step = stepPart.empty() ? 1 : parseNumber(stepPart, text);
+    const std::string_view text = range.text;
+    const std::int64_t step = range.step.empty() ? 1 : parseNumber(range.step, text);
     if (step == 0) refuse(text, "a step of 0 goes nowhere");
-    if (setSize == 0 && first.empty() && last.empty()) return {};
+    if (setSize == 0 && range.first.empty() && range.last.empty()) return {};
 
     const bool isDownwards = step < 0;
     const auto end = [&](std::string_view part, bool isLowest) {
         if (part.empty()) return isLowest ? 1 : setSize;
         return parsePathNumber(part, text, setSize);
     };
-    const std::uint64_t from = end(first, !isDownwards);
-    const std::uint64_t to = end(last, isDownwards);
+    const std::uint64_t from = end(range.first, !isDownwards);
+    const std::uint64_t to = end(range.last, isDownwards);
     // An end that is left out lies beyond one that the set has not.
-    if (from > setSize && last.empty()) refuseNumber(static_cast<std::int64_t>(from), setSize);
+    if (from > setSize && range.last.empty())
+        refuseNumber(static_cast<std::int64_t>(from), setSize);
     if (!isDownwards && from > to) refuse(text, "counts down, which takes a step like -1");
     if (isDownwards && from < to) {
-        if (first.empty()) refuseNumber(static_cast<std::int64_t>(to), setSize);
+        if (range.first.empty()) refuseNumber(static_cast<std::int64_t>(to), setSize);
         refuse(text, "counts up, which takes a step like 1");
     }
     return {from, to, step};

@@ -49,6 +49,19 @@ struct SourceOptions {
     unsigned jobs = 0;              // threads that read directories; 0 for one a core
 };
 
+/// What verbs that read paths say of where they come from.
+inline constexpr const char* kSourceDetails =
+    "With --from the files that stand in place of DIR are read: a tar, also by gzip, bzip2, xz or "
+    "zstd, or a zip; what 'aws s3 ls --recursive' (s3), 's3cmd ls --recursive', 'rclone ls' or "
+    "'gsutil ls -r' print; objects of JSON, one a line (jsonl). A tar or zip that is given as DIR "
+    "is recognized. Directories in archives are left out, and so are objects of 0 bytes that mark "
+    "folders, whose names end with a separator. GLOBs are lines of gitignore, about the names "
+    "below "
+    "DIR, or all names of a path that comes from elsewhere; the last one that matches decides, and "
+    "--exclude stands after --exclude-from. Names that begin with a dot are left out of "
+    "directories "
+    "alone. The set itself is never among its paths.";
+
 /// The two saved pieces of a set, as other hosts have them.
 struct PieceOptions {
     std::string treeString;  // file for the characters, UTF-16 in little-endian byte order

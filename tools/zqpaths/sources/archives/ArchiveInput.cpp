@@ -55,16 +55,18 @@ std::uint64_t ArchiveInput::skip(std::uint64_t count) noexcept {
     return skipped;
 }
 
-std::string ArchiveInput::bytesBefore(std::uint64_t end) const {
+std::string ArchiveInput::bytesBetween(std::uint64_t begin, std::uint64_t end) const {
     std::string bytes;
-    const auto append = [&](const Block& block) {
-        if (block.begin >= end) return;
-        bytes.append(block.bytes.data(),
-                     std::min<std::uint64_t>(end - block.begin, block.bytes.size()));
-    };
-    const bool isInARow = lastButOne_.begin + lastButOne_.bytes.size() == last_.begin;
-    if (isInARow || end <= last_.begin) append(lastButOne_);
-    append(last_);
+    std::uint64_t next = begin;
+    for (const Block* block : {&lastButOne_, &last_}) {
+        const std::uint64_t blockEnd = block->begin + block->bytes.size();
+        if (block->begin >= end || blockEnd <= next) continue;
+        // What is missing before the block leaves nothing in a row.
+        if (block->begin > next) bytes.clear();
+        next = std::max(next, block->begin);
+        bytes.append(block->bytes.data() + (next - block->begin), std::min(end, blockEnd) - next);
+        next = blockEnd;
+    }
     return bytes;
 }
 

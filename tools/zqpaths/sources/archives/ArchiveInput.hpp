@@ -33,9 +33,9 @@ public:
     /// its end. Throws nothing.
     std::uint64_t skip(std::uint64_t count) noexcept;
 
-    /// The last bytes before `end`, which is a position in the whole input and lies in the last two
-    /// blocks; as many as these have in a row. O(bytes).
-    std::string bytesBefore(std::uint64_t end) const;
+    /// The bytes between two positions in the whole input, as far as they lie in the last two
+    /// blocks, in a row up to `end`. O(bytes).
+    std::string bytesBetween(std::uint64_t begin, std::uint64_t end) const;
 
     std::uint64_t position() const noexcept { return position_; }
 

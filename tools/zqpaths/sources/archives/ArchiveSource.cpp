@@ -158,10 +158,7 @@ private:
     std::optional<std::string> zipName() const {
         const auto end = static_cast<std::uint64_t>(archive_filter_bytes(archive_.get(), 0));
         const auto begin = static_cast<std::uint64_t>(archive_read_header_position(archive_.get()));
-        const std::string bytes = input_.bytesBefore(end);
-        std::string_view header = bytes;
-        if (header.size() > end - begin) header.remove_prefix(header.size() - (end - begin));
-        return nameInZipHeader(header);
+        return nameInZipHeader(input_.bytesBetween(begin, end));
     }
 
     /// Throws Failure kFailed if what ends an archive is not there.
@@ -177,7 +174,7 @@ private:
 
     bool hasDirectoryOfZip() {
         while (!input_.nextBlock().empty()) continue;
-        return hasEndOfZip(input_.bytesBefore(input_.position()));
+        return hasEndOfZip(input_.bytesBetween(0, input_.position()));
     }
 
     ArchiveInput input_;

@@ -47,7 +47,7 @@ SizeColumn LineColumns::takeSize(std::size_t width) {
 }
 
 bool LineColumns::takeDigits(bool& isZero) {
-    const std::size_t count =
+    const auto count =
         static_cast<std::size_t>(std::ranges::find_if_not(rest_, isDigit) - rest_.begin());
     isZero = isZero && rest_.find_first_not_of('0') >= count;
     rest_.remove_prefix(count);

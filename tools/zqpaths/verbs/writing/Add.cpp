@@ -31,10 +31,11 @@ ExitStatus add(const AddOptions& options) {
 Verb addVerb() {
     const auto options = std::make_shared<AddOptions>();
     return {.name = "add",
-            .synopsis = "SET DIR... | SET --list FILE",
+            .synopsis = "SET DIR... | SET --from FORMAT FILE... | SET --list FILE",
             .summary = "add paths after those of a set",
             .examples = {"zqpaths add usr.zqp /opt",
                          "git ls-files -z | zqpaths add files.zqp --list - -0"},
+            .details = kSourceDetails,
             .options = rows(setArgument(options->set), sourceOptions(options->source),
                             messageOptions(options->messages)),
             .run = [options] { return add(*options); }};

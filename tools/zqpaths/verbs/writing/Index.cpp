@@ -35,10 +35,11 @@ ExitStatus index(const IndexOptions& options) {
 Verb indexVerb() {
     const auto options = std::make_shared<IndexOptions>();
     return {.name = "index",
-            .synopsis = "SET DIR... | SET --list FILE",
-            .summary = "make a set of directories or of a list",
-            .examples = {"zqpaths index usr.zqp /usr",
-                         "find /data -name '*.png' -print0 | zqpaths index png.zqp --list - -0"},
+            .synopsis = "SET DIR... | SET --from FORMAT FILE... | SET --list FILE",
+            .summary = "make a set of directories, archives, listings or a list",
+            .examples = {"zqpaths index usr.zqp /usr --exclude '*.pyc' --exclude-from ~/.gitignore",
+                         "aws s3 ls --recursive s3://data | zqpaths index data.zqp --from s3 -"},
+            .details = kSourceDetails,
             .options = rows(setArgument(options->set), sourceOptions(options->source),
                             forceOption(options->force), messageOptions(options->messages)),
             .run = [options] { return index(*options); }};

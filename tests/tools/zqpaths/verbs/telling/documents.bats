@@ -76,6 +76,8 @@ complete_words() {
 @test "bash completes words of an argument, and leaves files to the shell" {
     run -0 complete_words zqpaths document z
     [ "$output" = zsh ]
+    run -0 complete_words zqpaths index s.zqp --from js
+    [ "$output" = jsonl ]
     run -0 complete_words zqpaths info s
     [ -z "$output" ]
 }
@@ -106,6 +108,7 @@ fish_completes() {
     [ "$(fish_completes 'zqpaths split s.zqp --r')" = --rank ]
     [ "$(fish_completes 'zqpaths document z')" = zsh ]
     [ "$(fish_completes 'zqpaths verify s.zqp --progress j')" = json ]
+    [ "$(fish_completes 'zqpaths index s.zqp --from js')" = jsonl ]
 }
 
 @test "a kind that there is not is refused" {
