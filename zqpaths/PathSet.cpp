@@ -19,17 +19,17 @@ constexpr std::uint64_t kPathsAStep = 1000;  // of an iterator
 
 /// All that are read together: so many numbers after one, up to the last.
 PathNumbers pieceFrom(std::uint64_t first, std::uint64_t last) {
-    return {first, first + std::min(kPathsAPiece - 1, last - first)};
+    return {first, first + std::min(kPathsPerPiece - 1, last - first)};
 }
 
 /// The paths from `first` to `last`, in this order or the other one.
 bool visitAll(const OpenedSet& set, PathNumbers numbers, bool isBackwards, PathVisitor visit) {
     const std::uint64_t count = numbers.last - numbers.first + 1;
-    const std::uint64_t pieceCount = (count + kPathsAPiece - 1) / kPathsAPiece;
+    const std::uint64_t pieceCount = (count + kPathsPerPiece - 1) / kPathsPerPiece;
     const auto make = [&](std::size_t step) {
         const std::uint64_t piece = isBackwards ? pieceCount - 1 - step : step;
         PathBuffer paths;
-        set.appendPaths(pieceFrom(numbers.first + piece * kPathsAPiece, numbers.last), paths);
+        set.appendPaths(pieceFrom(numbers.first + piece * kPathsPerPiece, numbers.last), paths);
         return paths;
     };
     return makeInOrder(pieceCount, threadsFor(count), make, [&](const PathBuffer& paths) {

@@ -72,7 +72,7 @@ public:
     std::uint64_t count(const GivenPath& path) const;
 
 private:
-    static constexpr std::uint64_t kPathsAPiece = 1 << 16;
+    static constexpr std::uint64_t kPathsPerPiece = 1 << 16;
 
     /// Calls `visit(i, numbers)` for the numbers at the places from i on, piece by piece.
     template <class PlaceAt, class Visit>
@@ -80,7 +80,7 @@ private:
         std::vector<std::uint64_t> numbers;
         for (std::uint64_t first = 0; first < count; first += numbers.size()) {
             if (PyErr_CheckSignals() != 0) throw py::error_already_set();
-            numbers.resize(std::min(kPathsAPiece, count - first));
+            numbers.resize(std::min(kPathsPerPiece, count - first));
             for (std::size_t i = 0; i < numbers.size(); ++i)
                 numbers[i] = numberAt(*choice_, placeAt(first + i));
             visit(first, std::span<const std::uint64_t>(numbers));

@@ -2,7 +2,8 @@
 // A user without the rights of root, while it lives: what nobody may read cannot be read then.
 //
 //     const OrdinaryUser user;
-//     if (::geteuid() == 0) GTEST_SKIP() << "root reads every directory, and cannot step down here";
+//     if (::geteuid() == 0) GTEST_SKIP() << "root reads every directory, and cannot step down
+//     here";
 //
 // Threads: for all of the process; one at a time.
 

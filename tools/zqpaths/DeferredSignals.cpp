@@ -55,13 +55,12 @@ DeferredSignals::~DeferredSignals() {
     if (const int signal = noted.exchange(0); signal != 0) static_cast<void>(raise(signal));
 }
 
-bool DeferredSignals::hasOneCome() noexcept {
+bool DeferredSignals::isPending() noexcept {
     return noted != 0;
 }
 
 void DeferredSignals::throwIfOneCame() {
-    if (hasOneCome())
-        throw Failure(ExitStatus::kFailed, "ended by signal " + std::to_string(noted));
+    if (isPending()) throw Failure(ExitStatus::kFailed, "ended by signal " + std::to_string(noted));
 }
 
 DeferredSignals::Wait::Wait() noexcept {

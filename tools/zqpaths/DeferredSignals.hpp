@@ -32,7 +32,7 @@ public:
     ~DeferredSignals();
 
     /// Whether one came that waits for the end of an object; false if there is none.
-    static bool hasOneCome() noexcept;
+    static bool isPending() noexcept;
 
     /// Throws Failure kFailed if one came; nobody reads it if the signal then ends the process.
     static void throwIfOneCame();

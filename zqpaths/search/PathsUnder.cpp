@@ -119,10 +119,10 @@ std::vector<Slice> slicesOf(const std::vector<Positions>& all) {
         left.first = std::max(left.first, next);
         next = std::max(next, left.last + 1);
         while (left.first <= left.last) {
-            if (slices.empty() || slices.back().count == kPathsAPiece) slices.emplace_back();
+            if (slices.empty() || slices.back().count == kPathsPerPiece) slices.emplace_back();
             Slice& slice = slices.back();
             const std::uint64_t count =
-                std::min(kPathsAPiece - slice.count, std::uint64_t{left.last - left.first + 1});
+                std::min(kPathsPerPiece - slice.count, std::uint64_t{left.last - left.first + 1});
             slice.positions.push_back({left.first, left.first + count - 1});
             slice.count += count;
             left.first += count;
@@ -147,7 +147,7 @@ void visitPathsUnder(const OpenedSet& set, std::string_view folder, PathVisitor 
                 });
             return paths;
         };
-        if (!makeInOrder(slices.size(), threadsFor(slices.size() * kPathsAPiece), read,
+        if (!makeInOrder(slices.size(), threadsFor(slices.size() * kPathsPerPiece), read,
                          [&](const PathBuffer& paths) { return paths.visit(visit); }))
             return;
     }

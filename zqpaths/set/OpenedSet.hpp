@@ -25,7 +25,7 @@ namespace zqpaths {
 
 class PathSet;
 
-inline constexpr std::uint64_t kPathsAPiece = 4096;  // that are decoded before they are visited
+inline constexpr std::uint64_t kPathsPerPiece = 4096;  // that are decoded before they are visited
 
 /// The threads that decode so many paths. A few are decoded sooner than threads have started.
 inline unsigned threadsFor(std::uint64_t pathCount) noexcept {

@@ -47,7 +47,7 @@ void visitByNumber(const OpenedSet& set, std::span<const std::uint64_t> numbers,
                    PathVisitor visit) {
     const unsigned threads = threadsForScattered(numbers.size());
     // As many pieces for each thread, and of one size, so that none waits for the others.
-    const std::size_t mostAPiece = kPathsAPiece * threads;
+    const std::size_t mostAPiece = kPathsPerPiece * threads;
     const std::size_t pieceCount = (numbers.size() + mostAPiece - 1) / mostAPiece * threads;
     const auto beginOf = [&](std::size_t piece) { return numbers.size() * piece / pieceCount; };
     const auto make = [&](std::size_t piece) {

@@ -45,7 +45,7 @@ private:
         nodes_.resize(folders().size());
         for (Place place = nodes_.size(); place-- > 0;) {
             Totals& totals = nodes_[place].totals;
-            totals.filesIn = folders()[place].fileCount;
+            totals.filesIn = folders()[place].presentCount();
             totals.filesBelow += totals.filesIn;
             if (place == kTop || totals.filesBelow == 0) continue;
             Node& parent = nodes_[folders()[place].parent];
@@ -110,10 +110,10 @@ std::optional<FolderTotals::Place> FolderTotals::find(std::string_view folder) c
 std::vector<std::uint64_t> FolderTotals::filesByDepth() const {
     std::vector<std::uint64_t> counts;
     for (const SetFolders::Folder& folder : work_->folders()) {
-        if (folder.fileCount == 0) continue;
+        if (folder.presentCount() == 0) continue;
         const auto depth = static_cast<std::size_t>(folder.depth);
         if (counts.size() <= depth) counts.resize(depth + 1);
-        counts[depth] += folder.fileCount;
+        counts[depth] += folder.presentCount();
     }
     return counts;
 }

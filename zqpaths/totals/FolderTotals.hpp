@@ -1,6 +1,6 @@
 #pragma once
-// FolderTotals are how many paths a set has in each of its folders and below it, for who shows the
-// set as a tree or as a map:
+// FolderTotals are how many paths a set has in each of its folders and below it, without those that
+// are gone, for who shows the set as a tree or as a map:
 //
 //     const zqpaths::FolderTotals totals(set);
 //     const auto usr = totals.find("/usr");

@@ -36,10 +36,17 @@ void SetFolders::add(std::size_t segment, const HuffmanPathTree& set) {
                                set.nameOf(folder));
     }
     if (set.size() == 0) return;
-    set.forEachEntry({1, set.size()}, [&](FolderId folder, HuffmanPathTree::NumberRange numbers) {
+    const GonePaths& gone = opened_.gone();
+    const Segment& own = opened_.segments()[segment];
+    set.forEachEntry({1, set.size()}, [&](FolderId id, HuffmanPathTree::NumberRange numbers) {
         ++entryCount_;
-        folders_[places.at(static_cast<std::size_t>(folder))].fileCount +=
-            numbers.last - numbers.first + 1;
+        Folder& folder = folders_[places.at(static_cast<std::size_t>(id))];
+        const std::uint64_t count = numbers.last - numbers.first + 1;
+        folder.fileCount += count;
+        if (gone.count() == 0) return;
+        const std::uint64_t below = gone.countBelow(own.numberOf(numbers.first));
+        const std::uint64_t upTo = gone.countBelow(own.numberOf(numbers.last) + 1);
+        folder.goneCount += std::min(upTo - std::min(upTo, below), count);  // marks may be damaged
     });
 }
 

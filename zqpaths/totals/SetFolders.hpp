@@ -37,7 +37,10 @@ public:
         std::size_t parent = kTop;
         std::uint64_t depth = 0;  // names from the top to it
         std::uint64_t fileCount = 0;
+        std::uint64_t goneCount = 0;   // of the files
         std::uint64_t childCount = 0;  // folders
+
+        std::uint64_t presentCount() const noexcept { return fileCount - goneCount; }
     };
 
     /// `opened` outlives it.

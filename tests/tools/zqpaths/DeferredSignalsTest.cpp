@@ -16,7 +16,7 @@ void send(int signal) {
 
 TEST(DeferredSignals, haveNothingToTellUntilOneComes) {
     const DeferredSignals signals;
-    EXPECT_FALSE(DeferredSignals::hasOneCome());
+    EXPECT_FALSE(DeferredSignals::isPending());
     EXPECT_NO_THROW(DeferredSignals::throwIfOneCame());
 }
 
@@ -27,7 +27,7 @@ TEST(DeferredSignalsDeathTest, endTheProcessWhenTheWorkIsDone) {
                 {
                     const DeferredSignals signals;
                     send(signal);
-                    if (!DeferredSignals::hasOneCome()) std::exit(1);
+                    if (!DeferredSignals::isPending()) std::exit(1);
                 }
                 std::exit(2);
             },
@@ -54,7 +54,7 @@ TEST(DeferredSignals, leaveIgnoredOnesIgnored) {
     {
         const DeferredSignals signals;
         send(SIGHUP);
-        EXPECT_FALSE(DeferredSignals::hasOneCome());
+        EXPECT_FALSE(DeferredSignals::isPending());
     }
     static_cast<void>(std::signal(SIGHUP, former));
 }

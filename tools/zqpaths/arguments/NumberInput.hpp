@@ -1,6 +1,6 @@
 #pragma once
 // NumberInput reads numbers of paths, and ranges of them, from standard input: as many as come at
-// a time, apart by white space or NUL.
+// a time, separated by white space or NUL.
 //
 //     NumberInput input(set.size());
 //     while (input.read([](const NumberRange& range) { ... })) {

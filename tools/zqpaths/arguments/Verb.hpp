@@ -44,7 +44,7 @@ struct Option {
     std::string excluded{};            // options that cannot be given with it: "-0,--json"
     std::string needed{};              // one that must be
     std::vector<std::string> words{};  // all that it can be, if these are few
-    bool isWordList = false;           // it can be several of the words, apart by commas
+    bool isWordList = false;           // it can be several of the words, separated by commas
 
     bool isArgument() const { return !names.starts_with('-'); }
     bool isSwitch() const { return !isArgument() && value.empty(); }

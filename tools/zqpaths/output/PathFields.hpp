@@ -26,7 +26,7 @@ using PathFields = std::vector<PathField>;
 
 std::string_view nameOf(PathField field) noexcept;
 
-/// Fields whose names are given, apart by commas: at least one, each at most once. Throws Failure
+/// Fields whose names are given, separated by commas: at least one, each at most once. Throws Failure
 /// kFailed.
 PathFields parsePathFields(std::string_view names);
 

@@ -37,7 +37,7 @@ void put(JsonWriter& writer, std::string_view key, std::optional<Value> value) {
     }
 }
 
-std::optional<double> bitsACharacter(const SetStatistics& statistics) {
+std::optional<double> bitsPerCharacter(const SetStatistics& statistics) {
     if (!statistics.codedCount || *statistics.codedCount == 0) return std::nullopt;
     return static_cast<double>(*statistics.codedBits) / static_cast<double>(*statistics.codedCount);
 }
@@ -109,7 +109,7 @@ std::string reportJson(const SetReport& report, Charset charset) {
     put(writer, "textBytes", statistics.textSize);
     put(writer, "characters", statistics.characterCount);
     put(writer, "charactersOfNames", statistics.codedCount);
-    put(writer, "bitsACharacter", bitsACharacter(statistics));
+    put(writer, "bitsPerCharacter", bitsPerCharacter(statistics));
     put(writer, "entries", statistics.entryCount);
     putSegments(writer, report);
     putTree(writer, statistics);

@@ -18,7 +18,7 @@ void printChosen(const PathSet& set, std::uint64_t count, const Choice& numberAt
     Progress progress(work, messages, count, Progress::Prints::kPaths);
     std::vector<std::uint64_t> numbers;
     for (std::uint64_t begin = 0; begin < count; begin += numbers.size()) {
-        numbers.resize(std::min<std::uint64_t>(kPathsACall, count - begin));
+        numbers.resize(std::min<std::uint64_t>(kPathsPerCall, count - begin));
         for (std::size_t i = 0; i < numbers.size(); ++i) numbers[i] = numberAt(begin + i);
         set.paths(numbers, [&](std::uint64_t number, std::string_view path) {
             output.path(number, path);

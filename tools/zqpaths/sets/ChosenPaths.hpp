@@ -14,7 +14,7 @@
 namespace zqpaths::program {
 
 /// How many paths are asked of a set at once by those who ask in slices.
-inline constexpr std::size_t kPathsACall = 10'000;
+inline constexpr std::size_t kPathsPerCall = 10'000;
 
 /// The number of the path at a place, from 0 on.
 using Choice = std::function<std::uint64_t(std::uint64_t place)>;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tools/zqpaths/output/PathFields.hpp"
+#include "tools/zqpaths/sets/WantedPaths.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -75,8 +76,10 @@ ExtensionCounts countExtensions(const PathSet& set, std::size_t limit,
     ExtensionCounts counts;
     FrequentExtensions extensions;
     std::uint64_t with = 0;
-    set.forEach([&](std::uint64_t /*number*/, std::string_view path) {
+    const WantedPaths wanted(set, false);
+    set.forEach([&](std::uint64_t number, std::string_view path) {
         step();
+        if (!wanted.has(number)) return;
         const std::string_view extension = partOf(PathField::kExtension, path);
         if (extension.empty()) {
             ++counts.none;
@@ -87,9 +90,9 @@ ExtensionCounts countExtensions(const PathSet& set, std::size_t limit,
     });
     if (!extensions.isExact()) {
         extensions.beginAnew();
-        set.forEach([&](std::uint64_t /*number*/, std::string_view path) {
+        set.forEach([&](std::uint64_t number, std::string_view path) {
             step();
-            extensions.count(partOf(PathField::kExtension, path));
+            if (wanted.has(number)) extensions.count(partOf(PathField::kExtension, path));
         });
     }
     counts.most = extensions.most(limit);

@@ -1,5 +1,6 @@
 #pragma once
-// ExtensionCounts are how many paths of a set have which extension, for those that most have:
+// ExtensionCounts are how many paths of a set have which extension, for those that most have, and
+// without paths that are gone:
 //
 //     const ExtensionCounts counts = countExtensions(set, 20, step);
 //     counts.most[0].name;   // "html"

@@ -5,7 +5,7 @@
 //     if (seen.insert(path)) ...  // the first time
 //
 // It holds a hash of 16 bytes for a path, in a table with room for at most 2.7 times as many,
-// not the path: two paths of one hash would pass for one. Among a thousand million paths the chance
+// not the path: two paths of one hash would pass for one. Among a billion paths the chance
 // that any two share one is below 1 in 10^20. The seed is a new one each time, so that nobody can
 // make names that meet.
 

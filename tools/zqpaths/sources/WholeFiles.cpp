@@ -26,7 +26,7 @@ FileDescriptor openFile(const std::string& path, int flags) {
     return file;
 }
 
-bool isNoRegularFile(const std::string& path) {
+bool isSpecialFile(const std::string& path) {
     struct stat file {};
     return ::stat(path.c_str(), &file) == 0 && !S_ISREG(file.st_mode);
 }
@@ -97,7 +97,7 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path) {
 
 void requireFree(const std::string& path) {
     struct stat file {};
-    if (::lstat(path.c_str(), &file) == 0 && !isNoRegularFile(path)) throw failureThere(path);
+    if (::lstat(path.c_str(), &file) == 0 && !isSpecialFile(path)) throw failureThere(path);
 }
 
 void writeWholeFiles(const std::vector<WholeFile>& files, bool mayReplace) {
@@ -105,11 +105,11 @@ void writeWholeFiles(const std::vector<WholeFile>& files, bool mayReplace) {
     std::deque<FileBeside> beside;
     for (const WholeFile& file : files) {
         if (!mayReplace) requireFree(file.path);
-        if (isNoRegularFile(file.path)) continue;
+        if (isSpecialFile(file.path)) continue;
         beside.emplace_back(file.path, beside.size()).write(file.bytes);
     }
     for (const WholeFile& file : files)
-        if (isNoRegularFile(file.path))
+        if (isSpecialFile(file.path))
             writeAll(openFile(file.path, O_WRONLY).number(), file.bytes.data(), file.bytes.size(),
                      file.path);
     for (FileBeside& file : beside) file.takePlace(mayReplace);

@@ -142,8 +142,9 @@ void FolderTree::findFiles(const PathSet& set, const std::function<void()>& step
     });
     std::optional<std::string> folderText;  // of the path before
     std::vector<std::string>* names = nullptr;
-    set.under(totals_.pathOf(top_), [&](std::uint64_t /*number*/, std::string_view path) {
+    set.under(totals_.pathOf(top_), [&](std::uint64_t number, std::string_view path) {
         step();
+        if (set.isGone(number)) return;
         const std::string_view folder = path.substr(0, folderLength(path));
         if (folderText != folder) {
             folderText = folder;

@@ -41,7 +41,7 @@ public:
     void take(const NumberRange& range) {
         for (std::uint64_t i = 0; i < range.size(); ++i) {
             numbers_.push_back(range[i]);
-            if (numbers_.size() == kPathsACall) printSlice();
+            if (numbers_.size() == kPathsPerCall) printSlice();
         }
     }
 
@@ -138,7 +138,7 @@ Verb getVerb() {
             "the end, and without A or B the range goes to the set's: -1 is the last path, -5: the "
             "last five, :5 the first five, ::100 each hundredth. Numbers given as arguments "
             "are checked before anything is printed, those on standard input as they come, "
-            "apart by white space.",
+            "separated by white space.",
         .options = rows(setArgument(options->set),
                         arguments("NUMBER", options->numbers,
                                   "N, A:B or A:B:STEP; - for those on standard input"),

@@ -36,7 +36,7 @@ load ../setup
     fails_with 2 '3:1: counts down, which takes a step like -1' zqpaths get s.zqp 3:1
 }
 
-@test "numbers come from standard input, apart by white space or NUL" {
+@test "numbers come from standard input, separated by white space or NUL" {
     make_set s.zqp a b c d e
     run -0 zqpaths get s.zqp 5 - 1 < <(printf '2 3\n\n\t4:3:-1\r\n5\0001')
     [ "$output" = $'e\nb\nc\nd\nc\ne\na\na' ]

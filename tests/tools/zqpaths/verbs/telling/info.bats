@@ -26,7 +26,7 @@ json_of() {
     # Without folders: b four times, c twice, d once, and the mark of no folder once.
     make_set few.zqp bb bb cc d
     [ "$(json_of few.zqp '.charactersOfNames')" = 8 ]
-    [ "$(json_of few.zqp '.bitsACharacter')" = 1.75 ]
+    [ "$(json_of few.zqp '.bitsPerCharacter')" = 1.75 ]
 }
 
 @test "the saved bytes of all parts are those of the file" {
@@ -155,7 +155,7 @@ json_of() {
 @test "a packed set has unknown bits" {
     make_set few.zqp a/b a/c d
     zqpaths compact few.zqp other.zqp --packed
-    [ "$(json_of other.zqp '.bitsACharacter')" = null ]
+    [ "$(json_of other.zqp '.bitsPerCharacter')" = null ]
     run -0 zqpaths info other.zqp
     [[ $output == *"unknown"* ]]
 }

@@ -57,19 +57,37 @@ PY
     run -3 --separate-stderr zqpaths verify $'bad\xff.zqp' --json
     echo "$output" >>verification.lines
     jq -e '.whole == false and (.damages | length > 0)' <<<"$output"
+    zqpaths tree s.zqp --files --json >tree.lines
+    mkdir -p data/$'odd\xff'
+    touch data/a data/$'odd\xff'/b
+    zqpaths index d.zqp data
+    rm data/a
+    touch data/c
+    zqpaths update d.zqp --json >change.lines
+    zqpaths list d.zqp --gone --json >>path.lines
+    zqpaths info d.zqp --json >>set.lines
+    zqpaths diff d.zqp data --json >>difference.lines
+    touch data/d
+    zqpaths diff d.zqp data --json >>difference.lines || [ $? -eq 1 ]
+    run -0 --separate-stderr zqpaths list s.zqp --json --progress=json
+    echo "$stderr" >progress.lines
     has_schema ./*.lines
     [ "$(ls ./*.lines | wc -l)" -eq "$(ls "$schemas" | wc -l)" ]
 }
 
 @test "every verb that prints on standard output has --json" {
-    local verb
-    for verb in $("$ZQPATHS" --help | sed -n '/^Subcommands:/,$s/^  \([a-z]*\) .*/\1/p'); do
+    local verb withJson=0
+    for verb in $("$ZQPATHS" --help | sed -n '/^Verbs:/,/^$/s/^  \([a-z]*\) .*/\1/p'); do
         case $verb in
-            document | help) ;;                            # texts for people and shells
-            index | add | merge | compact | export | import) ;; # print nothing there
-            *) zqpaths "$verb" --help | grep -q -e ' --json' ;;
+            document | help) ;;                                          # texts for people, shells
+            index | add | merge | compact | export | import | report) ;; # print nothing there
+            *)
+                zqpaths "$verb" --help | grep -q -e ' --json'
+                withJson=$((withJson + 1))
+                ;;
         esac
     done
+    [ "$withJson" -ge 12 ]
 }
 
 @test "a line that is not what it should be is refused" {

@@ -175,3 +175,12 @@ make_few() {
     fails_with 3 "odd.zqp" zqpaths tree odd.zqp
     fails_with 2 "none.zqp" zqpaths tree none.zqp
 }
+
+@test "what is gone from the disk is in no tree" {
+    mkdir -p data/a data/b
+    touch data/a/1.c data/a/2.c data/b/3.h
+    zqpaths index s.zqp data
+    rm -r data/b data/a/2.c
+    zqpaths update s.zqp -q
+    [ "$(names_of s.zqp --files)" = $'0 data 1\n1 a 1\n2 1.c 1' ]
+}
