@@ -21,8 +21,8 @@ SetUpdate::SetUpdate(const PathSet& set, std::span<const std::string> roots,
     std::ranges::transform(roots, roots_.begin(), folderOfRoot);
 }
 
-EncodedScan SetUpdate::run(const std::string& root, const WalkOptions& options,
-                           const Scan* before, std::int64_t began) {
+EncodedScan SetUpdate::run(const std::string& root, const WalkOptions& options, const Scan* before,
+                           std::int64_t began) {
     root_ = folderOfRoot(root);
     ScanWriter scan({root, began, scanOptionsOf(options)});
     std::optional<KnownDirectories> known;

@@ -56,8 +56,8 @@ public:
 
     /// Compares what is below a root, as the walk by these options finds it. `before` is the scan
     /// that the set remembers of it by the same options, if there is one. Returns the scan as it is
-    /// now, which began at this time. Throws as walkDirectory, Error kDamaged, and what the visitors throw.
-    /// O(directories + entries of those that are read + paths that are gone).
+    /// now, which began at this time. Throws as walkDirectory, Error kDamaged, and what the
+    /// visitors throw. O(directories + entries of those that are read + paths that are gone).
     EncodedScan run(const std::string& root, const WalkOptions& options, const Scan* before,
                     std::int64_t began = nowInNanoseconds());
 
