@@ -1,10 +1,10 @@
 #include "zqpaths/directory/KnownDirectories.hpp"
 
 #include <fcntl.h>
-#include <limits.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstddef>
 #include <string>
 

@@ -89,7 +89,7 @@ public:
     }
 
     bool areApart() {
-        std::sort(taken_.begin(), taken_.end());
+        std::ranges::sort(taken_, {}, &Extent::begin);
         return std::adjacent_find(taken_.begin(), taken_.end(),
                                   [](const Extent& a, const Extent& b) {
                                       return a.end > b.begin;

@@ -75,8 +75,6 @@ struct Directory {
 struct Extent {
     std::uint64_t begin;
     std::uint64_t end;
-
-    auto operator<=>(const Extent&) const = default;
 };
 
 /// The directory that has these bytes. Throws Error kDamaged, kNotASet if it needs a later version.

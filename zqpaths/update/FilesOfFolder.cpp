@@ -35,7 +35,8 @@ std::vector<FileOfFolder> filesOfFolder(const OpenedSet& set, std::string_view f
                         {std::string(path.substr(folder.size())), segment.numberOf(position)});
             });
     }
-    std::ranges::sort(files);
+    // Those of one name stay in the order in which the segments gave them.
+    std::ranges::stable_sort(files, {}, &FileOfFolder::name);
     return files;
 }
 

@@ -19,8 +19,6 @@ namespace zqpaths {
 struct FileOfFolder {
     std::string name;
     std::uint64_t number;
-
-    auto operator<=>(const FileOfFolder&) const = default;
 };
 
 /// In the order of names, those of one name in the order of numbers. `folder` ends with a

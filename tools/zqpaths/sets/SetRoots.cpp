@@ -61,6 +61,7 @@ std::vector<SetRoot> rootsOf(const std::string& set, const std::vector<Scan>& sc
     const Reading reading(set, source);
     std::vector<SetRoot> roots;
     if (source.directories.empty()) {
+        roots.reserve(scans.size());
         for (const Scan& scan : scans) roots.push_back({scan.root, reading.as(scan), &scan});
         if (roots.empty()) throw failureAt(set, "was not made of directories; DIR is required");
         return roots;
@@ -82,6 +83,7 @@ std::vector<SetRoot> rootsOf(const std::string& set, const std::vector<Scan>& sc
 std::vector<std::string> allRoots(const std::vector<Scan>& scans,
                                   const std::vector<SetRoot>& roots) {
     std::vector<std::string> all;
+    all.reserve(scans.size() + roots.size());
     for (const Scan& scan : scans) all.push_back(scan.root);
     for (const SetRoot& root : roots) all.push_back(root.path);
     return all;
