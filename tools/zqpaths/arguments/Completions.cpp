@@ -112,7 +112,7 @@ std::string zshVerb(const Verb& verb) {
 
 std::string fishValues(const Option& option) {
     if (!option.isWordList) return fishQuoted(joined(option.words, " "));
-    return fishQuoted("(__fish_complete_list , 'printf \"%s\\n\" " + joined(option.words, " ") +
+    return fishQuoted(R"((__fish_complete_list , 'printf "%s\n" )" + joined(option.words, " ") +
                       "')");
 }
 

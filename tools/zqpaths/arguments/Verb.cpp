@@ -66,6 +66,9 @@ bool Option::canBe(const std::string& text) const {
 
 std::string Option::describedFully() const {
     std::string text = description;
+    if (!words.empty() && !isArgument())
+        text += "; " + value + " is " + (isWordList ? "a list of " : "") +
+                inWords(words, isWordList ? "and" : "or");
     if (!excluded.empty()) text += "; not with " + inWords(program::namesApart(excluded), "or");
     if (!needed.empty()) text += "; with " + needed;
     return text;

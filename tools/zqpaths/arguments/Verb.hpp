@@ -54,7 +54,8 @@ struct Option {
     /// Whether the text is one of the words, or a list of them; true if there are none.
     bool canBe(const std::string& text) const;
 
-    /// The description with what else is to be known: "print one object a line; not with --null".
+    /// The description with what else is to be known: "print one object a line; not with --null",
+    /// "show progress; HOW is auto, json or none".
     std::string describedFully() const;
 };
 

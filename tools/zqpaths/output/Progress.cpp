@@ -1,7 +1,6 @@
 #include "tools/zqpaths/output/Progress.hpp"
 
 #include <pthread.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,19 +22,12 @@ constexpr std::chrono::milliseconds kSilence = 1s;  // before the first line
 constexpr std::chrono::milliseconds kBetweenDrawings = 100ms;
 constexpr std::chrono::milliseconds kBetweenLines = 10s;
 constexpr std::chrono::milliseconds kBetweenObjects = 500ms;
-constexpr std::size_t kUsualWidth = 80;
 
 // What turns shows that the program lives, also where nothing is counted.
 constexpr std::array<std::string_view, 4> kAsciiWheel{"|", "/", "-", "\\"};
 constexpr std::array<std::string_view, 10> kWheel{"⠋", "⠙", "⠹", "⠸", "⠼", "⠴", "⠦", "⠧", "⠇", "⠏"};
 
 Progress* shownProgress = nullptr;  // the one that may have a line on the terminal
-
-std::size_t terminalWidth() {
-    winsize size{};
-    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualWidth;
-    return size.ws_col;
-}
 
 /// A job in the background leaves the terminal to that in front.
 bool isInBackground() {
@@ -142,15 +134,17 @@ void Progress::draw() {
 }
 
 /// The cursor goes back to where the line begins. So it stays there if the terminal becomes
-/// narrower and breaks the line, and all rows of it are cleared from there on.
+/// narrower and breaks the line, and all rows of it are cleared from there on. One that is drawn
+/// before the new width is known here is cut by the terminal, which is told to break none
+/// meanwhile.
 void Progress::drawLine(const std::string& line) {
     static const bool isUtf8 = charsetOfLocale() == Charset::kUtf8;
     const std::string_view wheel = isUtf8 ? kWheel[drawingCount_ % kWheel.size()]
                                           : kAsciiWheel[drawingCount_ % kAsciiWheel.size()];
     // The wheel and a space take two columns; the last one stays free, for some terminals go on to
     // the next line after it.
-    const std::size_t room = std::max<std::size_t>(terminalWidth(), 3) - 3;
-    write("\r" + std::string(wheel) + ' ' + line.substr(0, room) + "\x1b[J\r");
+    const std::size_t room = std::max<std::size_t>(terminalWidth(STDERR_FILENO), 3) - 3;
+    write("\r\x1b[?7l" + std::string(wheel) + ' ' + line.substr(0, room) + "\x1b[J\x1b[?7h\r");
     isDrawn_ = true;
 }
 

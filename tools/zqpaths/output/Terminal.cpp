@@ -44,11 +44,15 @@ std::optional<std::string> environmentValue(const char* variable) {
     return value;
 }
 
+std::size_t terminalWidth(int descriptor) {
+    winsize size{};
+    if (ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualWidth;
+    return size.ws_col;
+}
+
 std::optional<std::size_t> outputWidth() {
     if (isatty(STDOUT_FILENO) == 0) return std::nullopt;
-    winsize size{};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualWidth;
-    return size.ws_col;
+    return terminalWidth(STDOUT_FILENO);
 }
 
 }  // namespace zqpaths::program

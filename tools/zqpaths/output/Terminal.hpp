@@ -28,6 +28,9 @@ Charset charsetOf(int descriptor);
 /// The value of a variable of the environment, if it is set and not empty.
 std::optional<std::string> environmentValue(const char* variable);
 
+/// The cells of a line of a terminal, or what is usual if it does not tell.
+std::size_t terminalWidth(int descriptor);
+
 /// The cells of a line of standard output; nothing if that is no terminal.
 std::optional<std::size_t> outputWidth();
 

@@ -86,7 +86,7 @@ TEST(Progress, showsItemsRateAndTimeLeftOnATerminal) {
     EXPECT_NE(shown.find("/s, 0%, "), std::string::npos) << shown;
     EXPECT_NE(shown.find(" left"), std::string::npos) << shown;
     EXPECT_EQ(shown.find('\n'), std::string::npos) << shown;
-    EXPECT_TRUE(shown.ends_with("\x1b[J\r")) << shown;
+    EXPECT_TRUE(shown.ends_with("\x1b[J\x1b[?7h\r")) << shown;
     EXPECT_EQ(terminal.read(), "\r\x1b[J");
 }
 
