@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/progress/Progress.hpp"
 
 namespace zqpaths::program {
 

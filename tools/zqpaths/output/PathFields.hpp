@@ -26,8 +26,8 @@ using PathFields = std::vector<PathField>;
 
 std::string_view nameOf(PathField field) noexcept;
 
-/// Fields whose names are given, separated by commas: at least one, each at most once. Throws Failure
-/// kFailed.
+/// Fields whose names are given, separated by commas: at least one, each at most once. Throws
+/// Failure kFailed.
 PathFields parsePathFields(std::string_view names);
 
 /// What a path has in a field other than its number; nothing where it has no extension. The view

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "tools/zqpaths/Failure.hpp"
-#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/progress/Progress.hpp"
 
 namespace zqpaths::program {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "tools/zqpaths/output/Messages.hpp"
 #include "tools/zqpaths/output/Output.hpp"
-#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/progress/Progress.hpp"
 #include "zqpaths/choosing/Permutation.hpp"
 
 namespace zqpaths::program {

@@ -20,7 +20,7 @@
 
 #include "tools/zqpaths/DeferredSignals.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
-#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/progress/Progress.hpp"
 #include "zqpaths/PathSetWriter.hpp"
 
 namespace zqpaths::program {

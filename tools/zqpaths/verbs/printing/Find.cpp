@@ -6,7 +6,7 @@
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Output.hpp"
-#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/progress/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/sets/WantedPaths.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"

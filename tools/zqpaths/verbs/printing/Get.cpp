@@ -10,7 +10,7 @@
 #include "tools/zqpaths/arguments/NumberRanges.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Output.hpp"
-#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/progress/Progress.hpp"
 #include "tools/zqpaths/sets/ChosenPaths.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"

@@ -8,7 +8,7 @@
 #include "tools/zqpaths/output/Messages.hpp"
 #include "tools/zqpaths/output/Output.hpp"
 #include "tools/zqpaths/output/PrintablePath.hpp"
-#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/progress/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 

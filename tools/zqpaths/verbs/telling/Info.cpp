@@ -5,9 +5,9 @@
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Output.hpp"
-#include "tools/zqpaths/output/Progress.hpp"
 #include "tools/zqpaths/output/SetReport.hpp"
 #include "tools/zqpaths/output/Terminal.hpp"
+#include "tools/zqpaths/progress/Progress.hpp"
 #include "tools/zqpaths/sets/MemoryInUse.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"

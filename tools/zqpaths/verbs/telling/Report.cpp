@@ -7,7 +7,7 @@
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Messages.hpp"
 #include "tools/zqpaths/output/PrintablePath.hpp"
-#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/progress/Progress.hpp"
 #include "tools/zqpaths/report/ReportData.hpp"
 #include "tools/zqpaths/report/ReportPage.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"

@@ -1,4 +1,4 @@
-#include "tools/zqpaths/output/Progress.hpp"
+#include "tools/zqpaths/progress/Progress.hpp"
 
 #include <pthread.h>
 #include <unistd.h>

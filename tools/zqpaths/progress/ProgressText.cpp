@@ -1,4 +1,4 @@
-#include "tools/zqpaths/output/ProgressText.hpp"
+#include "tools/zqpaths/progress/ProgressText.hpp"
 
 #include <cmath>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "tools/zqpaths/output/WorkPhases.hpp"
+#include "tools/zqpaths/progress/WorkPhases.hpp"
 
 #include <gtest/gtest.h>
 

@@ -31,8 +31,8 @@
 #include <vector>
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
-#include "tools/zqpaths/output/ProgressText.hpp"
-#include "tools/zqpaths/output/WorkPhases.hpp"
+#include "tools/zqpaths/progress/ProgressText.hpp"
+#include "tools/zqpaths/progress/WorkPhases.hpp"
 
 namespace zqpaths::program {
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/zqpaths/output/WorkPhases.hpp"
+#include "tools/zqpaths/progress/WorkPhases.hpp"
 
 namespace zqpaths::program {
 
