@@ -5,6 +5,7 @@
 #include "fuzz/InputScript.hpp"
 #include "fuzz/Require.hpp"
 #include "tools/zqpaths/output/PrintablePath.hpp"
+#include "tools/zqpaths/output/TerminalCharacters.hpp"
 #include "zqpaths/text/PathComponents.hpp"
 #include "zqpaths/text/PathText.hpp"
 
