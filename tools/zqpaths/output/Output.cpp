@@ -49,17 +49,17 @@ void tellOf(std::uint64_t count, const char* what) {
 }  // namespace
 
 Output::Mark Output::markOf(Side side) {
-    return side == Side::kFirst ? Mark{'<', "first"} : Mark{'>', "second"};
+    return side == Side::kFirst ? Mark{kSideKey, '<', "first"} : Mark{kSideKey, '>', "second"};
 }
 
 Output::Mark Output::markOf(PathChange change) {
     switch (change) {
         case PathChange::kAdded:
-            return {'+', "added"};
+            return {kChangeKey, '+', "added"};
         case PathChange::kBack:
-            return {'+', "back"};
+            return {kChangeKey, '+', "back"};
         default:
-            return {'-', "gone"};
+            return {kChangeKey, '-', "gone"};
     }
 }
 
@@ -139,7 +139,7 @@ void Output::printTableRow(const Row& row) {
 
 void Output::printObject(const Row& row) {
     object_.clear();
-    if (row.mark) object_.add(manner_.markKey, row.mark->word);
+    if (row.mark) object_.add(row.mark->key, row.mark->word);
     for (const PathField field : fields_) {
         if (field != PathField::kNumber)
             object_.addName(nameOf(field), bytesKeyOf(field), partOf(field, row.path));

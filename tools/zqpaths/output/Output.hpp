@@ -42,7 +42,7 @@ inline constexpr std::string_view kChangeKey = "change";
 struct OutputManner {
     PathFields asText{PathField::kPath};
     PathFields forPrograms{PathField::kNumber, PathField::kPath};  // with --csv and --json
-    std::string_view markKey{};  // of what is said of a path before it; empty for nothing
+    std::string_view markKey{};  // of a table's first column, where something is said of paths
     bool isQuiet = false;        // no warnings
 };
 
@@ -58,11 +58,11 @@ public:
 
     /// A path that only one of two sets has: '<' or '>', a space and the path; with fields, a tab
     /// and the fields. With --csv and --json, a field "in" is "first" or "second". The number is
-    /// the one that the path has there, if it has one. Requires the manner's markKey kSideKey.
+    /// the one that the path has there, if it has one. A table requires the markKey kSideKey.
     void pathIn(Side side, std::optional<std::uint64_t> number, std::string_view path);
 
     /// A path that has come or gone, in the same way: '+' or '-'; a field "change" is "added",
-    /// "gone" or "back". Requires kChangeKey.
+    /// "gone" or "back". A table requires the markKey kChangeKey.
     void changed(PathChange change, std::uint64_t number, std::string_view path);
 
     void count(std::uint64_t count);  // with --json {"count":7}, with --csv a table of one line
@@ -85,8 +85,9 @@ public:
     void finish();
 
 private:
-    /// What is said of a path: a sign in text, a word in tables and JSON.
+    /// What is said of a path: a sign in text, a word under a key in tables and JSON.
     struct Mark {
+        std::string_view key;
         char sign;
         std::string_view word;
     };
