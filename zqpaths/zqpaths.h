@@ -101,9 +101,10 @@ ZQP_API zqp_status zqp_get(const zqp_set* set, uint64_t number, char* buffer, si
 ZQP_API zqp_status zqp_get_many(const zqp_set* set, const uint64_t* numbers, size_t count,
                                 char* bytes, size_t capacity, size_t* offsets);
 
-/// Paths that were marked as gone, since what they led to is there no more. They keep their numbers,
-/// and all functions give them as they give the others. How many there are, 0 if `set` is NULL; and
-/// whether path `number` is one, 1 or 0 into `*is_gone`. O(log runs of neighbours that are).
+/// Paths that were marked as gone, since what they led to is there no more. They keep their
+/// numbers, and all functions give them as they give the others. How many there are, 0 if `set` is
+/// NULL; and whether path `number` is one, 1 or 0 into `*is_gone`. O(log runs of neighbours that
+/// are).
 ZQP_API uint64_t zqp_gone_count(const zqp_set* set);
 ZQP_API zqp_status zqp_is_gone(const zqp_set* set, uint64_t number, int* is_gone);
 

@@ -9,7 +9,6 @@
 namespace zqpaths::program {
 namespace {
 
-using testing::HasSubstr;
 using testing::StartsWith;
 
 /// The path in a line; "none" if it has none, "expected ..." if it does not fit.
