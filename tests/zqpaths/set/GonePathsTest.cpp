@@ -11,7 +11,6 @@
 namespace zqpaths {
 namespace {
 
-
 /// Which numbers are gone, plainly: the first one at 0.
 using Flags = std::vector<bool>;
 
