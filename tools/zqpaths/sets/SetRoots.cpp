@@ -38,8 +38,9 @@ public:
     WalkOptions as(const Scan& scan) const {
         const ScanOptions given = scanOptionsOf(given_);
         if (!given.empty() && given != scan.options)
-            throw failureAt(scan.root, "was read with " + textOf(scan.options) + " for " +
-                                           printablePath(set_) + ", and is read so again");
+            throw failureAt(scan.root, "was read with " + printableText(textOf(scan.options)) +
+                                           " for " + printablePath(set_) +
+                                           ", and is read so again");
         try {
             WalkOptions options = zqpaths::walkOptionsOf(scan.options, given_.jobs);
             options.notTaken = given_.notTaken;

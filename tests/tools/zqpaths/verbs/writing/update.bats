@@ -190,3 +190,21 @@ END
     [ "$(zqpaths list s.zqp | sort | cksum)" = "$(zqpaths list after.zqp | sort | cksum)" ]
     [ "$(ls -A)" = $'after.zqp\nbefore.zqp\ns.zqp\ntree' ]
 }
+
+@test "what was left out by pattern, type and depth stays out" {
+    mkdir -p data/x/y data/keep
+    touch data/a.o data/a.c data/x/b.o data/x/y/deep.c
+    local filters=(--exclude '*.o' --exclude keep/ --max-depth 2)
+    zqpaths index -q s.zqp data "${filters[@]}"
+    touch data/new.o data/new.c data/keep/k data/x/y/deeper.c
+    [ "$(zqpaths update s.zqp)" = '+ data/new.c' ]
+    [ -z "$(zqpaths update s.zqp data "${filters[@]}")" ]
+    fails_with 2 'data: was read with --exclude *.o --exclude keep/ --max-depth 2' \
+        zqpaths update s.zqp --exclude $'\e'
+
+    zqpaths index -q t.zqp data --type d,f
+    rm -r data/x/y
+    mkdir data/x/z
+    [ "$(zqpaths update t.zqp | sort)" = \
+        $'+ data/x/z\n- data/x/y\n- data/x/y/deep.c\n- data/x/y/deeper.c' ]
+}
