@@ -52,7 +52,7 @@ const Example& example() {
         made.before = contentOf(path);
         SetFileWriter third(path, Mode::kAppend);
         GoneMarks marks;
-        for (const std::uint64_t number : {2, 3, 5}) marks.markGone(number);
+        for (const std::uint64_t number : {2U, 3U, 5U}) marks.markGone(number);
         const GoneMarks::Runs runs = marks.appliedTo(GonePaths(5));
         third.putGone({runs.goneCount, runs.bytes});
         const std::vector<EncodedScan> scans{exampleScan()};

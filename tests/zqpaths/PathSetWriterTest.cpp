@@ -131,7 +131,7 @@ TEST_F(PathSetWriterTest, marksPathsThatAreGoneAndKeepsTheirNumbers) {
     write({"a", "b", "c", "d"}, Mode::kCreate);
     {
         PathSetWriter writer(file_, Mode::kAppend);
-        for (const std::uint64_t number : {2, 3, 5}) {
+        for (const std::uint64_t number : {2U, 3U, 5U}) {
             if (number == 5) writer.add("e");
             writer.markGone(number);
         }
@@ -192,7 +192,7 @@ TEST_F(PathSetWriterTest, takesMarksBackAndLeavesTheFileAloneIfNoneCounts) {
 TEST_F(PathSetWriterTest, refusesToMarkWhatThereIsNot) {
     PathSetWriter writer(file_);
     writer.add("a");
-    for (const std::uint64_t number : {0, 2}) {
+    for (const std::uint64_t number : {0U, 2U}) {
         const Error error = errorOf([&] { writer.markGone(number); });
         EXPECT_EQ(error.kind(), ErrorKind::kWrongUse);
         EXPECT_THAT(error.what(), HasSubstr("there is no path number"));

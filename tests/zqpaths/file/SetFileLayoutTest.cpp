@@ -96,7 +96,7 @@ TEST(SetFileHeader, isToldFromOtherFiles) {
         const auto bytes = bytesOf(text);
         EXPECT_FALSE(isOfOurs(FileBytes(bytes.begin(), bytes.end()))) << text;
     }
-    for (const std::size_t size : {1, 511, 4096, 5000, 20'000})
+    for (const std::size_t size : {1U, 511U, 4096U, 5000U, 20'000U})
         EXPECT_FALSE(isOfOurs(FileBytes(size))) << size;
 }
 

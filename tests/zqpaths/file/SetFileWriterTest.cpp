@@ -108,9 +108,9 @@ TEST_F(ASetFileWriter, replacesASetHoweverItIsDamaged) {
     write(Mode::kCreate, {"old"});
     const std::string whole = contentOf(path_);
     std::vector<std::string> damaged;
-    for (const std::size_t size : {0, 1, 7, 8, 600, 4096, 4100})
+    for (const std::size_t size : {0U, 1U, 7U, 8U, 600U, 4096U, 4100U})
         damaged.push_back(whole.substr(0, size));
-    for (const std::size_t byte : {0, 3, 7, 9, 600, 1100, 4096}) {
+    for (const std::size_t byte : {0U, 3U, 7U, 9U, 600U, 1100U, 4096U}) {
         damaged.push_back(whole);
         damaged.back().at(byte) ^= 1;
     }

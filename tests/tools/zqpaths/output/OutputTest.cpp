@@ -126,8 +126,8 @@ TEST(Output, printsFieldsInTheOrderGiven) {
 TEST(Output, printsATableThatHasItsFirstLineAlsoWithoutPaths) {
     const auto nothing = [](Output& /*output*/) {};
     EXPECT_EQ(printed(kTable, nothing), "number,path\r\n");
-    EXPECT_EQ(printed(kTable, {.markKey = kSideKey}, nothing), "in,number,path\r\n");
-    EXPECT_EQ(printed(kTable, {.markKey = kSideKey},
+    EXPECT_EQ(printed(kTable, OutputManner{.markKey = kSideKey}, nothing), "in,number,path\r\n");
+    EXPECT_EQ(printed(kTable, OutputManner{.markKey = kSideKey},
                       [](Output& output) { output.pathIn(Side::kSecond, 5, "e"); }),
               "in,number,path\r\nsecond,5,e\r\n");
     EXPECT_EQ(printed(kTable, [](Output& output) { output.count(3); }), "count\r\n3\r\n");

@@ -34,18 +34,16 @@ protected:
 
 TEST_F(ReportDataTest, hasFoldersLargestFirst) {
     EXPECT_EQ(dataOf({"/a/1.c", "/a/2.c", "/b/3", "4"}, 9),
-              R"({"names":["","/","a","b"],"parents":[0,0,1,1],"files":[4,3,2,1],)"
+              R"("names":["","/","a","b"],"parents":[0,0,1,1],"files":[4,3,2,1],)"
               R"("filesIn":[1,0,2,1],"foldersBelow":[3,2,0,0],"mostNames":3,"depths":[1,0,3],)"
-              R"("extensions":[["c",2]],"otherExtensions":0,"noExtension":2})" +
-                  1);
+              R"("extensions":[["c",2]],"otherExtensions":0,"noExtension":2})");
 }
 
 TEST_F(ReportDataTest, hasNoMoreFoldersThanItMay) {
     EXPECT_EQ(dataOf({"/a/1", "/a/2", "/b/3", "4"}, 2),
-              R"({"names":["","/","a"],"parents":[0,0,1],"files":[4,3,2],"filesIn":[1,0,2],)"
+              R"("names":["","/","a"],"parents":[0,0,1],"files":[4,3,2],"filesIn":[1,0,2],)"
               R"("foldersBelow":[3,2,0],"mostNames":3,"depths":[1,0,3],)"
-              R"("extensions":[],"otherExtensions":0,"noExtension":4})" +
-                  1);
+              R"("extensions":[],"otherExtensions":0,"noExtension":4})");
 }
 
 TEST_F(ReportDataTest, sumsUpPathsOfManyNames) {
