@@ -19,16 +19,25 @@ start_indexing() {
     seq 1000 >&7
 }
 
-# await_screen TEXT - waits until the terminal shows it
-await_screen() {
+# await_that CHECK... - waits until a command succeeds, which looks at the terminal: a busy machine
+# may take its time
+await_that() {
     local i
-    for ((i = 0; i < 100; ++i)); do
-        screen=$(terminal_screen)
-        [[ $screen == *"$1"* ]] && return
+    for ((i = 0; i < 400; ++i)); do
+        "$@" && return
         sleep 0.05
     done
     echo "shown: $screen"
     return 1
+}
+
+# shows TEXT - whether the terminal shows it; await_screen TEXT waits until it does
+shows() {
+    screen=$(terminal_screen)
+    [[ $screen == *"$1"* ]]
+}
+await_screen() {
+    await_that shows "$1"
 }
 
 end_indexing() {
@@ -42,8 +51,8 @@ end_indexing() {
     await_screen 'indexing: reading, 1,000 paths, '
     [ "$(wc -l <<<"$screen")" -eq 4 ]
     local before=$screen
-    sleep 0.25
-    [ "$(terminal_screen)" != "$before" ] # its wheel turns although nothing comes
+    shows_another() { screen=$(terminal_screen) && [ "$screen" != "$before" ]; }
+    await_that shows_another # its wheel turns although nothing comes
     end_indexing
     [ "$screen" = $'one\ntwo\nthree\nzqpaths: s.zqp holds 1,000 paths' ]
     grep -q '[⠋⠙⠹⠸⠼⠴⠦⠧⠇⠏] indexing' terminal.bytes
@@ -52,14 +61,17 @@ end_indexing() {
 @test "nothing is left of a line when the terminal becomes narrower, then wider" {
     start_indexing
     await_screen 'indexing: reading, 1,000 paths, '
+    # Also in what has left the screen there is nothing but the line that is there now.
+    shows_one_line() {
+        screen=$(on_server capture-pane -p -S - | grep .)
+        [[ $screen == $'one\ntwo\nthree\n'?' indexing: reading'* ]] &&
+            [ "$(wc -l <<<"$screen")" -eq 4 ]
+    }
     local columns
     for columns in 20 80; do
         resize_terminal "$columns" 24
-        sleep 0.25
-        # Also in what has left the screen there is nothing but the line that is there now.
-        screen=$(on_server capture-pane -p -S - | grep .)
-        [[ $screen == $'one\ntwo\nthree\n'?' indexing: reading'* ]]
-        [ "$(wc -l <<<"$screen")" -eq 4 ]
+        sleep 0.25 # until it has been drawn for this width
+        await_that shows_one_line
     done
     end_indexing
     [[ $screen == *'zqpaths: s.zqp holds 1,000 paths' ]]
