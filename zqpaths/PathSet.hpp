@@ -22,6 +22,12 @@
 // threads of its own for long work and joins them before the call returns, so that a process may
 // fork between calls.
 //
+// The file may also be a set of sets, a manifest that names set files (manifest/SetManifestWriter.hpp
+// makes one): numbers run through them. Opening reads the manifest alone; the files are mapped when
+// they are first needed, at most 1,024 at a time. One that is missing or was changed since is an
+// Error that names it, kNotFound or kDamaged, from the call that needs it; openPartial reads what is
+// there.
+//
 // A file that others change while it is open gives an error or the right path. Its size is looked
 // at once a call; one that is cut short in the midst of a call can end the process with SIGBUS,
 // which the library leaves to the program.
@@ -47,10 +53,24 @@ namespace zqpaths {
 
 class OpenedSet;  // what all copies of a set share
 
+/// Numbers of paths; both ends belong to the range.
+struct PathNumbers {
+    std::uint64_t first;
+    std::uint64_t last;
+
+    bool operator==(const PathNumbers&) const = default;
+};
+
 class ZQPATHS_EXPORT PathSet {
 public:
     /// Throws Error: kNotFound, kSystem, kNotASet, kDamaged. O(segments).
     static PathSet open(const std::string& file);
+
+    /// Opens a set of sets as far as its files are there and are those that it was made of; of what
+    /// is not, missing() tells. Paths keep their numbers. Whatever goes through the paths passes over
+    /// those that are missing; what asks for one of them by its number throws the Error that says
+    /// why. Reads the directories of all files; any other set is opened as by open(). O(segments).
+    static PathSet openPartial(const std::string& file);
 
     /// Copies share what is opened.
     PathSet(const PathSet&) noexcept;
@@ -69,6 +89,15 @@ public:
     /// compare it know that a number means the same path to all of them. O(1); reads nothing, so
     /// that damage of the segments is not seen.
     std::uint64_t fingerprint() const noexcept;
+
+    /// Paths that cannot be read, neighbours as one range, in their order; none unless the set was
+    /// opened by openPartial.
+    struct Missing {
+        std::uint64_t firstNumber;
+        std::uint64_t lastNumber;
+        Error reason;  // names the file
+    };
+    const std::vector<Missing>& missing() const noexcept;
 
     // All operations below throw Error kDamaged for bytes that cannot be what was saved, and
     // kWrongUse, before any visit, for a number that the set does not have.
@@ -95,14 +124,14 @@ public:
     // --- Paths that are gone. O(log runs of neighbours that are).
 
     std::uint64_t goneCount() const noexcept;
-    std::uint64_t presentCount() const noexcept;  // of the others
+    std::uint64_t presentCount() const noexcept;  // of the others, but for those that are missing
     bool isGone(std::uint64_t number) const;
 
     /// How many of the numbers from `first` to `last`, both included, are gone; none if last is
     /// below first.
     std::uint64_t goneCount(std::uint64_t first, std::uint64_t last) const;
 
-    /// The number at a place, from 0 on, among those that are gone, or among the others: any choice
+    /// The number at a place, from 0 on, among those that are gone, or among those counted as present: any choice
     /// of them takes no memory. Throws Error kWrongUse for a place that there is not.
     std::uint64_t goneNumber(std::uint64_t place) const;
     std::uint64_t presentNumber(std::uint64_t place) const;
@@ -114,6 +143,12 @@ public:
     std::optional<std::uint64_t> numberOf(std::string_view path) const;
     bool contains(std::string_view path) const { return numberOf(path).has_value(); }
 
+    /// The same among the paths of some neighbouring segments, the first of which is at a place from
+    /// 0 on: several processes can look through a large set together. Throws Error kWrongUse if
+    /// there are fewer.
+    std::optional<std::uint64_t> numberOf(std::string_view path, std::uint64_t firstSegment,
+                                          std::uint64_t segmentCount) const;
+
     /// The paths in a folder and below it, and that of the folder itself, in the order of numbers.
     /// How many separators stand together in `folder`, or at its end, does not matter; an empty
     /// folder holds all paths, "/" those that begin with a separator. Does not scan the set: O(what
@@ -124,10 +159,16 @@ public:
     void find(const Pattern& pattern, PathVisitor visit) const;
     std::uint64_t count(const Pattern& pattern) const;
 
+    /// The same among some numbers, which there are.
+    void find(const Pattern& pattern, PathNumbers among, PathVisitor visit) const;
+
     /// The numbers of these paths without their text, which mostly need not be decoded then: from
     /// `first` to `last`, both included, range after range, until `visit` returns false.
     void findNumbers(
         const Pattern& pattern,
+        const std::function<bool(std::uint64_t first, std::uint64_t last)>& visit) const;
+    void findNumbers(
+        const Pattern& pattern, PathNumbers among,
         const std::function<bool(std::uint64_t first, std::uint64_t last)>& visit) const;
 
     /// All paths in the order of the folders, folder by folder, segment after segment; a path that
@@ -142,15 +183,29 @@ public:
     /// that have been read, each once.
     std::vector<Error> verify(const WorkWatcher& watch) const;
 
-    /// What the file is made of.
+    // --- What the set is made of.
+
+    /// The set files, in the order of their first numbers: one, the file itself, unless it is a set
+    /// of sets. The place is below fileCount().
+    std::size_t fileCount() const noexcept;
+    std::string fileName(std::size_t place) const;
+
+    /// What verify tells of one of the files, and of the paths that the set has of it.
+    std::vector<Error> verifyFile(std::size_t place, const WorkWatcher& watch) const;
+
+    std::uint64_t segmentCount() const noexcept;
+
     struct Segment {
         bool isPacked;
         std::uint64_t firstNumber;
         std::uint64_t pathCount;
         std::uint64_t textSize;  // bytes of its paths, one more for each
+        std::size_t file;        // its place among the files
         std::uint64_t offset;    // in the file
         std::uint64_t size;      // bytes in the file
     };
+
+    /// Those of all files that are there. Throws Error as open. O(segments).
     std::vector<Segment> segments() const;
 
 private:

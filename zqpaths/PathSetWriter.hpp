@@ -24,6 +24,7 @@
 
 #include "zqpaths/Error.hpp"
 #include "zqpaths/Export.hpp"
+#include "zqpaths/PathSet.hpp"
 #include "zqpaths/WorkWatcher.hpp"
 
 namespace zqpaths {
@@ -53,6 +54,12 @@ public:
     /// for what went wrong with those before, and the writer then takes no more: every call says
     /// so. Amortised O(bytes).
     void add(std::string_view path);
+
+    /// Gives all paths of a set the next numbers, those that are gone as gone ones, by copying its
+    /// segments as they are; paths that were added before are coded first. Throws Error kDamaged,
+    /// with the name of the file, for a segment whose sum does not hold, else as add. O(bytes of the
+    /// file).
+    void addSet(const PathSet& set);
 
     /// Marks the path with a number that the set has, or will have, as gone: the file that it leads
     /// to is there no more, and it keeps its number; or as one that is there again. The last mark

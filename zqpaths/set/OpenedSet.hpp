@@ -15,6 +15,7 @@
 #include <span>
 #include <string>
 
+#include "zqpaths/PathSet.hpp"
 #include "zqpaths/file/SetFile.hpp"
 #include "zqpaths/set/GonePaths.hpp"
 #include "zqpaths/set/OrderedWork.hpp"
@@ -32,14 +33,6 @@ inline unsigned threadsFor(std::uint64_t pathCount) noexcept {
     constexpr std::uint64_t kFew = 100000;
     return pathCount < kFew ? 1 : threadCount();
 }
-
-/// Numbers of paths; both ends belong to the range.
-struct PathNumbers {
-    std::uint64_t first;
-    std::uint64_t last;
-
-    bool operator==(const PathNumbers&) const = default;
-};
 
 class OpenedSet {
 public:
