@@ -9,6 +9,8 @@
 namespace zqpaths::program::mpi {
 
 Verb findVerb(Team& team);
+Verb sampleVerb(Team& team);
+Verb shuffleVerb(Team& team);
 
 /// All of them, in the order in which people read of them.
 ProgramTable teamTable(Team& team);
