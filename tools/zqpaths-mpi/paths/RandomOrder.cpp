@@ -4,7 +4,6 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/zqpaths-mpi/communication/MessageBytes.hpp"
 #include "tools/zqpaths-mpi/paths/NumberPieces.hpp"
 #include "tools/zqpaths-mpi/paths/PathRecords.hpp"
 #include "tools/zqpaths-mpi/paths/TeamProgress.hpp"
@@ -17,15 +16,7 @@ namespace zqpaths::program::mpi {
 std::uint64_t commonSeed(Team& team, const std::optional<std::uint64_t>& given,
                          const MessageOptions& messages) {
     if (given) return *given;
-    std::uint64_t seed = team.isFirst() ? seedFor(given, messages) : 0;
-    team.run({.work = [&seed](Member& member) {
-        MessageWriter writer;
-        writer.number(seed);
-        for (int other = 1; member.rank() == 0 && other < member.size(); ++other)
-            member.send(other, std::string(writer.bytes()));
-        if (member.rank() != 0) seed = MessageReader(member.receive(0)).number();
-    }});
-    return seed;
+    return numberOfFirst(team, team.isFirst() ? seedFor(given, messages) : 0);
 }
 
 void printInRandomOrder(Team& team, const WantedPaths& wanted, std::uint64_t count,
