@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <string_view>
 
 #include "tools/zqpaths/Failure.hpp"
@@ -34,6 +35,11 @@ void writeAll(int descriptor, std::string_view bytes) {
 }
 
 }  // namespace
+
+void endByClosedPipe() noexcept {
+    static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
+    static_cast<void>(raise(SIGPIPE));
+}
 
 void StandardOutput::flush() {
     if (buffer_.empty()) return;

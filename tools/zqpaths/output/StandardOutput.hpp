@@ -17,6 +17,11 @@ namespace zqpaths::program {
 /// The reader of standard output has gone; main ends the program as the system would have.
 class ClosedPipe {};
 
+/// Ends the process by the signal that a write into a closed pipe sends: whoever reads has what it
+/// wants, and a shell knows the status (141). Called when all that had to be cleaned up is; returns
+/// only where the signal is blocked.
+void endByClosedPipe() noexcept;
+
 class StandardOutput {
 public:
     static constexpr std::size_t kBufferedBytes = std::size_t{1} << 18;
