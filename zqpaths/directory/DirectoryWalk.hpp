@@ -96,6 +96,8 @@ ZQPATHS_EXPORT LeftOutNames walkDirectory(const std::string& root, const WalkOpt
 struct WalkPart {
     std::vector<std::string> names{};  // that lead to it from the root; none for the root itself
     bool isDeep = true;                // else what is directly in it, and nothing further down
+
+    bool operator==(const WalkPart&) const = default;
 };
 
 /// Walks a part of what is below `root` as the whole walk does: patterns, depth, file systems and
