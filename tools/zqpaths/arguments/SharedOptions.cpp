@@ -118,6 +118,10 @@ Option typesOption(std::string& types) {
 
 }  // namespace
 
+const char* nameOfFormat(SourceFormat format) {
+    return std::ranges::find(kFormats, format, &NamedFormat::format)->name;
+}
+
 Option directoriesArgument(SourceOptions& source, std::string description) {
     Option directories = arguments("DIR", source.directories, std::move(description));
     directories.isRequired = false;

@@ -32,6 +32,9 @@ struct MessageOptions {
 /// of which there can be several where --list is given.
 enum class SourceFormat { kTar, kZip, kS3, kS3cmd, kRclone, kGsutil, kJsonLines, kList };
 
+/// As --from takes it, which does not know lists.
+const char* nameOfFormat(SourceFormat format);
+
 /// Where paths come from.
 struct SourceOptions {
     std::vector<std::string> directories;  // or archives; with a format, files of it

@@ -17,10 +17,6 @@ namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 20;
 
-bool isStandardInput(const std::string& fileName) {
-    return fileName == "-";
-}
-
 /// What a regular file has still to give, of a range.
 std::uint64_t sizeOf(const FileDescriptor& file, ByteRange range) {
     struct stat status {};
@@ -32,6 +28,10 @@ std::uint64_t sizeOf(const FileDescriptor& file, ByteRange range) {
 }
 
 }  // namespace
+
+bool isStandardInput(const std::string& fileName) {
+    return fileName == "-";
+}
 
 std::string nameOfInput(const std::string& fileName) {
     return isStandardInput(fileName) ? "standard input" : fileName;

@@ -23,6 +23,8 @@
 
 namespace zqpaths::program {
 
+bool isStandardInput(const std::string& fileName);
+
 /// How messages call a file, or standard input.
 std::string nameOfInput(const std::string& fileName);
 
