@@ -36,6 +36,10 @@ public:
     /// All that was written; the writer is then empty.
     std::string take() noexcept;
 
+    /// The same for who writes much: the bytes are a view until something else is written.
+    std::string_view bytes() const noexcept { return bytes_; }
+    void clear() noexcept { bytes_.clear(); }
+
 private:
     std::string bytes_;
 };

@@ -25,7 +25,7 @@ ProgramTable tableWithoutHelp(Team& team) {
     return {.name = kName,
             .version = ZQ_VERSION,
             .summary = "make and search very large sets of file paths with many processes",
-            .verbs = {documentVerb(kName, [&team] { return teamTable(team); })},
+            .verbs = {findVerb(team), documentVerb(kName, [&team] { return teamTable(team); })},
             .description = kDescription};
 }
 

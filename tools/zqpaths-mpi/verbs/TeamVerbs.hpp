@@ -8,6 +8,8 @@
 
 namespace zqpaths::program::mpi {
 
+Verb findVerb(Team& team);
+
 /// All of them, in the order in which people read of them.
 ProgramTable teamTable(Team& team);
 
