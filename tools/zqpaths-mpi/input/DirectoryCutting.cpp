@@ -20,8 +20,8 @@ public:
     /// Directories with all below them that stand side by side.
     std::size_t wholeCount() const noexcept { return uncut_.size() + deepestCount_; }
 
-    /// Cuts the next directory into what is directly in it and each of its sub-directories; false if
-    /// there is none to cut.
+    /// Cuts the next directory into what is directly in it and each of its sub-directories; false
+    /// if there is none to cut.
     bool cutNext() {
         if (uncut_.empty()) return false;
         const Place place = uncut_.front();
@@ -64,18 +64,16 @@ private:
         const auto isReadAs = [](ScanState state) {
             return state == ScanState::kRead || state == ScanState::kReadAgain;
         };
-        walkPart(root_, {names, false}, options_,
-                 {.onError = [](std::string_view, std::string_view) {},
-                  .onPath =
-                      [&contents](std::string_view path) { contents.textSize += path.size() + 1; },
-                  .onDirectory =
-                      [&](const MetDirectory& met) {
-                          contents.isRead = isReadAs(met.directory.state);
-                      },
-                  .onSubdirectory =
-                      [&contents](std::string_view name) {
-                          contents.subdirectories.emplace_back(name);
-                      }});
+        walkPart(
+            root_, {names, false}, options_,
+            {.onError = [](std::string_view, std::string_view) {},
+             .onPath = [&contents](std::string_view path) { contents.textSize += path.size() + 1; },
+             .onDirectory =
+                 [&](const MetDirectory& met) { contents.isRead = isReadAs(met.directory.state); },
+             .onSubdirectory =
+                 [&contents](std::string_view name) {
+                     contents.subdirectories.emplace_back(name);
+                 }});
         return contents;
     }
 

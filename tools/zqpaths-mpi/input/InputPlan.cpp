@@ -71,8 +71,8 @@ void addLines(std::size_t source, std::uint64_t size, std::uint64_t pieceSize,
 /// of these than there should be pieces.
 void addDirectory(std::size_t source, std::vector<DirectoryCut> cuts, std::uint64_t pieceSize,
                   Gathering& gathering) {
-    const auto wholeCount = static_cast<std::uint64_t>(std::ranges::count_if(
-        cuts, [](const DirectoryCut& cut) { return cut.part.isDeep; }));
+    const auto wholeCount = static_cast<std::uint64_t>(
+        std::ranges::count_if(cuts, [](const DirectoryCut& cut) { return cut.part.isDeep; }));
     const std::uint64_t together = std::max<std::uint64_t>(ceilingOf(wholeCount, kUsualPieces), 1);
     for (DirectoryCut& cut : cuts)
         gathering.add({.source = source, .directory = std::move(cut.part)},

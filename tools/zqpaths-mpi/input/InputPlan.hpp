@@ -49,10 +49,10 @@ struct InputPlan {
     std::vector<InputPiece> pieces;
 };
 
-/// Without a size, pieces are a thousandth of the input, within bounds: so small that many processes
-/// have work, so large that a set file is worth its name. Looks at the files and reads the upper
-/// levels of directories; files of `set` are not among what is in these. Throws Failure kFailed for
-/// what cannot be read or cut.
+/// Without a size, pieces are a thousandth of the input, within bounds: so small that many
+/// processes have work, so large that a set file is worth its name. Looks at the files and reads
+/// the upper levels of directories; files of `set` are not among what is in these. Throws Failure
+/// kFailed for what cannot be read or cut.
 InputPlan planInput(const SourceOptions& options, std::optional<std::uint64_t> pieceSize,
                     const std::string& set);
 

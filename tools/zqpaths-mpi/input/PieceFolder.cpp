@@ -84,8 +84,9 @@ void PieceFolder::requireEmpty() const {
                         "--force begins anew");
     for (const std::string& name : namesIn(path_))
         if (parsePieceName(name))
-            throw failureAt(path_, "holds set files of a set that is not there; --force replaces "
-                                   "them");
+            throw failureAt(path_,
+                            "holds set files of a set that is not there; --force replaces "
+                            "them");
 }
 
 void PieceFolder::clear() {

@@ -1,6 +1,6 @@
 #pragma once
-// PieceFolder is the folder beside a set of sets that its set files are in, and while they are being
-// made the plan of the work and a report of each piece that is done:
+// PieceFolder is the folder beside a set of sets that its set files are in, and while they are
+// being made the plan of the work and a report of each piece that is done:
 //
 //     all.zqs           when all is whole
 //     all.zqs.d/

@@ -23,8 +23,8 @@ struct DealtPiece {
     std::string setFile;
     std::string reportFile;
     std::uint64_t weight = 0;
-    std::vector<SourcePart> parts;
-    std::vector<FileStamp> stamps;  // of the sources of the parts
+    std::vector<SourcePart> parts{};
+    std::vector<FileStamp> stamps{};  // of the sources of the parts
 };
 
 std::string encodePiece(const DealtPiece& piece);

@@ -1,8 +1,9 @@
 #pragma once
-// PieceReport is what there is to say of a piece of work that is done. It stands in a file beside the
-// set file of the piece and travels to rank 0, as JSON:
+// PieceReport is what there is to say of a piece of work that is done. It stands in a file beside
+// the set file of the piece and travels to rank 0, as JSON:
 //
-//     {"paths":2,"leftOut":{"hidden":1,...},"unreadable":1,"firstUnreadable":"/a: No such file ..."}
+//     {"paths":2,"leftOut":{"hidden":1,...},"unreadable":1,"firstUnreadable":"/a: No such file
+//     ..."}
 //
 // Threads: values, and free functions without state.
 

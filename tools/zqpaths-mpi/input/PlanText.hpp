@@ -20,8 +20,8 @@ namespace zqpaths::program::mpi {
 
 /// What is said of the set that is made, whatever it is made of.
 struct PlanSummary {
-    unsigned generation;     // tells its set files from those that an older set still has
-    bool mayReplace;         // the older set
+    unsigned generation;  // tells its set files from those that an older set still has
+    bool mayReplace;      // the older set
     std::size_t pieceCount;
 };
 
@@ -32,8 +32,8 @@ std::string encodePlan(const InputPlan& plan, const SourceOptions& options,
 /// Nothing if it is no plan, or one that only a later version knows.
 std::optional<PlanSummary> summaryOfPlan(std::string_view text);
 
-/// Throws Failure kFailed at `place`, or at the name of a source, and says what is not the same: the
-/// options, the sources, or what is in these. Both texts are plans.
+/// Throws Failure kFailed at `place`, or at the name of a source, and says what is not the same:
+/// the options, the sources, or what is in these. Both texts are plans.
 void requireSamePlan(std::string_view begun, std::string_view present, std::string_view place);
 
 }  // namespace zqpaths::program::mpi

@@ -117,18 +117,17 @@ private:
     void begin() {
         if (!options_.force) folder_.requireEmpty();
         folder_.clear();
-        folder_.writePlan(encodePlan(
-            plan_, options_.source,
-            {folder_.generation(), options_.force, plan_.pieces.size()}));
+        folder_.writePlan(encodePlan(plan_, options_.source,
+                                     {folder_.generation(), options_.force, plan_.pieces.size()}));
     }
 
     void takeUp(const std::string& begun) {
         const std::optional<PlanSummary> summary = summaryOfPlan(begun);
         if (!summary)
-            throw failureAt(folder_.path(), "holds a plan that cannot be read; --force begins anew");
+            throw failureAt(folder_.path(),
+                            "holds a plan that cannot be read; --force begins anew");
         folder_.takeGeneration(summary->generation);
-        requireSamePlan(begun, encodePlan(plan_, options_.source, *summary),
-                        folder_.path());
+        requireSamePlan(begun, encodePlan(plan_, options_.source, *summary), folder_.path());
         for (std::size_t piece = 0; piece < reports_.size(); ++piece) {
             reports_[piece] = folder_.reportOfWhole(piece);
             if (reports_[piece]) addWeight(plan_.pieces[piece].weight);
@@ -150,15 +149,15 @@ private:
 
 /// What each rank does: the pieces that it is dealt.
 void makePieces(Member& member, const IndexOptions& options) {
-    PieceMaking making(options.source, options.set, PieceFolder(options.set).path(),
-                       {.onPaths =
-                            [&member](std::uint64_t paths) {
-                                member.throwIfStopped();
-                                member.advance(paths, kPaths);
-                            },
-                        .onWeight =
-                            [&member](std::uint64_t weight) { member.advance(weight, kWeight); },
-                        .onUnreadable = [&member](std::string_view text) { member.tell(text); }});
+    PieceMaking making(
+        options.source, options.set, PieceFolder(options.set).path(),
+        {.onPaths =
+             [&member](std::uint64_t paths) {
+                 member.throwIfStopped();
+                 member.advance(paths, kPaths);
+             },
+         .onWeight = [&member](std::uint64_t weight) { member.advance(weight, kWeight); },
+         .onUnreadable = [&member](std::string_view text) { member.tell(text); }});
     forEachPiece(member, [&](const Piece& piece) {
         const PieceReport report = making.make(decodePiece(piece.description));
         member.give(piece.number, encodeReport(report));
@@ -200,31 +199,31 @@ ExitStatus index(Team& team, IndexOptions options) {
 
 Verb indexVerb(Team& team) {
     const auto options = std::make_shared<IndexOptions>();
-    return {.name = "index",
-            .synopsis = "SET DIR... | SET --from FORMAT FILE... | SET --list FILE...",
-            .summary = "make a set of sets of directories, archives, listings or lists",
-            .examples = {"mpiexec -n 16 zqpaths-mpi index data.zqs /data --exclude '*.tmp'",
-                         "mpiexec -n 4 zqpaths-mpi index all.zqs --list one.txt two.txt --resume"},
-            .details =
-                std::string(
-                    "The input is cut into pieces, which are dealt to the ranks as they become "
-                    "free: files, ranges of large files that are read line by line, directories. "
-                    "How it is cut depends on the input alone, so that any number of ranks makes "
-                    "the same set, with the paths in the order in which one process would have "
-                    "them. Each piece becomes a set file in the folder SET.d, and SET appears when "
-                    "all are whole. What a run that did not end has left there is kept: --resume "
-                    "goes on with it if options and input are the same. ") +
-                kSourceDetails,
-            .options =
-                rows(setArgument(options->set), sourceOptions(options->source, SourceReaders::kMany),
-                     number("--piece-size", "BYTES", options->pieceSize,
-                            "cut the input into pieces of at most so many bytes (a thousandth of "
-                            "it, 64 MiB to 2 GiB)"),
-                     flag("--resume", options->resume,
-                          "keep what a run that did not end has made, and make the rest"),
-                     excluding("--resume", forceOption(options->force)),
-                     messageOptions(options->messages)),
-            .run = [options, &team] { return index(team, *options); }};
+    return {
+        .name = "index",
+        .synopsis = "SET DIR... | SET --from FORMAT FILE... | SET --list FILE...",
+        .summary = "make a set of sets of directories, archives, listings or lists",
+        .examples = {"mpiexec -n 16 zqpaths-mpi index data.zqs /data --exclude '*.tmp'",
+                     "mpiexec -n 4 zqpaths-mpi index all.zqs --list one.txt two.txt --resume"},
+        .details =
+            std::string(
+                "The input is cut into pieces, which are dealt to the ranks as they become "
+                "free: files, ranges of large files that are read line by line, directories. "
+                "How it is cut depends on the input alone, so that any number of ranks makes "
+                "the same set, with the paths in the order in which one process would have "
+                "them. Each piece becomes a set file in the folder SET.d, and SET appears when "
+                "all are whole. What a run that did not end has left there is kept: --resume "
+                "goes on with it if options and input are the same. ") +
+            kSourceDetails,
+        .options = rows(
+            setArgument(options->set), sourceOptions(options->source, SourceReaders::kMany),
+            number("--piece-size", "BYTES", options->pieceSize,
+                   "cut the input into pieces of at most so many bytes (a thousandth of "
+                   "it, 64 MiB to 2 GiB)"),
+            flag("--resume", options->resume,
+                 "keep what a run that did not end has made, and make the rest"),
+            excluding("--resume", forceOption(options->force)), messageOptions(options->messages)),
+        .run = [options, &team] { return index(team, *options); }};
 }
 
 }  // namespace zqpaths::program::mpi

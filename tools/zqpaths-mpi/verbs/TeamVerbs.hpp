@@ -9,6 +9,7 @@
 namespace zqpaths::program::mpi {
 
 Verb findVerb(Team& team);
+Verb indexVerb(Team& team);
 
 /// All of them, in the order in which people read of them.
 ProgramTable teamTable(Team& team);
