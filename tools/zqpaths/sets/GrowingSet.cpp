@@ -22,6 +22,10 @@ std::vector<WorkPhase> phases() {
 
 }  // namespace
 
+void tellSizeOfSet(const std::string& file, std::uint64_t size) {
+    tell(printablePath(file) + " holds " + groupDigits(size) + (size == 1 ? " path" : " paths"));
+}
+
 GrowingSet::GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::string work,
                        const MessageOptions& messages, std::optional<std::uint64_t> total,
                        PathSetWriter::Form form)
@@ -49,9 +53,7 @@ void GrowingSet::saveQuietly() {
 }
 
 void GrowingSet::tellSize() const {
-    if (messages_.quiet) return;
-    const std::uint64_t size = writer_->size();
-    tell(printablePath(file_) + " holds " + groupDigits(size) + (size == 1 ? " path" : " paths"));
+    if (!messages_.quiet) tellSizeOfSet(file_, writer_->size());
 }
 
 }  // namespace zqpaths::program

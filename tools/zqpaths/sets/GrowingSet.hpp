@@ -30,6 +30,9 @@ inline PathSetWriter::Mode modeOfNew(bool force) {
     return force ? PathSetWriter::Mode::kReplace : PathSetWriter::Mode::kCreate;
 }
 
+/// Tells "usr.zqp holds 2 paths".
+void tellSizeOfSet(const std::string& file, std::uint64_t size);
+
 class GrowingSet {
 public:
     /// `work` names it for the progress, `total` is how many paths come, if that is known. Throws
