@@ -33,6 +33,7 @@ from zqpaths._zqpaths import (
     Writer,
     __version__,
     index,
+    merge,
     open,
 )
 
@@ -50,6 +51,7 @@ __all__ = [
     "Writer",
     "__version__",
     "index",
+    "merge",
     "open",
 ]
 

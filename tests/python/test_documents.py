@@ -43,7 +43,8 @@ def test_examples(name, make_set, tmp_path, monkeypatch):
 
 def test_every_part_has_an_example():
     with_examples = {name for name, one in DOCUMENTED.items() if ">>> " in one.__doc__}
-    assert {"zqpaths", "zqpaths.torch", "zqpaths.open", "zqpaths.index", "zqpaths.Writer", "zqpaths.Selection",
+    assert {"zqpaths", "zqpaths.torch", "zqpaths.open", "zqpaths.index", "zqpaths.merge",
+            "zqpaths.Writer", "zqpaths.Selection",
             "PathSequence.take", "PathSequence.index", "PathSequence.count", "PathSet.find",
             "PathSet.under", "PathSet.sample", "PathSet.split", "PathSet.verify"} <= with_examples
 

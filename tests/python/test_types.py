@@ -27,6 +27,9 @@ for one in b.find(glob="*.png"):
 with zqpaths.Writer("data.zqp", "a") as writer:
     writer.extend(iter(s.under("/data")))
 zqpaths.index("/data", "data.zqp", progress=print)
+everything = zqpaths.merge(["data.zqp", b"more.zqp"], "all.zqs", mode="w")
+places: List[range] = [positions for positions, reason in everything.missing]
+last: str = zqpaths.open(everything.files[-1], partial=True)[-1]
 """
 
 
