@@ -22,22 +22,22 @@ PathType typeOf(bool isBytes) noexcept {
 
 /// What pickle keeps: the name of the file, and what it was.
 py::tuple reduced(const OpenedPathSet& set) {
-    return py::make_tuple(py::module_::import("zqpaths._pickling").attr("reopened"),
-                          py::make_tuple(py::bytes(set.file()), set.type() == PathType::kBytes,
-                                         set.set().fingerprint(), set.isPartial()));
+    return py::make_tuple(
+        py::module_::import("zqpaths._pickling").attr("reopened"),
+        py::make_tuple(py::bytes(set.set().file()), set.type() == PathType::kBytes,
+                       set.set().fingerprint(), set.isPartial()));
 }
 
 py::object fileOf(const OpenedPathSet& set) {
-    return pathObject(set.file(), PathType::kText);
+    return pathObject(set.set().file(), PathType::kText);
 }
 
-/// Absolute names, which stay right wherever the process goes.
-std::string absoluteName(const std::string& file) {
-    return std::filesystem::absolute(file).string();
+/// The name that stays right wherever the process goes; there is no file of an empty one.
+std::string absoluteName(std::string_view file) {
+    return file.empty() ? std::string() : std::filesystem::absolute(file).string();
 }
 
 py::list files(const OpenedPathSet& set) {
-    const std::filesystem::path folder = std::filesystem::path(set.file()).parent_path();
     py::list names;
     for (std::size_t place = 0; place < set.set().fileCount(); ++place)
         names.append(pathObject(set.set().fileName(place), PathType::kText));
@@ -154,10 +154,10 @@ py::list verify(const OpenedPathSet& set) {
 OpenedPathSet openedSet(py::handle file, PathType type, bool isPartial) {
     const GivenPath name(file);
     return naming(py::reinterpret_borrow<py::object>(file), [&] {
-        const std::string given(name.text());
+        const std::string absolute = absoluteName(name.text());
         const py::gil_scoped_release unlocked;
         const auto open = isPartial ? zqpaths::PathSet::openPartial : zqpaths::PathSet::open;
-        return OpenedPathSet(open(given), type, absoluteName(given), isPartial);
+        return OpenedPathSet(open(absolute), type, isPartial);
     });
 }
 

@@ -8,26 +8,20 @@
 
 #include <pybind11/pybind11.h>
 
-#include <string>
-#include <utility>
-
 #include "python/src/PathSequence.hpp"
 
 namespace zqpaths::python {
 
 class OpenedPathSet : public PathSequence {
 public:
-    /// `file` is its absolute name, which stays right wherever the process goes.
-    OpenedPathSet(const zqpaths::PathSet& set, PathType type, std::string file, bool isPartial)
-        : PathSequence(set, type), file_(std::move(file)), isPartial_(isPartial) {}
-
-    const std::string& file() const noexcept { return file_; }
+    /// The set is opened by its absolute name, which stays right wherever the process goes.
+    OpenedPathSet(const zqpaths::PathSet& set, PathType type, bool isPartial)
+        : PathSequence(set, type), isPartial_(isPartial) {}
 
     /// Whether it was opened as far as its files are there.
     bool isPartial() const noexcept { return isPartial_; }
 
 private:
-    std::string file_;
     bool isPartial_;
 };
 

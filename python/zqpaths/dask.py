@@ -18,6 +18,7 @@ from __future__ import annotations
 
 import contextlib
 import functools
+import inspect
 import itertools
 import operator
 import os
@@ -50,7 +51,7 @@ from dask.highlevelgraph import HighLevelGraph
 from numpy.typing import NDArray
 
 from zqpaths import _pickling, _zqpaths
-from zqpaths._errors import exception_of
+from zqpaths._errors import UseError, exception_of
 from zqpaths._zqpaths import PathSequence, PathSet, Writer
 
 __all__ = ["Partition", "array_of_numbers", "bag", "index"]
@@ -237,17 +238,35 @@ def array_of_numbers(
 
 
 def _write(
-    paths: Iterable[_Path], number: Iterable[int], folder: str, packed: bool
+    paths: Iterable[_Path], *, part: int, folder: str, packed: bool
 ) -> List[Tuple[str, int]]:
     """Makes a set file of the partition with this number: its name, and how many paths it has.
 
     Dask may run a task again, also while it still runs elsewhere. So each time it has another file.
     """
-    (part,) = number
+    # A task makes its generator anew when it is run again; one that Dask keeps it gives again.
+    if inspect.isgenerator(paths) and inspect.getgeneratorstate(paths) != inspect.GEN_CREATED:
+        raise UseError(f"partition {part} is a generator, of which some paths are gone already")
     file = os.path.join(folder, f"{part}-{uuid.uuid4().hex}.zqp")
     with Writer(file, "x", packed=packed) as writer:
         writer.extend(paths)
     return [(file, len(writer))]
+
+
+def _written(parts: dask.bag.Bag, folder: str, packed: bool) -> dask.bag.Bag:
+    """What _write gives for each partition.
+
+    A task has its partition alone to wait for, so that Dask makes one of both, and paths go from one
+    to the other without being kept.
+    """
+    write = functools.partial(_write, folder=folder, packed=packed)
+    name = f"zqpaths-index-{tokenize(parts, folder)}"
+    tasks = {
+        (name, part): (functools.partial(write, part=part), (parts.name, part))
+        for part in range(parts.npartitions)
+    }
+    graph = HighLevelGraph.from_collections(name, tasks, dependencies=[parts])
+    return dask.bag.Bag(graph, name, parts.npartitions)
 
 
 def _remove(files: Iterable[str]) -> None:
@@ -358,9 +377,7 @@ def index(
         parts = _bag_of(parts)
     former = _former_files(name, folder, mode)
     with _files_of_run(folder) as files:
-        numbers = dask.bag.from_sequence(range(parts.npartitions), partition_size=1)
-        written = parts.map_partitions(_write, numbers, folder=files.run, packed=packed)
-        files.keep(written.compute(**options))
+        files.keep(_written(parts, files.run, packed).compute(**options))
         made = _zqpaths.merge(files.kept, file, mode=mode)
     _remove(former)
     return made

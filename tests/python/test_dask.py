@@ -310,9 +310,10 @@ def fail_once(paths, marker):
 
 def test_a_part_that_is_tried_again_counts_once(client, target, tmp_path):
     parts = dask.bag.from_sequence(THREE, npartitions=3)
-    parts = parts.map_partitions(fail_once, str(tmp_path / "marker"))
+    marker = tmp_path / "marker"
+    parts = parts.map_partitions(fail_once, str(marker))
     made = zqpaths.dask.index(parts, target, retries=2)
-    assert list(made) == THREE
+    assert list(made) == THREE and marker.exists()
     assert len(everything_in(os.path.dirname(target))) == 2 + 3
 
 
@@ -329,22 +330,35 @@ def end_once(paths, marker):
 
 def test_a_worker_that_ends_leaves_nothing_half(client, target, tmp_path):
     parts = dask.bag.from_sequence(THREE, npartitions=3)
-    parts = parts.map_partitions(end_once, str(tmp_path / "marker"))
-    assert list(zqpaths.dask.index(parts, target)) == THREE
+    marker = tmp_path / "marker"
+    parts = parts.map_partitions(end_once, str(marker))
+    assert list(zqpaths.dask.index(parts, target)) == THREE and marker.exists()
     assert len(everything_in(os.path.dirname(target))) == 2 + 3
 
 
 def test_a_part_may_be_made_twice_at_once(tmp_path):
-    first, second = [], []
+    makings = []
+
+    def make(paths):
+        makings.extend(zqpaths.dask._write(paths, part=0, folder=str(tmp_path), packed=False))
 
     def paths():
         yield "a"
-        second.extend(zqpaths.dask._write(["a", "b"], [0], str(tmp_path), False))
+        make(["a", "b"])
         yield "b"
 
-    first.extend(zqpaths.dask._write(paths(), [0], str(tmp_path), False))
-    for (file, count), in (first, second):
+    make(paths())
+    assert len(makings) == 2
+    for file, count in makings:
         assert count == 2 and list(zqpaths.open(file)) == ["a", "b"]
+
+
+def test_a_part_that_has_lost_paths_is_refused(here, target):
+    paths = (path for path in THREE)
+    next(paths)
+    with pytest.raises(zqpaths.UseError, match="some paths are gone"):
+        zqpaths.dask.index(dask.bag.Bag({("part", 0): paths}, "part", 1), target)
+    assert everything_in(os.path.dirname(target)) == []
 
 
 def test_a_set_that_is_there_is_refused_or_replaced(here, target):

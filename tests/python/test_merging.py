@@ -12,7 +12,6 @@ from hypothesis import HealthCheck, given, settings
 from hypothesis import strategies as st
 
 import zqpaths
-import zqpaths.torch
 from conftest import THREE, as_text, made_paths, path_lists
 
 relaxed = settings(suppress_health_check=[HealthCheck.function_scoped_fixture], max_examples=30)
@@ -184,7 +183,6 @@ def test_is_read_in_other_processes(tmp_path, method):
     files = [write(tmp_path / f"{i}.zqp", paths[i * 1000:(i + 1) * 1000]) for i in range(3)]
     s = zqpaths.merge(files, tmp_path / "all.zqs")
     assert s[1500] == paths[1500]
-    dataset = zqpaths.torch.PathDataset(s.split(0, 1, seed=3), transform=len)
-    with multiprocessing.get_context(method).Pool(2) as pool:
-        assert pool.map(lengths, [s, s.find("class-1")]) == [lengths(s), lengths(s.find("class-1"))]
-        assert pool.apply(dataset.__getitems__, [[2, 1, 0]]) == dataset[[2, 1, 0]]
+    with multiprocessing.get_context(method).Pool(1) as pool:
+        for some in (s, s.find("class-1"), s.split(0, 2, seed=3)):
+            assert pool.apply(lengths, [some]) == lengths(some)
