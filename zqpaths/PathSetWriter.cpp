@@ -15,6 +15,7 @@
 #include "zqpaths/set/BackgroundWork.hpp"
 #include "zqpaths/set/CollectedPaths.hpp"
 #include "zqpaths/set/GonePaths.hpp"
+#include "zqpaths/set/OpenedSet.hpp"
 #include "zqpaths/set/OrderedWork.hpp"
 #include "zqpaths/set/Segment.hpp"
 #include "zqpaths/set/SegmentBuilder.hpp"
@@ -66,7 +67,18 @@ public:
         if (!collected_.hasRoomFor(path)) doOrFail([this] { passOn(); });
         collected_.append(path);
         ++pathCount_;
-        hasAdded_ = true;
+    }
+
+    void addSet(const PathSet& set) {
+        if (failure_ || isCommitted_ || building_.hasFailed()) refuseMore();
+        if (!set.missing().empty()) throw Error(set.missing().front().reason);
+        doOrFail([&] {
+            building_.finish();
+            writeLast();
+            collected_.clear();
+            hasPassedOn_ = true;
+            copy(openedSetOf(set));
+        });
     }
 
     void mark(std::uint64_t number, bool isGone) {
@@ -94,7 +106,7 @@ public:
         if (failure_ || isCommitted_) refuseMore();
         doOrFail([this] {
             building_.finish();
-            if (hasAdded_) writeLast();
+            writeLast();
             writeMarks();
             writeScans();
             if (watcher_) watcher_(WorkStep::kSyncing, 0);
@@ -150,8 +162,10 @@ private:
     }
 
     /// Writes what is still collected, as one with small segments before it where there are many.
-    /// Those that this writer has passed on are full, or nearly so; they are left to a later one.
+    /// Those that this writer has passed on are full, or nearly so; they are left to a later one,
+    /// and so are those that it has copied.
     void writeLast() {
+        if (collected_.isEmpty()) return;
         if (hasPassedOn_) return write(collected_);
         std::vector<SegmentSize> sizes;
         for (const SegmentEntry& segment : file_.segments())
@@ -180,6 +194,23 @@ private:
             forEachPath(Segment(file_.committed(), entry, 1), collect);
         for (std::size_t i = 0; i < collected_.size(); ++i) collect(collected_[i]);
         write(paths);
+    }
+
+    void copy(const OpenedSet& set) {
+        const SetFile& from = set.file();
+        from.requireWhole();
+        from.wholeBytesOf(kGonePathsText, from.state().directory.gone);
+        from.naming([&] { set.gone().verify(); });
+        for (std::size_t run = 0; run < set.gone().runCount(); ++run)
+            marks_.appendGone(
+                {pathCount_ + set.gone()[run].first, pathCount_ + set.gone()[run].last});
+        for (std::size_t i = 0; i < from.segments().size(); ++i) {
+            const SegmentEntry& entry = from.segments()[i];
+            file_.append({entry.form, entry.pathCount, entry.textSize, entry.treeStringSize,
+                          from.wholeBytesOf(i)});
+            pathCount_ += entry.pathCount;
+            if (watcher_) watcher_(WorkStep::kSumming, entry.size);
+        }
     }
 
     /// What there was in a file that is appended to.
@@ -235,7 +266,6 @@ private:
     GoneMarks marks_;
     std::vector<EncodedScan> scans_;
     std::uint64_t pathCount_ = 0;
-    bool hasAdded_ = false;
     bool hasPassedOn_ = false;
     bool isCommitted_ = false;
     std::exception_ptr failure_;
@@ -253,6 +283,11 @@ PathSetWriter::~PathSetWriter() = default;
 void PathSetWriter::add(std::string_view path) {
     assert(work_);  // a writer that was moved from takes nothing
     work_->add(path);
+}
+
+void PathSetWriter::addSet(const PathSet& set) {
+    assert(work_);
+    work_->addSet(set);
 }
 
 void PathSetWriter::watch(WorkWatcher watcher) {

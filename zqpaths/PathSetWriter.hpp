@@ -56,8 +56,10 @@ public:
     void add(std::string_view path);
 
     /// Gives all paths of a set the next numbers, those that are gone as gone ones, by copying its
-    /// segments as they are; paths that were added before are coded first. Throws Error kDamaged,
-    /// with the name of the file, for a segment whose sum does not hold, else as add. O(bytes of the
+    /// segments as they are; paths that were added before are coded first. What it remembers of
+    /// directories stays behind. Throws Error kDamaged, with the name of the file, for a segment
+    /// whose sum does not hold, and the writer then takes no more; what is missing of a set that
+    /// was opened by PathSet::openPartial, and the writer is as it was; else as add. O(bytes of the
     /// file).
     void addSet(const PathSet& set);
 
@@ -68,8 +70,8 @@ public:
     void markPresent(std::uint64_t number);
 
     /// Has `watcher` told from the next call on of the paths that are coded, those of small
-    /// segments that are joined among them, and of the moment from which on commit waits for the
-    /// device. It may be called until the writer is gone.
+    /// segments that are joined among them, of the bytes that are copied, and of the moment from
+    /// which on commit waits for the device. It may be called until the writer is gone.
     void watch(WorkWatcher watcher);
 
     /// Paths that the set will have: those that were there and those added.

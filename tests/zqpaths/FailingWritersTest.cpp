@@ -133,6 +133,44 @@ TEST(FailingWriters, leaveMarksAndScansAsTheyWere) {
     EXPECT_GT(failures, 50U);
 }
 
+TEST(FailingWriters, leaveTheFileAsItWasWhereASetIsAdded) {
+    const test_support::TemporaryTree tree;
+    const std::string file = tree.pathOf("s.zqp");
+    const std::string added = tree.pathOf("added.zqp");
+    for (const std::string& made : {file, added}) {
+        PathSetWriter writer(made);
+        for (const char* const path : {"a", "b/c"}) writer.add(path);
+        writer.markGone(2);
+        writer.commit();
+    }
+    const std::string original = contentOf(file);
+    const PathSet set = PathSet::open(added);
+    std::size_t failures = 0;
+    bool hasRefused = true;
+    for (std::size_t number = 1; hasRefused && number < kMostBlocks; ++number) {
+        SCOPED_TRACE(number);
+        writeContent(file, original);
+        bool isDone = false;
+        {
+            const FailingHeap heap(number, Refused::kOne);
+            try {
+                PathSetWriter writer(file, Mode::kAppend);
+                writer.add("d");
+                writer.addSet(set);
+                writer.commit();
+                isDone = true;
+            } catch (const std::bad_alloc&) {
+                ++failures;
+            }
+            hasRefused = heap.hasRefused();
+        }
+        ASSERT_EQ(savedPaths(file),
+                  isDone ? (Paths{"a", "b/c", "d", "a", "b/c"}) : (Paths{"a", "b/c"}));
+        ASSERT_EQ(PathSet::open(file).goneCount(), isDone ? 2U : 1U);
+    }
+    EXPECT_GT(failures, 50U);
+}
+
 TEST(FailingWriters, goOnWithAnotherPathWhereOneHadNoRoom) {
     const test_support::TemporaryTree tree;
     const std::string file = tree.pathOf("s.zqp");

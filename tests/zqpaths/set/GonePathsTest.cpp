@@ -112,6 +112,20 @@ TEST(GoneMarks, areWhatWasMarkedLast) {
     expectThese({false, true, false, false, true}, {runs.bytes, runs.goneCount, 5});
 }
 
+TEST(GoneMarks, takeRunsThatFollowAllOthers) {
+    const StoredRuns before({false, true, true});
+    GoneMarks marks;
+    marks.appendGone({4, 4});  // touches 2 to 3
+    marks.appendGone({6, 8});
+    marks.appendGone({10, 10});
+    marks.markPresent(7);
+    marks.markPresent(2);
+    marks.markGone(9);
+    const GoneMarks::Runs runs = marks.appliedTo(before.gone());
+    expectThese({false, false, true, true, false, true, false, true, true, true},
+                {runs.bytes, runs.goneCount, 10});
+}
+
 TEST(GonePaths, areRefusedOrAnsweredWhateverTheRunsSay) {
     constexpr std::uint64_t kCount = 50;
     std::mt19937_64 random(1);
