@@ -50,11 +50,75 @@ std::optional<std::uint64_t> numberIn(const Segment& segment,
         });
 }
 
+void requireSegments(const OpenedSet& set, std::uint64_t first, std::uint64_t count) {
+    if (first <= set.segmentCount() && count <= set.segmentCount() - first) return;
+    throw Error(ErrorKind::kWrongUse, set.name(),
+                "there are no " + std::to_string(count) + " segments after " +
+                    std::to_string(first) + ", the set has " + std::to_string(set.segmentCount()));
+}
+
 void requirePlace(const std::string& file, std::uint64_t place, std::uint64_t count) {
     if (place >= count)
         throw Error(ErrorKind::kWrongUse, file,
                     "there is no place " + std::to_string(place) + " among " +
                         std::to_string(count) + " paths");
+}
+
+/// Calls `search(PatternSearch)` for the parts with some numbers, which are not missing, until it
+/// returns false.
+template <class Search>
+void searchAmong(const OpenedSet& set, const Pattern& pattern, PathNumbers among, Search search) {
+    set.requireNumber(among.first);
+    set.requireNumber(among.last);
+    if (among.last < among.first) return;
+    const SetParts& parts = set.parts();
+    for (std::size_t i = parts.ofNumber(among.first); i <= parts.ofNumber(among.last); ++i) {
+        if (parts[i].isMissing) continue;
+        const PinnedPart part = set.part(i);
+        if (!search(PatternSearch(*part, pattern, among))) return;
+    }
+}
+
+/// The paths of a segment, folder by folder, after so many steps.
+bool walkOne(const Segment& segment, std::uint64_t& step, PathVisitor visit) {
+    std::string text;
+    const auto set = segment.openAnew();
+    segment.translated([&] { set->resetPathsToBTree(); });
+    const auto hasNext = [&] {
+        return segment.translated([&] {
+            if (!set->hasNextPathFromBTree()) return false;
+            set->getNextTextFromBTree(Segment::kSeparatorText, text);
+            return true;
+        });
+    };
+    while (hasNext())
+        if (!visit(++step, pathOfComponents(text))) return false;
+    return true;
+}
+
+/// Does `work()`, and keeps the Error that it throws.
+template <class Work>
+void addDamage(std::vector<Error>& damages, Work work) {
+    try {
+        work();
+    } catch (const Error& damage) {
+        damages.push_back(damage);
+    }
+}
+
+void verifySegments(const OpenedPart& part, const WorkWatcher& watch, std::vector<Error>& damages) {
+    const auto verifyOne = [&](std::size_t i) -> std::optional<Error> {
+        try {
+            part.segments()[i].verify(watch);
+            return std::nullopt;
+        } catch (const Error& damage) {
+            return damage;
+        }
+    };
+    makeInOrder(part.segments().size(), threadCount(), verifyOne,
+                [&](const std::optional<Error>& damage) {
+                    if (damage) damages.push_back(*damage);
+                });
 }
 
 std::u16string utf16(std::string_view bytes) {
@@ -69,6 +133,10 @@ PathSet PathSet::open(const std::string& file) {
     return PathSet(OpenedSet::open(file));
 }
 
+PathSet PathSet::openPartial(const std::string& file) {
+    return PathSet(OpenedSet::openPartial(file));
+}
+
 PathSet::PathSet(std::shared_ptr<const OpenedSet> opened) noexcept : opened_(std::move(opened)) {}
 PathSet::PathSet(const PathSet&) noexcept = default;
 PathSet::PathSet(PathSet&&) noexcept = default;
@@ -81,7 +149,7 @@ const OpenedSet& openedSetOf(const PathSet& set) noexcept {
 }
 
 const std::string& PathSet::file() const noexcept {
-    return opened_->file().path();
+    return opened_->name();
 }
 
 std::uint64_t PathSet::size() const noexcept {
@@ -89,7 +157,11 @@ std::uint64_t PathSet::size() const noexcept {
 }
 
 std::uint64_t PathSet::fingerprint() const noexcept {
-    return opened_->file().state().superblock.directorySum;
+    return opened_->fingerprint();
+}
+
+const std::vector<PathSet::Missing>& PathSet::missing() const noexcept {
+    return opened_->missing();
 }
 
 // --- Paths by their numbers.
@@ -101,24 +173,24 @@ std::string PathSet::path(std::uint64_t number) const {
 }
 
 void PathSet::appendPath(std::uint64_t number, std::string& text) const {
-    opened_->file().requireWhole();
-    opened_->requireNumber(number);
+    opened_->requireWhole();
+    opened_->requirePresent(number);
     opened_->appendPath(number, text);
 }
 
 void PathSet::paths(std::span<const std::uint64_t> numbers, PathVisitor visit) const {
-    opened_->file().requireWhole();
-    for (const std::uint64_t number : numbers) opened_->requireNumber(number);
+    opened_->requireWhole();
+    for (const std::uint64_t number : numbers) opened_->requirePresent(number);
     visitByNumber(*opened_, numbers, visit);
 }
 
 void PathSet::forEach(PathVisitor visit) const {
-    opened_->file().requireWhole();
+    opened_->requireWhole();
     if (size() > 0) visitAll(*opened_, {1, size()}, false, visit);
 }
 
 void PathSet::forEach(std::uint64_t first, std::uint64_t last, PathVisitor visit) const {
-    opened_->file().requireWhole();
+    opened_->requireWhole();
     opened_->requireNumber(first);
     opened_->requireNumber(last);
     visitAll(*opened_, {std::min(first, last), std::max(first, last)}, last < first, visit);
@@ -155,108 +227,125 @@ void PathSet::Iterator::fill() {
     const std::uint64_t first = std::exchange(number_, opened_->size() + 1);
     buffer_.clear();
     ends_.clear();
-    firstOfBuffer_ = first;
-    if (first > opened_->size()) return;
-    opened_->file().requireWhole();
+    const std::optional<PathNumbers> there = opened_->nextThere(first);
+    if (!there) return;
+    opened_->requireWhole();
+    firstOfBuffer_ = there->first;
     PathBuffer paths;
-    opened_->appendPaths({first, first + std::min(kPathsAStep - 1, opened_->size() - first)},
-                         paths);
+    opened_->appendPaths(
+        {there->first, there->first + std::min(kPathsAStep - 1, there->last - there->first)},
+        paths);
     paths.visit([this](std::uint64_t /*number*/, std::string_view path) {
         buffer_.append(path);
         ends_.push_back(buffer_.size());
     });
-    number_ = first;
+    number_ = there->first;
 }
 
 // --- Paths that are gone.
 
 std::uint64_t PathSet::goneCount() const noexcept {
-    return opened_->gone().count();
+    return opened_->parts().goneCount();
 }
 
 std::uint64_t PathSet::presentCount() const noexcept {
-    return opened_->gone().presentCount();
+    return opened_->parts().presentCount();
 }
 
 bool PathSet::isGone(std::uint64_t number) const {
     opened_->requireNumber(number);
-    return opened_->gone().has(number);
+    return opened_->isGone(number);
 }
 
 std::uint64_t PathSet::goneCount(std::uint64_t first, std::uint64_t last) const {
     opened_->requireNumber(first);
     opened_->requireNumber(last);
     if (last < first) return 0;
-    const std::uint64_t after = opened_->gone().countBelow(last + 1);
-    return after - std::min(after, opened_->gone().countBelow(first));  // in a damaged set, too
+    const std::uint64_t after = opened_->goneBelow(last + 1);
+    return after - std::min(after, opened_->goneBelow(first));  // in a damaged set, too
 }
 
 std::uint64_t PathSet::goneNumber(std::uint64_t place) const {
     requirePlace(file(), place, goneCount());
-    return opened_->file().naming([&] { return opened_->gone().goneNumber(place); });
+    return opened_->goneNumber(place);
 }
 
 std::uint64_t PathSet::presentNumber(std::uint64_t place) const {
     requirePlace(file(), place, presentCount());
-    return opened_->file().naming([&] { return opened_->gone().presentNumber(place); });
+    return opened_->presentNumber(place);
 }
 
 // --- Finding.
 
 std::optional<std::uint64_t> PathSet::numberOf(std::string_view path) const {
-    opened_->file().requireWhole();
+    return numberOf(path, 0, segmentCount());
+}
+
+std::optional<std::uint64_t> PathSet::numberOf(std::string_view path, std::uint64_t firstSegment,
+                                               std::uint64_t count) const {
+    opened_->requireWhole();
+    requireSegments(*opened_, firstSegment, count);
     if (path.empty() || path.find('\0') != std::string_view::npos) return std::nullopt;
     const CutPath cut = cutPath(path);
     std::vector<std::u16string> folder(cut.folder.size());
     std::transform(cut.folder.begin(), cut.folder.end(), folder.begin(), utf16);
     const std::u16string fileName = utf16(cut.fileName);
-    for (const zqpaths::Segment& segment : opened_->segments())
-        if (const auto number = numberIn(segment, folder, fileName)) return number;
+    for (std::uint64_t place = firstSegment; place < firstSegment + count; ++place) {
+        if (opened_->parts()[opened_->parts().ofSegment(place)].isMissing) continue;
+        const PinnedSegment segment = opened_->segment(place);
+        if (const auto number = numberIn(*segment, folder, fileName)) return number;
+    }
     return std::nullopt;
 }
 
 void PathSet::under(std::string_view folder, PathVisitor visit) const {
     if (folder.empty()) return forEach(visit);
-    opened_->file().requireWhole();
+    opened_->requireWhole();
     visitPathsUnder(*opened_, folder, visit);
 }
 
 void PathSet::find(const Pattern& pattern, PathVisitor visit) const {
-    opened_->file().requireWhole();
-    PatternSearch(*opened_, pattern).find(visit);
+    if (size() > 0) find(pattern, {1, size()}, visit);
+}
+
+void PathSet::find(const Pattern& pattern, PathNumbers among, PathVisitor visit) const {
+    opened_->requireWhole();
+    searchAmong(*opened_, pattern, among,
+                [&](const PatternSearch& search) { return search.find(visit); });
 }
 
 std::uint64_t PathSet::count(const Pattern& pattern) const {
-    opened_->file().requireWhole();
-    return PatternSearch(*opened_, pattern).count();
+    std::uint64_t total = 0;
+    findNumbers(pattern, [&](std::uint64_t first, std::uint64_t last) {
+        total += last - first + 1;
+        return true;
+    });
+    return total;
 }
 
 void PathSet::findNumbers(
     const Pattern& pattern,
     const std::function<bool(std::uint64_t first, std::uint64_t last)>& visit) const {
-    opened_->file().requireWhole();
-    PatternSearch(*opened_, pattern).findNumbers([&](PathNumbers numbers) {
-        return visit(numbers.first, numbers.last);
+    if (size() > 0) findNumbers(pattern, {1, size()}, visit);
+}
+
+void PathSet::findNumbers(
+    const Pattern& pattern, PathNumbers among,
+    const std::function<bool(std::uint64_t first, std::uint64_t last)>& visit) const {
+    opened_->requireWhole();
+    searchAmong(*opened_, pattern, among, [&](const PatternSearch& search) {
+        return search.findNumbers(
+            [&](PathNumbers numbers) { return visit(numbers.first, numbers.last); });
     });
 }
 
 void PathSet::walk(PathVisitor visit) const {
-    opened_->file().requireWhole();
+    opened_->requireWhole();
     std::uint64_t step = 0;
-    std::string text;
-    for (const zqpaths::Segment& segment : opened_->segments()) {
-        const auto set = segment.openAnew();
-        segment.translated([&] { set->resetPathsToBTree(); });
-        const auto hasNext = [&] {
-            return segment.translated([&] {
-                if (!set->hasNextPathFromBTree()) return false;
-                set->getNextTextFromBTree(zqpaths::Segment::kSeparatorText, text);
-                return true;
-            });
-        };
-        while (hasNext())
-            if (!visit(++step, pathOfComponents(text))) return;
-    }
+    opened_->forEachPart([&](const OpenedPart& part) {
+        return std::ranges::all_of(
+            part.segments(), [&](const auto& segment) { return walkOne(segment, step, visit); });
+    });
 }
 
 // --- The file.
@@ -266,39 +355,56 @@ std::vector<Error> PathSet::verify() const {
 }
 
 std::vector<Error> PathSet::verify(const WorkWatcher& watch) const {
-    const auto& segments = opened_->segments();
+    std::vector<Error> damages;
+    for (std::size_t place = 0; place < fileCount(); ++place)
+        for (Error& damage : verifyFile(place, watch)) damages.push_back(std::move(damage));
+    return damages;
+}
+
+std::vector<Error> PathSet::verifyFile(std::size_t place, const WorkWatcher& watch) const {
+    const std::vector<std::size_t> parts = opened_->parts().ofFile(place);
+    const auto isMissing = [this](std::size_t part) { return opened_->parts()[part].isMissing; };
+    if (!parts.empty() && std::ranges::all_of(parts, isMissing)) return {};
     std::vector<Error> damages;
     try {
-        damages = opened_->file().verifySums(watch);
-    } catch (const Error& damage) {
-        if (damage.kind() != ErrorKind::kDamaged) throw;
-        return {damage};  // too short to be looked into
+        const std::shared_ptr<const SetFile> file = opened_->file(place);
+        damages = file->verifySums(watch);
+        addDamage(damages, [&] { file->naming([&] { gonePathsOf(*file).verify(); }); });
+    } catch (const Error& error) {
+        // A set file that was opened and cannot be read is no damage; one that the set lacks is.
+        if (opened_->onlyFile() != nullptr && error.kind() != ErrorKind::kDamaged) throw;
+        return {error};  // too short to be looked into, or not there
     }
-    try {
-        opened_->file().naming([&] { opened_->gone().verify(); });
-    } catch (const Error& damage) {
-        damages.push_back(damage);
-    }
-    const auto verifyOne = [&](std::size_t i) -> std::optional<Error> {
-        try {
-            segments[i].verify(watch);
-            return std::nullopt;
-        } catch (const Error& damage) {
-            return damage;
-        }
-    };
-    makeInOrder(segments.size(), threadCount(), verifyOne, [&](const std::optional<Error>& damage) {
-        if (damage) damages.push_back(*damage);
-    });
+    for (const std::size_t part : parts)
+        if (!isMissing(part))
+            addDamage(damages, [&] { verifySegments(*opened_->part(part), watch, damages); });
     return damages;
+}
+
+std::size_t PathSet::fileCount() const noexcept {
+    return opened_->fileCount();
+}
+
+std::string PathSet::fileName(std::size_t place) const {
+    return opened_->fileName(place);
+}
+
+std::uint64_t PathSet::segmentCount() const noexcept {
+    return opened_->segmentCount();
 }
 
 std::vector<PathSet::Segment> PathSet::segments() const {
     std::vector<Segment> segments;
-    for (const zqpaths::Segment& segment : opened_->segments()) {
-        const SegmentEntry& entry = segment.entry();
-        segments.push_back({entry.form == SegmentForm::kPacked, segment.firstNumber(),
-                            entry.pathCount, entry.textSize, entry.offset, entry.size});
+    segments.reserve(segmentCount());
+    for (std::size_t i = 0; i < opened_->parts().count(); ++i) {
+        if (opened_->parts()[i].isMissing) continue;
+        const PinnedPart part = opened_->part(i);
+        for (const zqpaths::Segment& segment : part->segments()) {
+            const SegmentEntry& entry = segment.entry();
+            segments.push_back({entry.form == SegmentForm::kPacked, segment.firstNumber(),
+                                entry.pathCount, entry.textSize, opened_->parts()[i].row.file,
+                                entry.offset, entry.size});
+        }
     }
     return segments;
 }

@@ -22,11 +22,11 @@
 // threads of its own for long work and joins them before the call returns, so that a process may
 // fork between calls.
 //
-// The file may also be a set of sets, a manifest that names set files (manifest/SetManifestWriter.hpp
-// makes one): numbers run through them. Opening reads the manifest alone; the files are mapped when
-// they are first needed, at most 1,024 at a time. One that is missing or was changed since is an
-// Error that names it, kNotFound or kDamaged, from the call that needs it; openPartial reads what is
-// there.
+// The file may also be a set of sets, a manifest that names set files
+// (manifest/SetManifestWriter.hpp makes one): numbers run through them. Opening reads the manifest
+// alone; the files are mapped when they are first needed, at most 1,024 at a time. One that is
+// missing or was changed since is an Error that names it, kNotFound or kDamaged, from the call that
+// needs it; openPartial reads what is there.
 //
 // A file that others change while it is open gives an error or the right path. Its size is looked
 // at once a call; one that is cut short in the midst of a call can end the process with SIGBUS,
@@ -67,9 +67,10 @@ public:
     static PathSet open(const std::string& file);
 
     /// Opens a set of sets as far as its files are there and are those that it was made of; of what
-    /// is not, missing() tells. Paths keep their numbers. Whatever goes through the paths passes over
-    /// those that are missing; what asks for one of them by its number throws the Error that says
-    /// why. Reads the directories of all files; any other set is opened as by open(). O(segments).
+    /// is not, missing() tells. Paths keep their numbers. Whatever goes through the paths passes
+    /// over those that are missing; what asks for one of them by its number throws the Error that
+    /// says why. Reads the directories of all files; any other set is opened as by open().
+    /// O(segments).
     static PathSet openPartial(const std::string& file);
 
     /// Copies share what is opened.
@@ -90,8 +91,8 @@ public:
     /// that damage of the segments is not seen.
     std::uint64_t fingerprint() const noexcept;
 
-    /// Paths that cannot be read, neighbours as one range, in their order; none unless the set was
-    /// opened by openPartial.
+    /// Paths that cannot be read, in the order of their numbers; none unless the set was opened by
+    /// openPartial.
     struct Missing {
         std::uint64_t firstNumber;
         std::uint64_t lastNumber;
@@ -131,8 +132,9 @@ public:
     /// below first.
     std::uint64_t goneCount(std::uint64_t first, std::uint64_t last) const;
 
-    /// The number at a place, from 0 on, among those that are gone, or among those counted as present: any choice
-    /// of them takes no memory. Throws Error kWrongUse for a place that there is not.
+    /// The number at a place, from 0 on, among those that are gone, or among those counted as
+    /// present: any choice of them takes no memory. Throws Error kWrongUse for a place that there
+    /// is not.
     std::uint64_t goneNumber(std::uint64_t place) const;
     std::uint64_t presentNumber(std::uint64_t place) const;
 
@@ -143,9 +145,9 @@ public:
     std::optional<std::uint64_t> numberOf(std::string_view path) const;
     bool contains(std::string_view path) const { return numberOf(path).has_value(); }
 
-    /// The same among the paths of some neighbouring segments, the first of which is at a place from
-    /// 0 on: several processes can look through a large set together. Throws Error kWrongUse if
-    /// there are fewer.
+    /// The same among the paths of some neighbouring segments, the first of which is at a place
+    /// from 0 on: several processes can look through a large set together. Throws Error kWrongUse
+    /// if there are fewer.
     std::optional<std::uint64_t> numberOf(std::string_view path, std::uint64_t firstSegment,
                                           std::uint64_t segmentCount) const;
 

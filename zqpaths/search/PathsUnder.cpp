@@ -47,7 +47,8 @@ public:
             above = foldersNamed(above, names_[level]);
         std::vector<Positions> found;
         appendPositionsBelow(foldersNamed(above, names_.back()), found);
-        appendFilesNamed(names_.size() > 1 ? above : withoutFolder(), names_.back(), found);
+        if (names_.size() == 1) above = withoutFolder();
+        appendFilesNamed(above, names_.back(), found);
         std::sort(found.begin(), found.end(),
                   [](const Positions& a, const Positions& b) { return a.first < b.first; });
         return found;
@@ -131,26 +132,33 @@ std::vector<Slice> slicesOf(const std::vector<Positions>& all) {
     return slices;
 }
 
+/// False if `visit` has said to stop.
+bool visitUnderIn(const Segment& segment, const PathScope& scope,
+                  const std::vector<std::u16string>& names, PathVisitor visit) {
+    const std::vector<Slice> slices = slicesOf(segment.read(
+        [&](const HuffmanPathTree& paths) { return FolderSearch(paths, names).candidates(); }));
+    const auto read = [&](std::size_t i) {
+        PathBuffer paths;
+        for (const Positions& positions : slices[i].positions)
+            segment.forEachPath(positions, [&](std::size_t position, std::string_view path) {
+                if (scope.contains(path)) paths.append(segment.numberOf(position), path);
+            });
+        return paths;
+    };
+    return makeInOrder(slices.size(), threadsFor(slices.size() * kPathsPerPiece), read,
+                       [visit](const PathBuffer& paths) { return paths.visit(visit); });
+}
+
 }  // namespace
 
 void visitPathsUnder(const OpenedSet& set, std::string_view folder, PathVisitor visit) {
     const PathScope scope{std::string(folder)};
     const std::vector<std::u16string> names = namesOf(folder);
-    for (const Segment& segment : set.segments()) {
-        const std::vector<Slice> slices = slicesOf(segment.read(
-            [&](const HuffmanPathTree& paths) { return FolderSearch(paths, names).candidates(); }));
-        const auto read = [&](std::size_t i) {
-            PathBuffer paths;
-            for (const Positions& positions : slices[i].positions)
-                segment.forEachPath(positions, [&](std::size_t position, std::string_view path) {
-                    if (scope.contains(path)) paths.append(segment.numberOf(position), path);
-                });
-            return paths;
-        };
-        if (!makeInOrder(slices.size(), threadsFor(slices.size() * kPathsPerPiece), read,
-                         [&](const PathBuffer& paths) { return paths.visit(visit); }))
-            return;
-    }
+    set.forEachPart([&](const OpenedPart& part) {
+        return std::ranges::all_of(part.segments(), [&](const Segment& segment) {
+            return visitUnderIn(segment, scope, names, visit);
+        });
+    });
 }
 
 }  // namespace zqpaths

@@ -54,34 +54,27 @@ private:
     std::vector<Candidates> list_;
 };
 
-PatternSearch::PatternSearch(const OpenedSet& set, const Pattern& pattern)
-    : matching_(*pattern.matching_) {
+PatternSearch::PatternSearch(const OpenedPart& part, const Pattern& pattern, PathNumbers among)
+    : matching_(*pattern.matching_), among_(among) {
     appendUtf16(matching_.piece.text, piece_);
     // No path holds NUL, but the component of no folder does.
     isAllPiece_ = matching_.fixedText == matching_.piece.text &&
                   matching_.piece.text.find('\0') == std::string::npos;
-    for (const Segment& segment : set.segments()) segments_.emplace_back(segment);
+    for (const Segment& segment : part.segments())
+        if (segment.lastNumber() >= among.first && segment.firstNumber() <= among.last)
+            segments_.emplace_back(segment);
 }
 
-void PatternSearch::find(PathVisitor visit) const {
+bool PatternSearch::find(PathVisitor visit) const {
     const std::vector<Slice> all = slices();
-    makeInOrder(
+    return makeInOrder(
         all.size(), threadCount(), [&](std::size_t i) { return matchesIn(all[i]); },
         [&](const PathBuffer& paths) { return paths.visit(visit); });
 }
 
-std::uint64_t PatternSearch::count() const {
-    std::uint64_t total = 0;
-    findNumbers([&](PathNumbers numbers) {
-        total += numbers.last - numbers.first + 1;
-        return true;
-    });
-    return total;
-}
-
-void PatternSearch::findNumbers(const std::function<bool(PathNumbers numbers)>& visit) const {
+bool PatternSearch::findNumbers(const std::function<bool(PathNumbers numbers)>& visit) const {
     const std::vector<Slice> all = slices();
-    makeInOrder(
+    return makeInOrder(
         all.size(), threadCount(), [&](std::size_t i) { return numbersIn(all[i]); },
         [&](const std::vector<PathNumbers>& ranges) { return std::ranges::all_of(ranges, visit); });
 }
@@ -89,11 +82,13 @@ void PatternSearch::findNumbers(const std::function<bool(PathNumbers numbers)>& 
 std::vector<PatternSearch::Slice> PatternSearch::slices() const {
     std::vector<Slice> slices;
     for (const SearchedSegment& in : segments_) {
-        const std::size_t size = in.segment->entry().pathCount;
-        for (std::size_t before = 0; before < size;) {
-            const std::size_t last = before + std::min(kPathsASlice, size - before);
-            slices.push_back({&in, {before + 1, last}});
-            before = last;
+        const Segment& segment = *in.segment;
+        const std::size_t end = segment.positionOf(std::min(among_.last, segment.lastNumber())) + 1;
+        for (std::size_t first = segment.positionOf(std::max(among_.first, segment.firstNumber()));
+             first < end;) {
+            const std::size_t count = std::min(kPathsASlice, end - first);
+            slices.push_back({&in, {first, first + count - 1}});
+            first += count;
         }
     }
     return slices;

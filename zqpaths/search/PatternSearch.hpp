@@ -1,7 +1,7 @@
 #pragma once
-// PatternSearch finds the paths of a set that match a pattern:
+// PatternSearch finds the paths of a part of a set that match a pattern, among some numbers:
 //
-//     PatternSearch(opened, Pattern::text("lib")).find([](std::uint64_t number, auto path) { ...
+//     PatternSearch(part, Pattern::text("lib"), {1, 1000}).find([](auto number, auto path) { ...
 //     });
 //
 // What a matching path must hold, the pattern's longest piece, is looked for in the coded names of
@@ -32,25 +32,26 @@
 #include <vector>
 
 #include "compressedpaths/store/Lazy.hpp"
+#include "zqpaths/PathSet.hpp"
 #include "zqpaths/PathVisitor.hpp"
 #include "zqpaths/Pattern.hpp"
 #include "zqpaths/search/PatternMatching.hpp"
-#include "zqpaths/set/OpenedSet.hpp"
+#include "zqpaths/set/OpenedPart.hpp"
+#include "zqpaths/set/PathBuffer.hpp"
 
 namespace zqpaths {
 
 class PatternSearch {
 public:
-    /// Both outlive the search.
-    PatternSearch(const OpenedSet& set, const Pattern& pattern);
+    /// Part and pattern outlive the search.
+    PatternSearch(const OpenedPart& part, const Pattern& pattern, PathNumbers among);
 
-    /// The paths that match, in the order of their numbers. Throws Error kDamaged.
-    void find(PathVisitor visit) const;
-    std::uint64_t count() const;
+    /// The paths that match, in the order of their numbers, until `visit` says to stop; false then.
+    /// Throws Error kDamaged.
+    bool find(PathVisitor visit) const;
 
-    /// The numbers of these paths, neighbours as one range, until `visit` says to stop. Decodes
-    /// what is to be tested alone. Throws Error kDamaged.
-    void findNumbers(const std::function<bool(PathNumbers numbers)>& visit) const;
+    /// The numbers of these paths, neighbours as one range. Decodes what is to be tested alone.
+    bool findNumbers(const std::function<bool(PathNumbers numbers)>& visit) const;
 
 private:
     using Positions = Segment::Positions;
@@ -88,6 +89,7 @@ private:
     const Pattern::Matching& matching_;
     std::u16string piece_;
     bool isAllPiece_;  // what holds the piece matches
+    PathNumbers among_;
     std::deque<SearchedSegment> segments_;
 };
 

@@ -1,8 +1,10 @@
 #include "zqpaths/set/OpenedSet.hpp"
 
+#include <fcntl.h>
+
 #include <algorithm>
+#include <array>
 #include <utility>
-#include <vector>
 
 namespace zqpaths {
 namespace {
@@ -26,50 +28,161 @@ std::size_t sizeOfRange(std::span<const std::uint64_t> numbers) {
     return size;
 }
 
+/// The text of a file.
+std::string textOf(const SystemFile& file) {
+    std::string text(file.size(), '\0');
+    text.resize(file.readAt(0, std::as_writable_bytes(std::span(text))));
+    return text;
+}
+
+/// A whole set file as a row.
+ManifestRow rowOf(const SetFile& file) {
+    return {0, 0, file.segments().size(), file.pathCount(), gonePathsOf(file).count()};
+}
+
 }  // namespace
 
+// --- Opening.
+
 std::shared_ptr<const OpenedSet> OpenedSet::open(const std::string& file) {
-    return std::make_shared<const OpenedSet>(SetFile::open(file));
+    return openAny(file);
 }
 
-OpenedSet::OpenedSet(std::shared_ptr<const SetFile> file) : file_(std::move(file)) {
-    std::uint64_t next = 1;
-    for (const SegmentEntry& entry : file_->segments()) {
-        segments_.emplace_back(file_, entry, next);
-        next += entry.pathCount;
-    }
-    const std::optional<BlockEntry>& block = file_->state().directory.gone;
-    gone_ = GonePaths(file_->bytesOf(block), block ? block->count : 0, size());
+std::shared_ptr<const OpenedSet> OpenedSet::openPartial(const std::string& file) {
+    const std::shared_ptr<OpenedSet> opened = openAny(file);
+    if (opened->opened_) opened->findMissing();
+    return opened;
 }
+
+/// Most sets are set files; only one that is none is looked at as a manifest.
+std::shared_ptr<OpenedSet> OpenedSet::openAny(const std::string& file) {
+    try {
+        return std::shared_ptr<OpenedSet>(new OpenedSet(SetFile::open(file)));
+    } catch (const Error& error) {
+        if (error.kind() != ErrorKind::kNotASet) throw;
+        SystemFile other = SystemFile::open(file, O_RDONLY | O_NONBLOCK, file);
+        requireRegularFile(other);
+        std::array<std::byte, kTellingFront> front{};
+        const std::size_t size = other.readAt(0, front);
+        if (!beginsLikeManifest({reinterpret_cast<const char*>(front.data()), size})) throw;
+        try {
+            return std::shared_ptr<OpenedSet>(new OpenedSet(file, decodeManifest(textOf(other))));
+        } catch (const Error& refusal) {
+            throw Error(refusal.kind(), file, refusal.what());
+        }
+    }
+}
+
+OpenedSet::OpenedSet(std::shared_ptr<const SetFile> file)
+    : name_(file->path()),
+      fingerprint_(file->state().superblock.directorySum),
+      parts_(std::vector{rowOf(*file)}),
+      onlyFile_(std::move(file)) {
+    only_.emplace(onlyFile_, parts_[0]);
+}
+
+OpenedSet::OpenedSet(std::string name, SetManifest manifest)
+    : name_(std::move(name)), fingerprint_(fingerprintOf(manifest)), parts_(manifest.rows) {
+    opened_.emplace(name_, std::move(manifest.files), parts_);
+}
+
+void OpenedSet::findMissing() {
+    std::vector<std::size_t> places;
+    for (std::size_t i = 0; i < parts_.count(); ++i) {
+        try {
+            static_cast<void>(opened_->pin(i));
+        } catch (const Error& error) {
+            places.push_back(i);
+            missing_.push_back({parts_[i].firstNumber, parts_[i].lastNumber(), error});
+        }
+    }
+    parts_.markMissing(places);
+}
+
+// --- Segments.
+
+PinnedSegment OpenedSet::segment(std::uint64_t place) const {
+    const std::size_t i = parts_.ofSegment(place);
+    const PinnedPart pinned = part(i);
+    return {pinned, pinned->segments()[place - parts_[i].segmentsBefore]};
+}
+
+PinnedSegment OpenedSet::segmentOf(std::uint64_t number) const {
+    const PinnedPart pinned = part(parts_.ofNumber(number));
+    return {pinned, pinned->segmentOf(number)};
+}
+
+std::vector<ManifestRow> OpenedSet::manifestRows(std::uint64_t firstSegment,
+                                                 std::uint64_t count) const {
+    std::vector<ManifestRow> rows;
+    const std::uint64_t end = firstSegment + count;
+    while (firstSegment < end) {
+        const SetPart& own = parts_[parts_.ofSegment(firstSegment)];
+        const std::uint64_t skipped = firstSegment - own.segmentsBefore;
+        ManifestRow row = own.row;
+        row.segmentCount = std::min(end, own.segmentsBefore + row.segmentCount) - firstSegment;
+        firstSegment += row.segmentCount;
+        if (row.segmentCount < own.row.segmentCount) {
+            const PinnedPart pinned = part(parts_.ofSegment(own.segmentsBefore));
+            const Segment& first = pinned->segments()[skipped];
+            const Segment& last = pinned->segments()[skipped + row.segmentCount - 1];
+            row.firstSegment += skipped;
+            row.pathCount = last.lastNumber() - first.firstNumber() + 1;
+            row.goneCount =
+                pinned->goneBelow(last.lastNumber() + 1) - pinned->goneBelow(first.firstNumber());
+        }
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+// --- Numbers.
 
 void OpenedSet::requireNumber(std::uint64_t number) const {
     if (number >= 1 && number <= size()) return;
-    throw Error(ErrorKind::kWrongUse, file_->path(),
+    throw Error(ErrorKind::kWrongUse, name_,
                 "there is no path number " + std::to_string(number) + ", the set has " +
                     std::to_string(size()));
 }
 
-const Segment& OpenedSet::segmentOf(std::uint64_t number) const noexcept {
-    return *std::partition_point(
-        segments_.begin(), segments_.end(),
-        [number](const Segment& segment) { return segment.lastNumber() < number; });
+void OpenedSet::requirePresent(std::uint64_t number) const {
+    requireNumber(number);
+    const auto missing = firstMissingUpFrom(number);
+    if (missing != missing_.end() && missing->firstNumber <= number) throw Error(missing->reason);
+}
+
+std::vector<PathSet::Missing>::const_iterator OpenedSet::firstMissingUpFrom(
+    std::uint64_t number) const noexcept {
+    return std::ranges::partition_point(
+        missing_, [number](const auto& missing) { return missing.lastNumber < number; });
+}
+
+std::optional<PathNumbers> OpenedSet::nextThere(std::uint64_t number) const noexcept {
+    auto missing = firstMissingUpFrom(number);
+    for (; missing != missing_.end() && missing->firstNumber <= number; ++missing)
+        number = missing->lastNumber + 1;
+    if (number > size()) return std::nullopt;
+    return PathNumbers{number, missing != missing_.end() ? missing->firstNumber - 1 : size()};
 }
 
 void OpenedSet::appendPath(std::uint64_t number, std::string& text) const {
-    const Segment& segment = segmentOf(number);
-    segment.appendPath(segment.positionOf(number), text);
+    const PinnedSegment segment = segmentOf(number);
+    segment->appendPath(segment->positionOf(number), text);
 }
 
 void OpenedSet::appendPaths(PathNumbers numbers, PathBuffer& paths) const {
-    while (numbers.first <= numbers.last) {
-        const Segment& segment = segmentOf(numbers.first);
-        const std::uint64_t last = std::min(numbers.last, segment.lastNumber());
+    for (auto there = nextThere(numbers.first); there && there->first <= numbers.last;
+         there = nextThere(numbers.first)) {
+        numbers.first = there->first;
+        const PinnedSegment segment = segmentOf(numbers.first);
+        const std::uint64_t last = std::min(numbers.last, segment->lastNumber());
         const std::uint64_t count = last - numbers.first + 1;
-        paths.reserve(paths.size() + count, paths.textSize() + count * likelySize(segment.entry()));
-        segment.forEachPath({segment.positionOf(numbers.first), segment.positionOf(last)},
-                            [&](std::size_t position, std::string_view path) {
-                                paths.append(segment.numberOf(position), path);
-                            });
+        paths.reserve(paths.size() + count,
+                      paths.textSize() + count * likelySize(segment->entry()));
+        segment->forEachPath({segment->positionOf(numbers.first), segment->positionOf(last)},
+                             [&](std::size_t position, std::string_view path) {
+                                 paths.append(segment->numberOf(position), path);
+                             });
         numbers.first = last + 1;
     }
 }
@@ -93,16 +206,41 @@ void OpenedSet::appendPaths(std::span<const std::uint64_t> numbers, PathBuffer& 
 void OpenedSet::appendScattered(std::span<const std::uint64_t> numbers, PathBuffer& paths) const {
     std::vector<std::size_t> positions;
     for (auto next = numbers.begin(); next != numbers.end();) {
-        const Segment& segment = segmentOf(*next);
+        const PinnedSegment segment = segmentOf(*next);
         positions.clear();
-        for (; next != numbers.end() && *next <= segment.lastNumber(); ++next)
-            positions.push_back(segment.positionOf(*next));
-        paths.reserve(0, paths.textSize() + positions.size() * likelySize(segment.entry()));
-        segment.forEachPath(std::span<const std::size_t>(positions),
-                            [&](std::size_t position, std::string_view path) {
-                                paths.append(segment.numberOf(position), path);
-                            });
+        for (; next != numbers.end() && *next <= segment->lastNumber(); ++next)
+            positions.push_back(segment->positionOf(*next));
+        paths.reserve(0, paths.textSize() + positions.size() * likelySize(segment->entry()));
+        segment->forEachPath(std::span<const std::size_t>(positions),
+                             [&](std::size_t position, std::string_view path) {
+                                 paths.append(segment->numberOf(position), path);
+                             });
     }
+}
+
+// --- Paths that are gone.
+
+bool OpenedSet::isGone(std::uint64_t number) const {
+    const std::size_t i = parts_.ofNumber(number);
+    return parts_[i].goneCount() > 0 && part(i)->isGone(number);
+}
+
+std::uint64_t OpenedSet::goneBelow(std::uint64_t number) const {
+    if (number > size()) return parts_.goneCount();
+    const std::size_t i = parts_.ofNumber(number);
+    return parts_[i].goneBefore + (parts_[i].goneCount() > 0 ? part(i)->goneBelow(number) : 0);
+}
+
+std::uint64_t OpenedSet::goneNumber(std::uint64_t place) const {
+    const std::size_t i = parts_.ofGone(place);
+    return part(i)->goneNumber(place - parts_[i].goneBefore);
+}
+
+std::uint64_t OpenedSet::presentNumber(std::uint64_t place) const {
+    const std::size_t i = parts_.ofPresent(place);
+    const std::uint64_t inPart = place - parts_[i].presentBefore;
+    return parts_[i].goneCount() > 0 ? part(i)->presentNumber(inPart)
+                                     : parts_[i].firstNumber + inPart;
 }
 
 }  // namespace zqpaths

@@ -118,24 +118,23 @@ SetStatistics statisticsOf(const PathSet& set, std::size_t folderLimit) {
     const OpenedSet& opened = openedSetOf(set);
     SetStatistics statistics;
     statistics.pathCount = set.size();
-    statistics.segmentCount = opened.segments().size();
     statistics.codedCount = statistics.codedBits = 0;
     SetFolders folders(opened);
     std::set<char16_t> characters;
-    for (std::size_t i = 0; i < opened.segments().size(); ++i) {
-        const Segment& segment = opened.segments()[i];
-        statistics.textSize += segment.entry().textSize;
-        segment.read([&](const HuffmanPathTree& paths) {
-            folders.add(i, paths);
+    forEachSegment(opened, [&](std::uint64_t place, const PinnedSegment& segment) {
+        ++statistics.segmentCount;
+        statistics.textSize += segment->entry().textSize;
+        segment->read([&](const HuffmanPathTree& paths) {
+            folders.add(place, segment, paths);
             addCode(paths, statistics, characters);
         });
-        if (segment.entry().form == SegmentForm::kPacked) {
+        if (segment->entry().form == SegmentForm::kPacked) {
             ++statistics.packedCount;
-            statistics.bytes.packed += segment.entry().size;
+            statistics.bytes.packed += segment->entry().size;
         } else {
-            addImage(opened.file().bytesOf(segment.entry()), statistics.bytes);
+            addImage(segment.part().file().bytesOf(segment->entry()), statistics.bytes);
         }
-    }
+    });
     statistics.characterCount = characters.size();
     fill(statistics, folders, folderLimit);
     return statistics;

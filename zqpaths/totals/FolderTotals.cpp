@@ -12,9 +12,9 @@ namespace zqpaths {
 class FolderTotals::Work {
 public:
     explicit Work(const PathSet& set) : set_(set), folders_(openedSetOf(set)) {
-        const auto& segments = openedSetOf(set).segments();
-        for (std::size_t i = 0; i < segments.size(); ++i)
-            segments[i].read([&](const auto& paths) { folders_.add(i, paths); });
+        forEachSegment(openedSetOf(set), [&](std::uint64_t place, const PinnedSegment& segment) {
+            segment->read([&](const auto& paths) { folders_.add(place, segment, paths); });
+        });
         folders_.finish();
         addUp();
     }

@@ -26,26 +26,26 @@ std::size_t lengthOfName(std::basic_string_view<Character> component) {
 
 }  // namespace
 
-void SetFolders::add(std::size_t segment, const HuffmanPathTree& set) {
+void SetFolders::add(std::uint64_t place, const PinnedSegment& segment,
+                     const HuffmanPathTree& set) {
     std::vector<std::size_t> places(set.folderCount(), kTop);
     for (std::size_t id = 1; id < places.size(); ++id) {
         const FolderId folder{static_cast<std::uint32_t>(id)};
         // A parent comes before its folders, unless the image is damaged.
         const auto parent = std::min(static_cast<std::size_t>(set.parentOf(folder)), id - 1);
-        places[id] = findOrAdd(places[parent], static_cast<std::uint32_t>(segment), folder,
+        places[id] = findOrAdd(places[parent], static_cast<std::uint32_t>(place), folder,
                                set.nameOf(folder));
     }
     if (set.size() == 0) return;
-    const GonePaths& gone = opened_.gone();
-    const Segment& own = opened_.segments()[segment];
+    const bool isAnyGone = opened_.parts().goneCount() > 0;
     set.forEachEntry({1, set.size()}, [&](FolderId id, HuffmanPathTree::NumberRange numbers) {
         ++entryCount_;
         Folder& folder = folders_[places.at(static_cast<std::size_t>(id))];
         const std::uint64_t count = numbers.last - numbers.first + 1;
         folder.fileCount += count;
-        if (gone.count() == 0) return;
-        const std::uint64_t below = gone.countBelow(own.numberOf(numbers.first));
-        const std::uint64_t upTo = gone.countBelow(own.numberOf(numbers.last) + 1);
+        if (!isAnyGone) return;
+        const std::uint64_t below = segment.part().goneBelow(segment->numberOf(numbers.first));
+        const std::uint64_t upTo = segment.part().goneBelow(segment->numberOf(numbers.last) + 1);
         folder.goneCount += std::min(upTo - std::min(upTo, below), count);  // marks may be damaged
     });
 }
@@ -75,9 +75,9 @@ std::size_t SetFolders::findOrAdd(std::size_t parent, std::uint32_t segment, Fol
 
 std::string SetFolders::componentOf(std::size_t place) const {
     const Folder& folder = folders_[place];
-    const Segment& segment = opened_.segments()[folder.segment];
+    const PinnedSegment segment = opened_.segment(folder.segment);
     std::string component;
-    segment.read(
+    segment->read(
         [&](const HuffmanPathTree& set) { appendBytes(set.nameOf(folder.id), component); });
     return component;
 }

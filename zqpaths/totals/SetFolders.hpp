@@ -3,8 +3,9 @@
 // with how many files it has in all of them.
 //
 //     SetFolders folders(opened);
-//     for (std::size_t i = 0; i < opened.segments().size(); ++i)
-//         opened.segments()[i].read([&](const auto& set) { folders.add(i, set); });
+//     forEachSegment(opened, [&](std::uint64_t place, const PinnedSegment& segment) {
+//         segment->read([&](const auto& set) { folders.add(place, segment, set); });
+//     });
 //     folders.all()[SetFolders::kTop].fileCount;  // paths without folder
 //
 // Folders have places from 0 on, that of a folder after that of the one it is in. How many
@@ -32,7 +33,7 @@ public:
     static constexpr std::size_t kTop = 0;
 
     struct Folder {
-        std::uint32_t segment = 0;  // in which it was met first, and as which
+        std::uint32_t segment = 0;  // its place, in which it was met first, and as which
         compressedpaths::FolderId id{};
         std::size_t parent = kTop;
         std::uint64_t depth = 0;  // names from the top to it
@@ -46,9 +47,11 @@ public:
     /// `opened` outlives it.
     explicit SetFolders(const OpenedSet& opened) : opened_(opened), folders_(1) {}
 
-    /// Takes the folders of a segment, whose set it is, and how many files it has in each. Each
-    /// segment is taken once. Throws what the core throws for damage. O(folders + entries).
-    void add(std::size_t segment, const compressedpaths::HuffmanPathTree& set);
+    /// Takes the folders of the segment at a place, whose set it is, and how many files it has in
+    /// each. Each segment is taken once. Throws what the core throws for damage. O(folders +
+    /// entries).
+    void add(std::uint64_t place, const PinnedSegment& segment,
+             const compressedpaths::HuffmanPathTree& set);
 
     /// Makes room: no more segments are taken after that. O(folders).
     void finish();
@@ -76,5 +79,18 @@ private:
     std::unordered_map<std::uint64_t, std::size_t> places_;
     std::uint64_t entryCount_ = 0;
 };
+
+/// Calls `visit(place, segment)` for the segments that are not missing. Throws Error as
+/// OpenedParts::pin.
+template <class Visit>
+void forEachSegment(const OpenedSet& opened, Visit visit) {
+    for (std::size_t i = 0; i < opened.parts().count(); ++i) {
+        if (opened.parts()[i].isMissing) continue;
+        const PinnedPart part = opened.part(i);
+        std::uint64_t place = opened.parts()[i].segmentsBefore;
+        for (const Segment& segment : part->segments())
+            visit(place++, PinnedSegment(part, segment));
+    }
+}
 
 }  // namespace zqpaths

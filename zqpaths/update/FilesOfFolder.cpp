@@ -23,7 +23,7 @@ std::vector<std::u16string> componentsOf(std::string_view folder) {
 std::vector<FileOfFolder> filesOfFolder(const OpenedSet& set, std::string_view folder) {
     const std::vector<std::u16string> components = componentsOf(folder);
     std::vector<FileOfFolder> files;
-    for (const Segment& segment : set.segments()) {
+    const auto addFrom = [&](const Segment& segment) {
         const auto ranges = segment.read([&](const HuffmanPathTree& paths) {
             const auto id = paths.folderOf(components);
             return id ? paths.entriesOf(*id) : std::vector<Segment::Positions>();
@@ -34,7 +34,9 @@ std::vector<FileOfFolder> filesOfFolder(const OpenedSet& set, std::string_view f
                     files.push_back(
                         {std::string(path.substr(folder.size())), segment.numberOf(position)});
             });
-    }
+    };
+    set.forEachPart(
+        [&](const OpenedPart& part) { std::ranges::for_each(part.segments(), addFrom); });
     // Those of one name stay in the order in which the segments gave them.
     std::ranges::stable_sort(files, {}, &FileOfFolder::name);
     return files;

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdio>
 
-#include "tools/zqpaths/output/Base64.hpp"
 #include "tools/zqpaths/output/TerminalCharacters.hpp"
+#include "zqpaths/text/Base64.hpp"
 #include "zqpaths/text/PathText.hpp"
 
 namespace zqpaths::program {

@@ -4,7 +4,7 @@
 #include <functional>
 #include <map>
 
-#include "tools/zqpaths/output/Base64.hpp"
+#include "zqpaths/text/Base64.hpp"
 
 // Compilers need take no more than 64 KiB for a text; those that build this take any length.
 #pragma GCC diagnostic ignored "-Woverlength-strings"

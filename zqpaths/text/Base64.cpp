@@ -1,10 +1,10 @@
-#include "tools/zqpaths/output/Base64.hpp"
+#include "zqpaths/text/Base64.hpp"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
-namespace zqpaths::program {
+namespace zqpaths {
 namespace {
 
 constexpr std::string_view kDigits =
@@ -30,4 +30,23 @@ std::string toBase64(std::string_view bytes) {
     return digits;
 }
 
-}  // namespace zqpaths::program
+std::optional<std::string> fromBase64(std::string_view digits) {
+    std::string bytes;
+    bytes.reserve(digits.size() / kGroupDigits * kGroupBytes);
+    std::uint32_t bits = 0;
+    unsigned bitCount = 0;  // of those that make no byte yet
+    for (const char digit : digits.substr(0, digits.find('='))) {
+        const std::size_t value = kDigits.find(digit);
+        if (value == std::string_view::npos) return std::nullopt;
+        bits = bits << kDigitBits | static_cast<std::uint32_t>(value);
+        bitCount += kDigitBits;
+        if (bitCount < 8) continue;
+        bitCount -= 8;
+        bytes.push_back(static_cast<char>(bits >> bitCount & 0xFF));
+    }
+    // The padding and the bits that are left over have to be what they are in what we write.
+    if (toBase64(bytes) != digits) return std::nullopt;
+    return bytes;
+}
+
+}  // namespace zqpaths
