@@ -78,5 +78,5 @@ function(zq_find_libraries_from target folder component)
         COMPONENT ${component})
 endfunction()
 
-install(FILES LICENSE docs/zqp.md docs/image.md docs/format.md
+install(FILES LICENSE docs/zqp.md docs/zqs.md docs/image.md docs/format.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents)
