@@ -36,7 +36,8 @@ public:
     enum class Mode {
         kCreate,   // a new file; refuses one that is there
         kReplace,  // a new file, in the place of one that may be there
-        kAppend,   // after the paths of a set that is there
+        kAppend,   // after the paths of a set that is there; what is added to a set of sets,
+                   // all.zqs, is in a new set file, all.zqs.d/added-N.zqp, that it then has
     };
 
     /// How paths are kept: to be opened at once, or as small as can be, to be inflated by whoever
@@ -63,9 +64,14 @@ public:
     /// file).
     void addSet(const PathSet& set);
 
+    /// The same for the paths of some neighbouring segments, the first of which is at a place from
+    /// 0 on. Throws as addSet, kWrongUse if there are fewer, and the writer is then as it was.
+    void addSegments(const PathSet& set, std::uint64_t firstSegment, std::uint64_t segmentCount);
+
     /// Marks the path with a number that the set has, or will have, as gone: the file that it leads
     /// to is there no more, and it keeps its number; or as one that is there again. The last mark
-    /// of a number counts. Throws as add does, kWrongUse for other numbers. Amortised O(1).
+    /// of a number counts. Throws as add does, kWrongUse for other numbers; those that a set of
+    /// sets had before are such. Amortised O(1).
     void markGone(std::uint64_t number);
     void markPresent(std::uint64_t number);
 

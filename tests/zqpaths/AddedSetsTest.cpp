@@ -16,6 +16,7 @@
 #include "tests/zqpaths/SavedPaths.hpp"
 #include "tests/zqpaths/set/OddPaths.hpp"
 #include "zqpaths/PathSetWriter.hpp"
+#include "zqpaths/manifest/SetManifestWriter.hpp"
 #include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths {
@@ -195,6 +196,55 @@ TEST_F(AddedSets, leaveTheFileAsItWasWhereTheyHaveNoRoom) {
         EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kSystem);
     }
     EXPECT_EQ(contentOf(out_), before);
+}
+
+TEST_F(AddedSets, areTakenInPiecesWithTheirMarks) {
+    const std::string set = made("a.zqp", {"p", "q", "r"}, {1, 3});
+    {
+        PathSetWriter writer(set, Mode::kAppend);
+        for (const char* const path : {"s", "t"}) writer.add(path);
+        writer.markGone(5);
+        writer.commit();
+    }
+    const PathSet added = PathSet::open(set);
+    PathSetWriter writer(out_);
+    writer.addSegments(added, 1, 1);
+    writer.addSegments(added, 0, 0);
+    writer.addSegments(added, 0, 1);
+    EXPECT_EQ(errorOf([&] { writer.addSegments(added, 1, 2); }).kind(), ErrorKind::kWrongUse);
+    writer.commit();
+    EXPECT_EQ(savedPaths(out_), (Paths{"s", "t", "p", "q", "r"}));
+    EXPECT_EQ(goneNow(), (Numbers{2, 3, 5}));
+}
+
+TEST_F(AddedSets, areTakenFromSetsOfSetsButNotWithoutAFileOfTheirs) {
+    made("a.zqp", {"p", "q"}, {2});
+    const std::string second = made("b.zqp", {"r"}, {1});
+    const std::string all = tree_.pathOf("all.zqs");
+    {
+        SetManifestWriter manifest(all);
+        manifest.addSet(second);
+        manifest.addSet(tree_.pathOf("a.zqp"));
+        manifest.addSet(second);
+        manifest.commit();
+    }
+    {
+        PathSetWriter writer(out_);
+        writer.add("before");
+        writer.addSet(PathSet::open(all));
+        writer.commit();
+    }
+    EXPECT_EQ(savedPaths(out_), (Paths{"before", "r", "p", "q", "r"}));
+    EXPECT_EQ(goneNow(), (Numbers{2, 4, 5}));
+    std::filesystem::remove(second);
+    PathSetWriter writer(tree_.pathOf("other.zqp"));
+    const PathSet partial = PathSet::openPartial(all);
+    const Error error = errorOf([&] { writer.addSet(partial); });
+    EXPECT_EQ(error.kind(), ErrorKind::kNotFound);
+    EXPECT_THAT(error.what(), HasSubstr(second));
+    writer.add("x");
+    writer.commit();
+    EXPECT_EQ(savedPaths(tree_.pathOf("other.zqp")), Paths{"x"});
 }
 
 TEST_F(AddedSets, areToldByTheirBytes) {

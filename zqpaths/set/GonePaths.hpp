@@ -109,10 +109,15 @@ public:
     void markGone(std::uint64_t number) { marks_.push_back(number << 1 | 1); }
     void markPresent(std::uint64_t number) { marks_.push_back(number << 1); }
 
-    /// Numbers that were none before and are gone from the first; they follow those of all such
-    /// calls before. A later mark of one of them counts. Throws only std::bad_alloc. Amortised
-    /// O(1).
-    void appendGone(GonePaths::Run run) { appended_.push_back(run); }
+    /// A number that was none before and is gone from the first; it is above those of all such
+    /// calls before, and next to the last one takes no memory. A later mark of it counts. Throws
+    /// only std::bad_alloc. Amortised O(1).
+    void appendGone(std::uint64_t number) {
+        if (!appended_.empty() && appended_.back().last + 1 == number)
+            appended_.back().last = number;
+        else
+            appended_.push_back({number, number});
+    }
 
     bool isEmpty() const noexcept { return marks_.empty() && appended_.empty(); }
 

@@ -112,12 +112,10 @@ TEST(GoneMarks, areWhatWasMarkedLast) {
     expectThese({false, true, false, false, true}, {runs.bytes, runs.goneCount, 5});
 }
 
-TEST(GoneMarks, takeRunsThatFollowAllOthers) {
+TEST(GoneMarks, takeNumbersThatFollowAllOthers) {
     const StoredRuns before({false, true, true});
     GoneMarks marks;
-    marks.appendGone({4, 4});  // touches 2 to 3
-    marks.appendGone({6, 8});
-    marks.appendGone({10, 10});
+    for (const std::uint64_t number : {4U, 6U, 7U, 8U, 10U}) marks.appendGone(number);
     marks.markPresent(7);
     marks.markPresent(2);
     marks.markGone(9);
