@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -24,6 +25,7 @@ namespace {
 struct VerifyOptions {
     std::string set;
     bool disk = false;
+    bool partial = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -38,12 +40,28 @@ std::vector<WorkPhase> phases(bool isDiskCompared) {
     return phases;
 }
 
+/// Paths of files that are missing.
+std::uint64_t unreadCountOf(const PathSet& set) {
+    std::uint64_t count = 0;
+    for (const MissingFile& missing : missingFilesOf(set)) count += missing.count;
+    return count;
+}
+
+/// Nothing if a file of a set of sets cannot be opened, which is one of the damages.
+std::optional<std::uint64_t> bytesToSum(const PathSet& set) {
+    try {
+        std::uint64_t size = 0;
+        for (const PathSet::Segment& segment : set.segments()) size += segment.size;
+        return size;
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
 std::vector<Error> damagesOf(const PathSet& set, Progress& progress) {
-    std::uint64_t size = 0;
-    for (const PathSet::Segment& segment : set.segments()) size += segment.size;
-    progress.expect(size);
+    if (const std::optional<std::uint64_t> size = bytesToSum(set)) progress.expect(*size);
     return set.verify([&](WorkStep step, std::uint64_t items) {
-        if (step == WorkStep::kReading) progress.begin(kReading, set.size());
+        if (step == WorkStep::kReading) progress.begin(kReading, set.size() - unreadCountOf(set));
         progress.advance(items);
     });
 }
@@ -57,7 +75,7 @@ struct DiskResult {
 DiskResult compareWithDisk(const PathSet& set, Output& output, Progress& progress) {
     DiskResult result;
     const WantedPaths wanted(set, false);
-    progress.begin(kComparing, set.size());
+    progress.begin(kComparing, set.size() - unreadCountOf(set));
     set.forEach([&](std::uint64_t number, std::string_view path) {
         if (!wanted.has(number)) return;
         try {
@@ -80,19 +98,29 @@ ExitStatus statusOf(const DiskResult& result) {
 }
 
 /// An object with what has been found out; "missing" where the disk was looked at.
-void printResult(const VerifyOptions& options, std::uint64_t pathCount,
+void printResult(const VerifyOptions& options, const PathSet& set,
                  const std::vector<std::string>& damages, const std::optional<DiskResult>& disk,
                  Output& output) {
     JsonObject object;
     object.addName("set", "setBytes", options.set);
-    object.add("paths", pathCount);
+    object.add("paths", set.size());
+    if (options.partial) object.add("pathsMissing", unreadCountOf(set));
     object.add("whole", damages.empty());
     object.addNames("damages", "damageBytes", damages);
     if (disk) object.add("missing", disk->missingCount);
     output.line(object);
 }
 
-/// Tells every damage but the last, which it throws. Programs get them all in one object.
+/// The one that decides the status: a file that is not there says less than damage does.
+std::size_t worstOf(const std::vector<Error>& damages) {
+    const auto worst = std::find_if(damages.rbegin(), damages.rend(), [](const Error& damage) {
+        return damage.kind() == ErrorKind::kDamaged;
+    });
+    return worst == damages.rend() ? damages.size() - 1
+                                   : static_cast<std::size_t>(damages.rend() - worst) - 1;
+}
+
+/// Tells every damage but the worst, which it throws. Programs get them all in one object.
 void requireNoDamage(const PathSet& set, const VerifyOptions& options, Output& output,
                      Progress& progress) {
     const std::vector<Error> damages = damagesOf(set, progress);
@@ -101,22 +129,30 @@ void requireNoDamage(const PathSet& set, const VerifyOptions& options, Output& o
         std::vector<std::string> texts;
         texts.reserve(damages.size());
         for (const Error& damage : damages) texts.emplace_back(damage.what());
-        printResult(options, set.size(), texts, std::nullopt, output);
+        printResult(options, set, texts, std::nullopt, output);
         output.finish();
     }
-    for (std::size_t i = 0; i + 1 < damages.size(); ++i) tell(printableText(damages[i].what()));
-    throw Error(damages.back());
+    const std::size_t worst = worstOf(damages);
+    for (std::size_t i = 0; i < damages.size(); ++i)
+        if (i != worst) tell(printableText(damages[i].what()));
+    throw Error(damages[worst]);
 }
 
-void tellResult(const VerifyOptions& options, std::uint64_t pathCount,
+/// "1,234 paths", or "1,000 of 1,234 paths" where others are missing.
+std::string countText(const PathSet& set) {
+    const std::uint64_t unreadCount = unreadCountOf(set);
+    return (unreadCount == 0 ? "" : groupDigits(set.size() - unreadCount) + " of ") +
+           groupDigits(set.size()) + (set.size() == 1 ? " path" : " paths");
+}
+
+void tellResult(const VerifyOptions& options, const PathSet& set,
                 const std::optional<DiskResult>& disk, Output& output) {
     if (options.output.json) {
-        printResult(options, pathCount, {}, disk, output);
+        printResult(options, set, {}, disk, output);
         return;
     }
     if (options.messages.quiet) return;
-    const std::string summary = printablePath(options.set) + ": " + groupDigits(pathCount) +
-                                (pathCount == 1 ? " path" : " paths") + ", all whole";
+    const std::string summary = printablePath(options.set) + ": " + countText(set) + ", all whole";
     // Where missing paths or a table of them are printed, nothing else is.
     if (disk)
         tell(summary + ", " + groupDigits(disk->missingCount) + " missing on disk");
@@ -127,13 +163,13 @@ void tellResult(const VerifyOptions& options, std::uint64_t pathCount,
 }
 
 ExitStatus verify(const VerifyOptions& options) {
-    const PathSet set = openSet(options.set);
+    const PathSet set = openSet(options.set, options.partial);
     Output output(options.output, {.isQuiet = options.messages.quiet});
     Progress progress("verifying", phases(options.disk), options.messages);
     requireNoDamage(set, options, output, progress);
     std::optional<DiskResult> disk;
     if (options.disk) disk = compareWithDisk(set, output, progress);
-    tellResult(options, set.size(), disk, output);
+    tellResult(options, set, disk, output);
     output.finish();
     return disk ? statusOf(*disk) : ExitStatus::kDone;
 }
@@ -151,7 +187,8 @@ Verb verifyVerb() {
                 "tells of the set as a whole, and also of damage, which ends with status 3.",
             .options = rows(setArgument(options->set),
                             flag("--disk", options->disk, "compare with the file system"),
-                            outputOptions(options->output), messageOptions(options->messages)),
+                            partialOption(options->partial), outputOptions(options->output),
+                            messageOptions(options->messages)),
             .run = [options] { return verify(*options); }};
 }
 
