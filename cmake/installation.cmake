@@ -3,6 +3,7 @@
 #
 # Components, each a Debian package (packages.cmake) but for the last two:
 #   program       the program, its manual page and completions
+#   mpi           the same for zqpaths-mpi, where it is built
 #   library       what a program on the library needs to run
 #   development   what it needs to be built
 #   python        the Python module
@@ -76,6 +77,33 @@ function(zq_find_libraries_from target folder component)
                 \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${folder}/$<TARGET_FILE_NAME:${target}>\")
         endif()"
         COMPONENT ${component})
+endfunction()
+
+# zq_program_documents(PROGRAM COMPONENT) installs the manual page and the shells' completions of a
+# program, which prints them itself, so that they say what it does.
+function(zq_program_documents program component)
+    set(documents ${CMAKE_CURRENT_BINARY_DIR}/documents)
+    file(MAKE_DIRECTORY ${documents})
+    foreach(document man:${program}.1 bash:${program} zsh:_${program} fish:${program}.fish)
+        string(REPLACE ":" ";" document ${document})
+        list(GET document 0 kind)
+        list(GET document 1 name)
+        add_custom_command(
+            OUTPUT ${documents}/${name}
+            COMMAND ${program} document ${kind} > ${documents}/${name}
+            DEPENDS ${program})
+        list(APPEND document_files ${documents}/${name})
+    endforeach()
+    add_custom_target(${program}_documents ALL DEPENDS ${document_files})
+    zq_is_shipped(${program}_documents ${document_files})
+
+    install(FILES ${documents}/${program}.1
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
+    install(FILES ${documents}/${program}
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT ${component})
+    install(FILES ${documents}/_${program} DESTINATION ${ZQ_ZSH_DIR} COMPONENT ${component})
+    install(FILES ${documents}/${program}.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT ${component})
 endfunction()
 
 install(FILES LICENSE docs/zqp.md docs/zqs.md docs/image.md docs/format.md

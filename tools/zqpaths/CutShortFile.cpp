@@ -9,6 +9,7 @@
 #include <cstddef>
 
 #include "tools/zqpaths/ExitStatus.hpp"
+#include "tools/zqpaths/output/Messages.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -34,8 +35,9 @@ void watchForCutShortFiles() noexcept {
 }
 
 void nameWhatIsRead(const std::string& files) {
-    std::string text = "zqpaths: " + files + ": was cut short while it was read\n";
-    if (text.size() > message.size()) text = "zqpaths: a set was cut short while it was read\n";
+    const std::string reason = ": was cut short while it was read\n";
+    std::string text = teller() + ": " + files + reason;
+    if (text.size() > message.size()) text = teller() + ": a set" + reason;
     messageSize = 0;
     std::ranges::copy(text, message.begin());
     messageSize = text.size();

@@ -6,8 +6,10 @@
 //     throw systemFailureAt("list.txt", ENOENT);       // "list.txt: No such file or directory"
 //     throw wrongUse("DIR or --list is required");
 //
-// What goes wrong with a set comes as Error from the library; main.cpp tells both.
+// What goes wrong with a set comes as Error from the library. failureOf makes one of everything
+// that can be thrown, which is what people are told and what the shell is given.
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -36,5 +38,9 @@ Failure systemFailureAt(std::string_view place, int error);
 
 /// Arguments that do not go together, and where to read which do.
 Failure wrongUse(const std::string& reason);
+
+/// What the program says of anything that was thrown, and how it ends. ClosedPipe is none of it,
+/// and what is no std::exception is thrown again.
+Failure failureOf(const std::exception_ptr& error);
 
 }  // namespace zqpaths::program

@@ -130,7 +130,9 @@ std::string manualPage(const ProgramTable& table) {
                        R"( \- )" + escaped(table.summary) + "\n.SH SYNOPSIS\n";
     for (const Verb& verb : table.verbs)
         text += ".B " + table.name + " " + verb.name + "\n" + escaped(verb.synopsis) + "\n.br\n";
-    text.append(".SH DESCRIPTION\n").append(kDescription).append(".SH VERBS\n");
+    text += ".SH DESCRIPTION\n";
+    if (!table.description.empty()) text += escaped(table.description) + "\n.PP\n";
+    text.append(kDescription).append(".SH VERBS\n");
     for (const Verb& verb : table.verbs) text += verbText(table.name, verb);
     return text.append(kEndings);
 }

@@ -74,7 +74,11 @@ struct ProgramTable {
     std::string version;
     std::string summary;
     std::vector<Verb> verbs;
+    std::string description{};  // sentences of the manual page, before what all programs share
 };
+
+/// Makes the table of a program anew, for the verbs that tell of it.
+using TableMaker = std::function<ProgramTable()>;
 
 /// A switch that makes `isOn` true, and one that does what it is told.
 Option flag(std::string names, bool& isOn, std::string description);

@@ -9,19 +9,33 @@
 //
 // Threads: an object belongs to one thread at a time, and there is one at a time.
 
+#include <unistd.h>
+
 #include <cstddef>
 #include <string>
+#include <utility>
 
 namespace zqpaths::program {
 
 /// The reader of standard output has gone; main ends the program as the system would have.
 class ClosedPipe {};
 
+/// Ends the process by the signal that a write into a closed pipe sends: whoever reads has what it
+/// wants, and a shell knows the status (141). Called when all that had to be cleaned up is; returns
+/// only where the signal is blocked.
+void endByClosedPipe() noexcept;
+
+/// Where output goes: standard output, unless a file is written in its place.
+struct OutputPlace {
+    int descriptor = STDOUT_FILENO;
+    std::string name = "standard output";  // for messages
+};
+
 class StandardOutput {
 public:
     static constexpr std::size_t kBufferedBytes = std::size_t{1} << 18;
 
-    StandardOutput() = default;
+    explicit StandardOutput(OutputPlace place = {}) : place_(std::move(place)) {}
     StandardOutput(const StandardOutput&) = delete;
     StandardOutput& operator=(const StandardOutput&) = delete;
 
@@ -36,6 +50,7 @@ public:
     }
 
 private:
+    const OutputPlace place_;
     std::string buffer_;
 };
 

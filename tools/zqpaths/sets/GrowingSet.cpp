@@ -25,7 +25,7 @@ std::vector<WorkPhase> phasesOfCopying() {
 
 }  // namespace
 
-void tellSize(const std::string& file, std::uint64_t size) {
+void tellSizeOfSet(const std::string& file, std::uint64_t size) {
     tell(printablePath(file) + " holds " + groupDigits(size) + (size == 1 ? " path" : " paths"));
 }
 
@@ -73,7 +73,7 @@ void GrowingSet::saveQuietly() {
 }
 
 void GrowingSet::tellSize() const {
-    if (!messages_.quiet) program::tellSize(file_, writer_->size());
+    if (!messages_.quiet) tellSizeOfSet(file_, writer_->size());
 }
 
 }  // namespace zqpaths::program

@@ -32,8 +32,8 @@ inline PathSetWriter::Mode modeOfNew(bool force) {
     return force ? PathSetWriter::Mode::kReplace : PathSetWriter::Mode::kCreate;
 }
 
-/// Tells people how many paths a set has that was made or added to.
-void tellSize(const std::string& file, std::uint64_t size);
+/// Tells "usr.zqp holds 2 paths".
+void tellSizeOfSet(const std::string& file, std::uint64_t size);
 
 class GrowingSet {
 public:

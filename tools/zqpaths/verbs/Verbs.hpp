@@ -12,11 +12,9 @@ namespace zqpaths::program {
 Verb addVerb();
 Verb compactVerb();
 Verb diffVerb();
-Verb documentVerb();
 Verb exportVerb();
 Verb findVerb();
 Verb getVerb();
-Verb helpVerb(std::vector<std::string> verbs);  // all others, by name
 Verb importVerb();
 Verb indexVerb();
 Verb infoVerb();
@@ -30,6 +28,12 @@ Verb splitVerb();
 Verb treeVerb();
 Verb updateVerb();
 Verb verifyVerb();
+
+// Those that tell of a program, with the verbs in its table: every program has them.
+
+Verb documentVerb(const std::string& program, TableMaker table);
+Verb helpVerb(const std::string& program, TableMaker table,
+              std::vector<std::string> verbs);  // all others, by name
 
 /// All of them, in the order in which people read of them.
 ProgramTable programTable();

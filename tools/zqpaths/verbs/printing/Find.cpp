@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tools/zqpaths/arguments/PatternOptions.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Output.hpp"
 #include "tools/zqpaths/progress/Progress.hpp"
@@ -17,10 +18,7 @@ namespace {
 
 struct FindOptions {
     std::string set;
-    std::string pattern;
-    bool isRegex = false;
-    bool isText = false;
-    bool ignoreCase = false;
+    PatternOptions pattern;
     bool numbered = false;
     bool countOnly = false;
     bool statusOnly = false;
@@ -29,14 +27,6 @@ struct FindOptions {
     OutputOptions output;
     MessageOptions messages;
 };
-
-Pattern patternOf(const FindOptions& options) {
-    const Pattern::Case letterCase =
-        options.ignoreCase ? Pattern::Case::kIgnore : Pattern::Case::kRespect;
-    if (options.isRegex) return Pattern::regex(options.pattern, letterCase);
-    if (options.isText) return Pattern::text(options.pattern, letterCase);
-    return Pattern::glob(options.pattern, letterCase);
-}
 
 bool hasMatch(const WantedPaths& wanted, const Pattern& pattern) {
     bool isFound = false;
@@ -78,7 +68,7 @@ std::uint64_t printCount(const WantedPaths& wanted, const Pattern& pattern,
 }
 
 ExitStatus find(const FindOptions& options) {
-    const Pattern pattern = patternOf(options);
+    const Pattern pattern = patternOf(options.pattern);
     const PathSet set = openSet(options.set, options.partial);
     const WantedPaths wanted(set, options.gone);
     const auto isAny = [&] {
@@ -99,19 +89,9 @@ Verb findVerb() {
         .summary = "print the paths that match a glob",
         .examples = {"zqpaths find usr.zqp '*.hpp' -0 | xargs -0 wc -l",
                      "zqpaths find usr.zqp -c -r 'lib[^/]*\\.so(\\.[0-9]+)*$'"},
-        .details =
-            "A glob without / is matched against the file name alone, one with / against the whole "
-            "path, each from beginning to end. * is any text, ? one character, [a-c] and [!a-c] "
-            "one of those, none of them a /. ** is any text with /; a/**/b is also a/b. A "
-            "backslash takes the meaning from what follows it. A regular expression (RE2) and a "
-            "fixed text may be anywhere in the path. A path that is not UTF-8 is matched byte by "
-            "byte. Status 1 tells that nothing matches.",
+        .details = kPatternDetails,
         .options = rows(
-            setArgument(options->set), argument("PATTERN", options->pattern, "what to look for"),
-            flag("-r,--regex", options->isRegex, "PATTERN is a regular expression"),
-            excluding("--regex", flag("-F,--fixed", options->isText,
-                                      "PATTERN is a text that occurs in the path")),
-            flag("-i,--ignore-case", options->ignoreCase, "without regard to case"),
+            setArgument(options->set), patternOptions(options->pattern),
             flag("-c,--count", options->countOnly, "print only how many match"),
             flag("-q,--quiet", options->statusOnly, "print nothing; status 0 if something matches"),
             partialOption(options->partial), goneOption(options->gone),

@@ -2,6 +2,7 @@
 #include <array>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tools/zqpaths/arguments/Completions.hpp"
@@ -28,27 +29,27 @@ std::vector<std::string> kinds() {
     return names;
 }
 
-ExitStatus document(const std::string& kind) {
+ExitStatus document(const std::string& kind, const ProgramTable& table) {
     Output output({});
     for (const Maker& maker : kMakers)
-        if (maker.kind == kind) output.text(maker.make(programTable()));
+        if (maker.kind == kind) output.text(maker.make(table));
     output.finish();
     return ExitStatus::kDone;
 }
 
 }  // namespace
 
-Verb documentVerb() {
+Verb documentVerb(const std::string& program, TableMaker table) {
     const auto kind = std::make_shared<std::string>();
     Option argumentKind = argument("KIND", *kind, "man, bash, zsh or fish");
     argumentKind.words = kinds();
     return {.name = "document",
             .synopsis = "man | bash | zsh | fish",
             .summary = "print the manual page or a shell's completions",
-            .examples = {"zqpaths document bash > /etc/bash_completion.d/zqpaths",
-                         "zqpaths document man | man -l -"},
+            .examples = {program + " document bash > /etc/bash_completion.d/" + program,
+                         program + " document man | man -l -"},
             .options = rows(std::move(argumentKind)),
-            .run = [kind] { return document(*kind); }};
+            .run = [kind, table = std::move(table)] { return document(*kind, table()); }};
 }
 
 }  // namespace zqpaths::program

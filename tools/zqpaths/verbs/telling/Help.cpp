@@ -11,8 +11,7 @@
 namespace zqpaths::program {
 namespace {
 
-ExitStatus help(const std::string& verb) {
-    const ProgramTable table = programTable();
+ExitStatus help(const std::string& verb, const ProgramTable& table) {
     Output output({});
     output.text(verb.empty() ? helpText(table) : helpText(table, requireVerb(table, verb)));
     output.finish();
@@ -21,7 +20,7 @@ ExitStatus help(const std::string& verb) {
 
 }  // namespace
 
-Verb helpVerb(std::vector<std::string> verbs) {
+Verb helpVerb(const std::string& program, TableMaker table, std::vector<std::string> verbs) {
     const auto verb = std::make_shared<std::string>();
     Option argumentVerb = argument("VERB", *verb, "all verbs in short if it is not given");
     argumentVerb.isRequired = false;
@@ -30,9 +29,9 @@ Verb helpVerb(std::vector<std::string> verbs) {
     return {.name = "help",
             .synopsis = "[VERB]",
             .summary = "tell what a verb does, its options and examples",
-            .examples = {"zqpaths help find", "zqpaths help"},
+            .examples = {program + " help find", program + " help"},
             .options = rows(std::move(argumentVerb)),
-            .run = [verb] { return help(*verb); }};
+            .run = [verb, table = std::move(table)] { return help(*verb, table()); }};
 }
 
 }  // namespace zqpaths::program

@@ -9,10 +9,9 @@
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
-#include "tools/zqpaths/output/Figures.hpp"
 #include "tools/zqpaths/output/Messages.hpp"
 #include "tools/zqpaths/output/Output.hpp"
-#include "tools/zqpaths/output/PrintablePath.hpp"
+#include "tools/zqpaths/output/VerifyReport.hpp"
 #include "tools/zqpaths/progress/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/sets/WantedPaths.hpp"
@@ -60,9 +59,11 @@ std::optional<std::uint64_t> bytesToSum(const PathSet& set) {
 
 std::vector<Error> damagesOf(const PathSet& set, Progress& progress) {
     if (const std::optional<std::uint64_t> size = bytesToSum(set)) progress.expect(*size);
+    const std::uint64_t pathCount = set.size() - unreadCountOf(set);
     return set.verify([&](WorkStep step, std::uint64_t items) {
-        if (step == WorkStep::kReading) progress.begin(kReading, set.size() - unreadCountOf(set));
-        progress.advance(items);
+        if (step == WorkStep::kReading) progress.begin(kReading, pathCount);
+        // Of several files one is summed after another has been read.
+        progress.advancePhase(step == WorkStep::kReading ? kReading : kSumming, items);
     });
 }
 
@@ -97,79 +98,19 @@ ExitStatus statusOf(const DiskResult& result) {
     return result.missingCount > 0 ? ExitStatus::kNegative : ExitStatus::kDone;
 }
 
-/// An object with what has been found out; "missing" where the disk was looked at.
-void printResult(const VerifyOptions& options, const PathSet& set,
-                 const std::vector<std::string>& damages, const std::optional<DiskResult>& disk,
-                 Output& output) {
-    JsonObject object;
-    object.addName("set", "setBytes", options.set);
-    object.add("paths", set.size());
-    if (options.partial) object.add("pathsMissing", unreadCountOf(set));
-    object.add("whole", damages.empty());
-    object.addNames("damages", "damageBytes", damages);
-    if (disk) object.add("missing", disk->missingCount);
-    output.line(object);
-}
-
-/// The one that decides the status: a file that is not there says less than damage does.
-std::size_t worstOf(const std::vector<Error>& damages) {
-    const auto worst = std::find_if(damages.rbegin(), damages.rend(), [](const Error& damage) {
-        return damage.kind() == ErrorKind::kDamaged;
-    });
-    return worst == damages.rend() ? damages.size() - 1
-                                   : static_cast<std::size_t>(damages.rend() - worst) - 1;
-}
-
-/// Tells every damage but the worst, which it throws. Programs get them all in one object.
-void requireNoDamage(const PathSet& set, const VerifyOptions& options, Output& output,
-                     Progress& progress) {
-    const std::vector<Error> damages = damagesOf(set, progress);
-    if (damages.empty()) return;
-    if (options.output.json) {
-        std::vector<std::string> texts;
-        texts.reserve(damages.size());
-        for (const Error& damage : damages) texts.emplace_back(damage.what());
-        printResult(options, set, texts, std::nullopt, output);
-        output.finish();
-    }
-    const std::size_t worst = worstOf(damages);
-    for (std::size_t i = 0; i < damages.size(); ++i)
-        if (i != worst) tell(printableText(damages[i].what()));
-    throw Error(damages[worst]);
-}
-
-/// "1,234 paths", or "1,000 of 1,234 paths" where others are missing.
-std::string countText(const PathSet& set) {
-    const std::uint64_t unreadCount = unreadCountOf(set);
-    return (unreadCount == 0 ? "" : groupDigits(set.size() - unreadCount) + " of ") +
-           groupDigits(set.size()) + (set.size() == 1 ? " path" : " paths");
-}
-
-void tellResult(const VerifyOptions& options, const PathSet& set,
-                const std::optional<DiskResult>& disk, Output& output) {
-    if (options.output.json) {
-        printResult(options, set, {}, disk, output);
-        return;
-    }
-    if (options.messages.quiet) return;
-    const std::string summary = printablePath(options.set) + ": " + countText(set) + ", all whole";
-    // Where missing paths or a table of them are printed, nothing else is.
-    if (disk)
-        tell(summary + ", " + groupDigits(disk->missingCount) + " missing on disk");
-    else if (options.output.csv)
-        tell(summary);
-    else
-        output.line(summary);
-}
-
 ExitStatus verify(const VerifyOptions& options) {
     const PathSet set = openSet(options.set, options.partial);
     Output output(options.output, {.isQuiet = options.messages.quiet});
     Progress progress("verifying", phases(options.disk), options.messages);
-    requireNoDamage(set, options, output, progress);
+    VerifiedSet verified{options.set, set.size()};
+    if (options.partial) verified.unreadCount = unreadCountOf(set);
+    requireNoDamage(verified, damagesOf(set, progress), options.output, output);
     std::optional<DiskResult> disk;
-    if (options.disk) disk = compareWithDisk(set, output, progress);
-    tellResult(options, set, disk, output);
+    if (options.disk) {
+        disk = compareWithDisk(set, output, progress);
+        verified.missingCount = disk->missingCount;
+    }
+    tellWhole(verified, options.output, options.messages, output);
     output.finish();
     return disk ? statusOf(*disk) : ExitStatus::kDone;
 }

@@ -93,7 +93,7 @@ void writeManifest(const MergeOptions& options) {
     }
     if (out.size() == 0) throw noPaths();
     out.commit();
-    if (!options.messages.quiet) tellSize(options.out, out.size());
+    if (!options.messages.quiet) tellSizeOfSet(options.out, out.size());
 }
 
 ExitStatus merge(const MergeOptions& options) {
