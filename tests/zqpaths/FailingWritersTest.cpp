@@ -14,6 +14,7 @@
 #include "tests/support/TemporaryTree.hpp"
 #include "tests/zqpaths/SavedPaths.hpp"
 #include "zqpaths/PathSetWriter.hpp"
+#include "zqpaths/manifest/SetManifestWriter.hpp"
 #include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths {
@@ -129,6 +130,43 @@ TEST(FailingWriters, leaveMarksAndScansAsTheyWere) {
         ASSERT_EQ(set.goneNumber(0), isDone ? 4U : 1U);
         ASSERT_EQ(scansOf(set).size(), isDone ? 1U : 0U);
         ASSERT_EQ(isDone || contentOf(file) == original, true);
+    }
+    EXPECT_GT(failures, 50U);
+}
+
+TEST(FailingWriters, leaveTheManifestAsItWas) {
+    const test_support::TemporaryTree tree;
+    const std::string manifest = tree.pathOf("all.zqs");
+    for (const std::string name : {"a.zqp", "b.zqp"}) {
+        PathSetWriter writer(tree.pathOf(name));
+        writer.add(name);
+        writer.commit();
+    }
+    SetManifestWriter first(manifest);
+    first.addSet(tree.pathOf("a.zqp"));
+    first.commit();
+    const std::string original = contentOf(manifest);
+    std::size_t failures = 0;
+    bool hasRefused = true;
+    for (std::size_t number = 1; hasRefused && number < kMostBlocks; ++number) {
+        SCOPED_TRACE(number);
+        writeContent(manifest, original);
+        bool isDone = false;
+        {
+            const FailingHeap heap(number, Refused::kOne);
+            try {
+                SetManifestWriter writer(manifest, SetManifestWriter::Mode::kReplace);
+                writer.addSet(manifest);
+                writer.addSet(tree.pathOf("b.zqp"));
+                writer.commit();
+                isDone = PathSet::openPartial(manifest).path(2) == "b.zqp";
+            } catch (const std::bad_alloc&) {
+                ++failures;
+            }
+            hasRefused = heap.hasRefused();
+        }
+        const PathSet set = PathSet::open(manifest);
+        ASSERT_TRUE(set.size() == 2 || (!isDone && contentOf(manifest) == original));
     }
     EXPECT_GT(failures, 50U);
 }

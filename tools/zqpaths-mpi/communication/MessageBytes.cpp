@@ -29,6 +29,11 @@ void MessageWriter::text(std::string_view text) {
     bytes_ += text;
 }
 
+void MessageWriter::fixed(std::uint64_t number) {
+    for (unsigned shift = 0; shift < 64; shift += 8)
+        bytes_.push_back(static_cast<char>(number >> shift & 0xFF));
+}
+
 std::string MessageWriter::take() noexcept {
     return std::exchange(bytes_, {});
 }
@@ -45,6 +50,16 @@ std::uint64_t MessageReader::number() {
 
 std::string_view MessageReader::text() {
     return raw(number());
+}
+
+std::uint64_t MessageReader::fixed() {
+    std::uint64_t number = 0;
+    unsigned shift = 0;
+    for (const char byte : raw(8)) {
+        number |= std::uint64_t{static_cast<unsigned char>(byte)} << shift;
+        shift += 8;
+    }
+    return number;
 }
 
 std::string_view MessageReader::raw(std::size_t size) {

@@ -28,6 +28,9 @@ public:
     void number(std::uint64_t number);
     void text(std::string_view text);
 
+    /// A number of which any bit is as likely as any other, in eight bytes, the lowest first.
+    void fixed(std::uint64_t number);
+
     /// Bytes without their length, which the reader knows or takes as the rest.
     void raw(std::string_view bytes) { bytes_ += bytes; }
 
@@ -53,6 +56,7 @@ public:
 
     std::uint64_t number();
     std::string_view text();
+    std::uint64_t fixed();
     std::string_view raw(std::size_t size);
 
     /// All that was not read.

@@ -80,6 +80,21 @@ void Team::receiveUntil(const std::function<bool()>& isOver) {
     }
 }
 
+std::uint64_t numberOfFirst(Team& team, std::uint64_t number) {
+    if (team.size() == 1) return number;
+    team.run({.work = [&number](Member& member) {
+        if (member.rank() != 0) {
+            number = MessageReader(member.receive(0)).number();
+            return;
+        }
+        MessageWriter writer;
+        writer.number(number);
+        for (int other = 1; other < member.size(); ++other)
+            member.send(other, std::string(writer.bytes()));
+    }});
+    return number;
+}
+
 std::function<std::optional<std::string>()> numberedPieces(std::uint64_t count) {
     return [left = count]() mutable -> std::optional<std::string> {
         if (left == 0) return std::nullopt;

@@ -87,6 +87,9 @@ private:
     std::optional<Failure> failure_;  // the first of another rank, on rank 0
 };
 
+/// The number that rank 0 has, on all ranks, which all call it.
+std::uint64_t numberOfFirst(Team& team, std::uint64_t number);
+
 /// Descriptions of so many pieces, which their numbers alone describe.
 std::function<std::optional<std::string>()> numberedPieces(std::uint64_t count);
 

@@ -19,8 +19,8 @@
 
 namespace zqpaths::program::mpi {
 
-/// A size of pieces of so many numbers that are searched: small enough that ranks which are slower get
-/// fewer, and large enough that dealing them costs nothing beside searching them.
+/// A size of pieces of so many numbers that are searched: small enough that ranks which are slower
+/// get fewer, and large enough that dealing them costs nothing beside searching them.
 constexpr std::uint64_t searchedAtOnce(std::uint64_t total, int rankCount) noexcept {
     constexpr std::uint64_t kPiecesARank = 16;
     constexpr std::uint64_t kSmallest = std::uint64_t{1} << 14;

@@ -8,8 +8,13 @@
 
 namespace zqpaths::program::mpi {
 
+Verb diffVerb(Team& team);
 Verb findVerb(Team& team);
 Verb indexVerb(Team& team);
+Verb numberVerb(Team& team);
+Verb sampleVerb(Team& team);
+Verb shuffleVerb(Team& team);
+Verb verifyVerb(Team& team);
 
 /// All of them, in the order in which people read of them.
 ProgramTable teamTable(Team& team);

@@ -63,14 +63,15 @@ Output::Mark Output::markOf(PathChange change) {
     }
 }
 
-Output::Output(const OutputOptions& options, OutputManner manner)
+Output::Output(const OutputOptions& options, OutputManner manner, OutputPlace place)
     : options_(options),
       manner_(std::move(manner)),
       fields_(fieldsOf(options_, manner_)),
-      isTerminal_(isatty(STDOUT_FILENO) != 0),
-      charset_(charsetOf(STDOUT_FILENO)),
+      isTerminal_(isatty(place.descriptor) != 0),
+      charset_(charsetOf(place.descriptor)),
       isPathAlone_(!isTerminal_ && !options.csv && !options.json &&
-                   fields_ == PathFields{PathField::kPath}) {}
+                   fields_ == PathFields{PathField::kPath}),
+      out_(std::move(place)) {}
 
 void Output::path(std::uint64_t number, std::string_view path) {
     if (!isPathAlone_) {

@@ -48,7 +48,7 @@ struct OutputManner {
 
 class Output {
 public:
-    explicit Output(const OutputOptions& options, OutputManner manner = {});
+    explicit Output(const OutputOptions& options, OutputManner manner = {}, OutputPlace place = {});
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 

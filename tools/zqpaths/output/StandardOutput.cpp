@@ -19,17 +19,17 @@ void awaitWritable(int descriptor) {
     poll(&waiting, 1, -1);
 }
 
-void writeAll(int descriptor, std::string_view bytes) {
+void writeAll(const OutputPlace& place, std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+        const ssize_t written = write(place.descriptor, bytes.data(), bytes.size());
         if (written >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(written));
         } else if (errno == EAGAIN) {
-            awaitWritable(descriptor);
+            awaitWritable(place.descriptor);
         } else if (errno == EPIPE) {
             throw ClosedPipe();
         } else if (errno != EINTR) {
-            throw systemFailureAt("standard output", errno);
+            throw systemFailureAt(place.name, errno);
         }
     }
 }
@@ -44,7 +44,7 @@ void endByClosedPipe() noexcept {
 void StandardOutput::flush() {
     if (buffer_.empty()) return;
     const Progress::Room room;  // it may go to the same terminal
-    writeAll(STDOUT_FILENO, buffer_);
+    writeAll(place_, buffer_);
     buffer_.clear();
 }
 

@@ -9,8 +9,11 @@
 //
 // Threads: an object belongs to one thread at a time, and there is one at a time.
 
+#include <unistd.h>
+
 #include <cstddef>
 #include <string>
+#include <utility>
 
 namespace zqpaths::program {
 
@@ -22,11 +25,17 @@ class ClosedPipe {};
 /// only where the signal is blocked.
 void endByClosedPipe() noexcept;
 
+/// Where output goes: standard output, unless a file is written in its place.
+struct OutputPlace {
+    int descriptor = STDOUT_FILENO;
+    std::string name = "standard output";  // for messages
+};
+
 class StandardOutput {
 public:
     static constexpr std::size_t kBufferedBytes = std::size_t{1} << 18;
 
-    StandardOutput() = default;
+    explicit StandardOutput(OutputPlace place = {}) : place_(std::move(place)) {}
     StandardOutput(const StandardOutput&) = delete;
     StandardOutput& operator=(const StandardOutput&) = delete;
 
@@ -41,6 +50,7 @@ public:
     }
 
 private:
+    const OutputPlace place_;
     std::string buffer_;
 };
 

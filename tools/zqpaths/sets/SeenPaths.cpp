@@ -12,14 +12,14 @@ bool isEmpty(const XXH128_hash_t& hash) {
     return hash.low64 == 0 && hash.high64 == 0;
 }
 
-std::uint64_t newSeed() {
+}  // namespace
+
+std::uint64_t newHashSeed() {
     std::random_device device;
     return std::uint64_t{device()} << 32 | device();
 }
 
-}  // namespace
-
-SeenPaths::SeenPaths() : seed_(newSeed()), slots_(kFirstSlotCount) {}
+SeenPaths::SeenPaths() : seed_(newHashSeed()), slots_(kFirstSlotCount) {}
 
 bool SeenPaths::insert(std::string_view path) {
     XXH128_hash_t hash = XXH3_128bits_withSeed(path.data(), path.size(), seed_);

@@ -18,6 +18,9 @@
 
 namespace zqpaths::program {
 
+/// A seed for hashes of paths, drawn at random.
+std::uint64_t newHashSeed();
+
 class SeenPaths {
 public:
     SeenPaths();

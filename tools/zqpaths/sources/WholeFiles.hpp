@@ -18,9 +18,6 @@ struct WholeFile {
     const std::vector<std::uint8_t>& bytes;
 };
 
-/// Throws Failure kFailed if there is a file that writing would replace; pipes and devices stay.
-void requireFree(const std::string& path);
-
 /// Writes files that belong together. What is there is replaced, if it may be, when all new ones
 /// are whole, and nothing else is left also if a signal comes meanwhile; pipes and devices stay
 /// what they are and take the bytes. Throws Failure kFailed, as a rule before anything is replaced.

@@ -11,6 +11,7 @@
 #include "tools/zqpaths/report/ReportData.hpp"
 #include "tools/zqpaths/report/ReportPage.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sources/FileBeside.hpp"
 #include "tools/zqpaths/sources/WholeFiles.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 

@@ -8,10 +8,9 @@
 
 #include "tools/zqpaths/Failure.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
-#include "tools/zqpaths/output/Figures.hpp"
 #include "tools/zqpaths/output/Messages.hpp"
 #include "tools/zqpaths/output/Output.hpp"
-#include "tools/zqpaths/output/PrintablePath.hpp"
+#include "tools/zqpaths/output/VerifyReport.hpp"
 #include "tools/zqpaths/progress/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
 #include "tools/zqpaths/sets/WantedPaths.hpp"
@@ -79,61 +78,18 @@ ExitStatus statusOf(const DiskResult& result) {
     return result.missingCount > 0 ? ExitStatus::kNegative : ExitStatus::kDone;
 }
 
-/// An object with what has been found out; "missing" where the disk was looked at.
-void printResult(const VerifyOptions& options, std::uint64_t pathCount,
-                 const std::vector<std::string>& damages, const std::optional<DiskResult>& disk,
-                 Output& output) {
-    JsonObject object;
-    object.addName("set", "setBytes", options.set);
-    object.add("paths", pathCount);
-    object.add("whole", damages.empty());
-    object.addNames("damages", "damageBytes", damages);
-    if (disk) object.add("missing", disk->missingCount);
-    output.line(object);
-}
-
-/// Tells every damage but the last, which it throws. Programs get them all in one object.
-void requireNoDamage(const PathSet& set, const VerifyOptions& options, Output& output,
-                     Progress& progress) {
-    const std::vector<Error> damages = damagesOf(set, progress);
-    if (damages.empty()) return;
-    if (options.output.json) {
-        std::vector<std::string> texts;
-        texts.reserve(damages.size());
-        for (const Error& damage : damages) texts.emplace_back(damage.what());
-        printResult(options, set.size(), texts, std::nullopt, output);
-        output.finish();
-    }
-    for (std::size_t i = 0; i + 1 < damages.size(); ++i) tell(printableText(damages[i].what()));
-    throw Error(damages.back());
-}
-
-void tellResult(const VerifyOptions& options, std::uint64_t pathCount,
-                const std::optional<DiskResult>& disk, Output& output) {
-    if (options.output.json) {
-        printResult(options, pathCount, {}, disk, output);
-        return;
-    }
-    if (options.messages.quiet) return;
-    const std::string summary = printablePath(options.set) + ": " + groupDigits(pathCount) +
-                                (pathCount == 1 ? " path" : " paths") + ", all whole";
-    // Where missing paths or a table of them are printed, nothing else is.
-    if (disk)
-        tell(summary + ", " + groupDigits(disk->missingCount) + " missing on disk");
-    else if (options.output.csv)
-        tell(summary);
-    else
-        output.line(summary);
-}
-
 ExitStatus verify(const VerifyOptions& options) {
     const PathSet set = openSet(options.set);
     Output output(options.output, {.isQuiet = options.messages.quiet});
     Progress progress("verifying", phases(options.disk), options.messages);
-    requireNoDamage(set, options, output, progress);
+    VerifiedSet verified{options.set, set.size()};
+    requireNoDamage(verified, damagesOf(set, progress), options.output, output);
     std::optional<DiskResult> disk;
-    if (options.disk) disk = compareWithDisk(set, output, progress);
-    tellResult(options, set.size(), disk, output);
+    if (options.disk) {
+        disk = compareWithDisk(set, output, progress);
+        verified.missingCount = disk->missingCount;
+    }
+    tellWhole(verified, options.output, options.messages, output);
     output.finish();
     return disk ? statusOf(*disk) : ExitStatus::kDone;
 }

@@ -13,6 +13,7 @@
 #include "tools/zqpaths/output/PrintablePath.hpp"
 #include "tools/zqpaths/progress/Progress.hpp"
 #include "tools/zqpaths/sets/OpenSet.hpp"
+#include "tools/zqpaths/sources/FileBeside.hpp"
 #include "tools/zqpaths/sources/WholeFiles.hpp"
 #include "tools/zqpaths/verbs/Verbs.hpp"
 #include "zqpaths/set/Pieces.hpp"
