@@ -80,6 +80,7 @@ if(TARGET _zqpaths)
     set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
         "python3 (>= 3.${Python_VERSION_MINOR}~), python3 (<< 3.${next_minor})")
     set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-numpy)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS python3-distributed)
     set(CPACK_DEBIAN_PYTHON_DESCRIPTION
         "very large sets of file paths in little memory - Python module
 ${about}

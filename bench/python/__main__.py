@@ -1,7 +1,8 @@
 """Measures sets in Python beside what else a program would use:  python3 bench/python LIST [PART...]
 
-LIST is a text file of paths, one a line. Parts are writing, speed, memory and loaders; without one,
-all. Times are the least of several runs. scripts/bench-python builds the package first.
+LIST is a text file of paths, one a line. Parts are writing, speed, memory, loaders and cluster;
+without one, all. Times are the least of several runs. scripts/bench-python builds the package and the
+program first.
 """
 
 import collections
@@ -16,6 +17,7 @@ import time
 import holders
 
 HERE = pathlib.Path(__file__).resolve().parent
+PROGRAM = "build/release/bin/zqpaths"
 
 
 def run(script, *arguments):
@@ -33,10 +35,11 @@ def show(title, rows):
         print(f"{name:18}" + "".join(cells))
 
 
-def make_files(paths, folder):
+def make_files(paths, folder, names):
     """The file of each holder; how long that took, and how large it is."""
     files, rows = {}, {}
-    for name, holder in holders.HOLDERS.items():
+    for name in names:
+        holder = holders.HOLDERS[name]
         files[name] = os.path.join(folder, name.replace(" ", "-"))
         begin = time.perf_counter()
         holder.make(paths, files[name])
@@ -80,12 +83,13 @@ def of_workers(script, names, files, count):
 
 
 def main(list_file, *parts):
-    parts = parts or ("writing", "speed", "memory", "loaders")
+    parts = parts or ("writing", "speed", "memory", "loaders", "cluster")
+    compared = {"speed", "memory", "loaders"}.intersection(parts)
     with open(list_file, encoding="utf-8", errors="surrogateescape") as lines:
         paths = lines.read().split("\n")[:-1]
     count, folder = len(paths), busiest_folder(paths)
     with tempfile.TemporaryDirectory() as place:
-        files = make_files(paths, place)
+        files = make_files(paths, place, holders.HOLDERS if compared else ["zqpaths"])
         if "writing" in parts:
             extending(paths, place)
         del paths
@@ -100,6 +104,10 @@ def main(list_file, *parts):
             assert len({figures.pop("sum") for figures in rows.values()}) == 1, "answers differ"
             show("DataLoader of torch with eight workers, all paths in batches of 1,000", rows)
             print("all loaders gave the same paths")
+        if "cluster" in parts:
+            counted = run("cluster.py", files["zqpaths"], 4, HERE.parents[1] / PROGRAM)
+            show(f"{counted['extensions']} extensions of {count} paths by Dask", counted["rows"])
+            print("the counts are equal")
 
 
 if __name__ == "__main__":

@@ -22,13 +22,35 @@ PathType typeOf(bool isBytes) noexcept {
 
 /// What pickle keeps: the name of the file, and what it was.
 py::tuple reduced(const OpenedPathSet& set) {
-    return py::make_tuple(py::module_::import("zqpaths._pickling").attr("reopened"),
-                          py::make_tuple(py::bytes(set.file()), set.type() == PathType::kBytes,
-                                         set.set().fingerprint()));
+    return py::make_tuple(
+        py::module_::import("zqpaths._pickling").attr("reopened"),
+        py::make_tuple(py::bytes(set.set().file()), set.type() == PathType::kBytes,
+                       set.set().fingerprint(), set.isPartial()));
 }
 
 py::object fileOf(const OpenedPathSet& set) {
-    return pathObject(set.file(), PathType::kText);
+    return pathObject(set.set().file(), PathType::kText);
+}
+
+/// The name that stays right wherever the process goes; there is no file of an empty one.
+std::string absoluteName(std::string_view file) {
+    return file.empty() ? std::string() : std::filesystem::absolute(file).string();
+}
+
+py::list files(const OpenedPathSet& set) {
+    py::list names;
+    for (std::size_t place = 0; place < set.set().fileCount(); ++place)
+        names.append(pathObject(set.set().fileName(place), PathType::kText));
+    return names;
+}
+
+py::list missing(const OpenedPathSet& set) {
+    const py::object range = py::module_::import("builtins").attr("range");
+    py::list all;
+    for (const zqpaths::PathSet::Missing& part : set.set().missing())
+        all.append(
+            py::make_tuple(range(part.firstNumber - 1, part.lastNumber), words(part.reason)));
+    return all;
 }
 
 std::string described(const OpenedPathSet& set) {
@@ -129,13 +151,13 @@ py::list verify(const OpenedPathSet& set) {
 
 }  // namespace
 
-OpenedPathSet openedSet(py::handle file, PathType type) {
+OpenedPathSet openedSet(py::handle file, PathType type, bool isPartial) {
     const GivenPath name(file);
     return naming(py::reinterpret_borrow<py::object>(file), [&] {
-        const std::string given(name.text());
+        const std::string absolute = absoluteName(name.text());
         const py::gil_scoped_release unlocked;
-        return OpenedPathSet(zqpaths::PathSet::open(given), type,
-                             std::filesystem::absolute(given).string());
+        const auto open = isPartial ? zqpaths::PathSet::openPartial : zqpaths::PathSet::open;
+        return OpenedPathSet(open(absolute), type, isPartial);
     });
 }
 
@@ -161,6 +183,20 @@ constexpr const char* kFingerprintDoc =
 
 Readers in several processes that compare it know that a position means the same path to all of them.
 A copy of the file has the same.)";
+
+constexpr const char* kFilesDoc =
+    R"(The absolute names of the set files, in the order of their positions: a list of str.
+
+One, the file itself, unless that is a set of sets, as merge makes them.)";
+
+constexpr const char* kMissingDoc =
+    R"(What cannot be read of a set of sets that was opened with partial=True: a list.
+
+In it is, for neighbours, a pair of their positions, a range, and of the reason, a str that names the
+file. Empty for all other sets.
+
+>>> s.missing
+[])";
 
 constexpr const char* kGoneDoc =
     R"(The paths that were marked as gone, since what they led to is there no more: a Selection.
@@ -237,7 +273,7 @@ Everything that is damaged, as a list of texts; empty if the set is whole. Reads
 >>> s.verify()
 [])";
 
-constexpr const char* kOpenDoc = R"(open(file, *, as_bytes=False)
+constexpr const char* kOpenDoc = R"(open(file, *, as_bytes=False, partial=False)
 --
 
 Opens the set in a file: a PathSet. Takes microseconds, however many paths there are.
@@ -246,7 +282,13 @@ Paths are str, or bytes with as_bytes=True. Raises NotFoundError, a FileNotFound
 such file, other OSErrors for what the system refuses, and Error for a file that is no set, or damaged.
 
 >>> zqpaths.open("data.zqp", as_bytes=True)[0]
-b'/data/a.txt')";
+b'/data/a.txt'
+
+Of a set of sets, as merge makes them, the files are opened when they are first needed. One that is
+missing, or was changed since, raises NotFoundError, or Error of the kind "damaged", from the call that
+needs it. With partial=True what is there can be read, and missing tells of the rest: paths keep their
+positions; find and under give those that are there, under("") all of them; a position of one that is
+missing raises the error.)";
 
 }  // namespace
 
@@ -258,6 +300,8 @@ void bindPathSet(py::module_& module) {
     set.def_property_readonly(
         "fingerprint", [](const OpenedPathSet& self) { return self.set().fingerprint(); },
         kFingerprintDoc);
+    set.def_property_readonly("files", &files, kFilesDoc);
+    set.def_property_readonly("missing", &missing, kMissingDoc);
     set.def_property_readonly("gone", &gone, kGoneDoc);
     set.def("find", &find, kFindDoc, py::arg("text") = py::none(), py::kw_only(),
             py::arg("glob") = py::none(), py::arg("regex") = py::none(),
@@ -271,8 +315,12 @@ void bindPathSet(py::module_& module) {
     set.def("__repr__", &described);
     set.def("__reduce__", &reduced);
     module.def(
-        "open", [](py::handle file, bool isBytes) { return openedSet(file, typeOf(isBytes)); },
-        kOpenDoc, py::arg("file"), py::kw_only(), py::arg("as_bytes") = false);
+        "open",
+        [](py::handle file, bool isBytes, bool isPartial) {
+            return openedSet(file, typeOf(isBytes), isPartial);
+        },
+        kOpenDoc, py::arg("file"), py::kw_only(), py::arg("as_bytes") = false,
+        py::arg("partial") = false);
 }
 
 }  // namespace zqpaths::python

@@ -25,22 +25,31 @@ py::array_t<Value> arrayOf(std::vector<Value> values) {
     return py::array_t<Value>(static_cast<py::ssize_t>(kept.size()), kept.data(), release);
 }
 
+/// Whether one path can take long: where a segment has to be inflated first, or a file to be
+/// mapped. Asks nothing of the files of a set of sets, which are not opened before they are needed.
+bool canTakeLong(const zqpaths::PathSet& set) {
+    const bool isOneFile = set.fileCount() == 1 && set.fileName(0) == set.file();
+    if (!isOneFile) return true;
+    const auto segments = set.segments();
+    return std::any_of(segments.begin(), segments.end(),
+                       [](const auto& segment) { return segment.isPacked; });
+}
+
 }  // namespace
 
 PathSequence::PathSequence(zqpaths::PathSet set, PathType type,
                            std::shared_ptr<const Choice> choice)
-    : set_(std::move(set)), type_(type), choice_(std::move(choice)) {
-    const auto segments = set_.segments();
-    hasPacked_ = std::any_of(segments.begin(), segments.end(),
-                             [](const auto& segment) { return segment.isPacked; });
-}
+    : set_(std::move(set)),
+      type_(type),
+      canTakeLong_(canTakeLong(set_)),
+      choice_(std::move(choice)) {}
 
 py::object PathSequence::path(std::uint64_t place) const {
     constexpr std::size_t kUsualSize = 256;  // of most paths; a text that grows moves several times
     std::string text;
     text.reserve(kUsualSize);
     const auto read = [&] { set_.appendPath(numberAt(*choice_, place), text); };
-    if (hasPacked_) {
+    if (canTakeLong_) {
         const py::gil_scoped_release unlocked;
         read();
     } else {
@@ -69,6 +78,16 @@ py::tuple PathSequence::arrays(const std::vector<std::uint64_t>& places) const {
             });
         });
     return py::make_tuple(arrayOf(std::move(offsets)), arrayOf(std::move(bytes)));
+}
+
+py::object PathSequence::positions(std::uint64_t start, std::uint64_t stop) const {
+    std::vector<std::int64_t> positions(stop - start);
+    {
+        const py::gil_scoped_release unlocked;
+        for (std::uint64_t i = 0; i < positions.size(); ++i)
+            positions[i] = static_cast<std::int64_t>(numberAt(*choice_, start + i) - 1);
+    }
+    return arrayOf(std::move(positions));
 }
 
 template <class Visit>
@@ -157,6 +176,11 @@ py::object take(const PathSequence& paths, py::handle indices, bool isArrowLike)
     const std::vector<std::uint64_t> places = placesOf(indices, paths.size());
     if (isArrowLike) return paths.arrays(places);
     return paths.list(places.size(), [&](std::uint64_t i) { return places[i]; });
+}
+
+py::object positionsBetween(const PathSequence& paths, py::handle start, py::handle stop) {
+    const std::uint64_t end = clampedPlace(stop, paths.size());
+    return paths.positions(std::min(clampedPlace(start, paths.size()), end), end);
 }
 
 std::uint64_t indexOf(const PathSequence& paths, py::handle path, py::handle start,
@@ -254,6 +278,7 @@ void bindPathSequence(py::module_& module) {
     sequence.def("index", &indexOf, kIndexDoc, py::arg("path"), py::arg("start") = 0,
                  py::arg("stop") = py::none());
     sequence.def("count", &countOf, kCountDoc, py::arg("path"));
+    sequence.def("_positions", &positionsBetween, py::arg("start"), py::arg("stop"));
 }
 
 }  // namespace zqpaths::python

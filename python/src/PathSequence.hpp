@@ -64,6 +64,10 @@ public:
     /// last one ends; and these bytes.
     py::tuple arrays(const std::vector<std::uint64_t>& places) const;
 
+    /// The positions in the set of the paths from place `start` to before `stop`, which there are,
+    /// as an array of numpy.
+    py::object positions(std::uint64_t start, std::uint64_t stop) const;
+
     /// The lowest place of a path from `start` to before `stop`, if there is one. O(components *
     /// log folders + names in its folder); where the set has the path more often, or it is to be
     /// counted, O(what is in a folder of this name) besides. O(size) in a shuffle.
@@ -97,7 +101,7 @@ private:
 
     zqpaths::PathSet set_;
     PathType type_;
-    bool hasPacked_;  // segments that are inflated when they are first needed
+    bool canTakeLong_;  // to read one path
     std::shared_ptr<const Choice> choice_;
 };
 

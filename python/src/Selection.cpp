@@ -15,19 +15,15 @@ namespace zqpaths::python {
 namespace {
 
 /// The positions as an array that belongs to the selection.
-py::array_t<std::int64_t> positions(const py::object& self) {
+py::object positions(const py::object& self) {
     const auto& selection = self.cast<const Selection&>();
-    py::array_t<std::int64_t> array;
+    py::object array;
     if (const auto* listed = std::get_if<ListedPaths>(selection.choice().get())) {
         const std::vector<std::int64_t>& values = listed->positions();
         array =
             py::array_t<std::int64_t>(static_cast<py::ssize_t>(values.size()), values.data(), self);
     } else {
-        array = py::array_t<std::int64_t>(static_cast<py::ssize_t>(selection.size()));
-        auto* values = array.mutable_data();
-        const py::gil_scoped_release unlocked;
-        for (std::uint64_t i = 0; i < selection.size(); ++i)
-            values[i] = static_cast<std::int64_t>(numberAt(*selection.choice(), i) - 1);
+        array = selection.positions(0, selection.size());
     }
     array.attr("setflags")(false);
     return array;

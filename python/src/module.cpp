@@ -4,6 +4,7 @@
 
 #include "python/src/Errors.hpp"
 #include "python/src/Indexing.hpp"
+#include "python/src/Merging.hpp"
 #include "python/src/OpenedPathSet.hpp"
 #include "python/src/PathIterator.hpp"
 #include "python/src/PathSequence.hpp"
@@ -21,5 +22,6 @@ PYBIND11_MODULE(_zqpaths, module) {
     zqpaths::python::bindSelection(module);
     zqpaths::python::bindWriter(module);
     zqpaths::python::bindIndexing(module);
+    zqpaths::python::bindMerging(module);
     module.attr("__version__") = ZQ_VERSION;
 }

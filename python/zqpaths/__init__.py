@@ -12,7 +12,8 @@ that read it share its bytes: eight workers of a data loader need no more memory
 >>> list(s.under("/data/b"))
 ['/data/b/c.txt']
 
-Arrays are those of numpy, which is needed for them alone. zqpaths.torch gives sets to loaders of torch.
+Arrays are those of numpy, which is needed for them alone. zqpaths.torch gives sets to loaders of torch;
+zqpaths.dask gives them to the workers of Dask, and has these make some.
 """
 
 from collections.abc import Sequence as _Sequence
@@ -33,6 +34,7 @@ from zqpaths._zqpaths import (
     Writer,
     __version__,
     index,
+    merge,
     open,
 )
 
@@ -50,6 +52,7 @@ __all__ = [
     "Writer",
     "__version__",
     "index",
+    "merge",
     "open",
 ]
 

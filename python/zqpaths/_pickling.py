@@ -10,9 +10,11 @@ from zqpaths._errors import exception_of
 from zqpaths._zqpaths import PathSet, Selection
 
 
-def reopened(file: bytes, as_bytes: bool, fingerprint: int) -> Union[PathSet[str], PathSet[bytes]]:
+def reopened(
+    file: bytes, as_bytes: bool, fingerprint: int, partial: bool = False
+) -> Union[PathSet[str], PathSet[bytes]]:
     """The set in a file, which must be as it was."""
-    opened = _zqpaths.open(file, as_bytes=as_bytes)
+    opened = _zqpaths.open(file, as_bytes=as_bytes, partial=partial)
     if opened.fingerprint != fingerprint:
         reason = f"{os.fsdecode(file)}: has changed since the set was pickled"
         raise exception_of("changed", reason, 0, None)

@@ -8,6 +8,7 @@ import re
 import pytest
 
 import zqpaths
+import zqpaths.dask
 import zqpaths.torch
 from conftest import THREE
 
@@ -27,7 +28,8 @@ def members(one):
 
 
 DOCUMENTED = dict([("zqpaths", zqpaths), *members(zqpaths),
-                   ("zqpaths.torch", zqpaths.torch), *members(zqpaths.torch)])
+                   ("zqpaths.torch", zqpaths.torch), *members(zqpaths.torch),
+                   ("zqpaths.dask", zqpaths.dask), *members(zqpaths.dask)])
 
 
 @pytest.mark.parametrize("name", DOCUMENTED)
@@ -43,7 +45,9 @@ def test_examples(name, make_set, tmp_path, monkeypatch):
 
 def test_every_part_has_an_example():
     with_examples = {name for name, one in DOCUMENTED.items() if ">>> " in one.__doc__}
-    assert {"zqpaths", "zqpaths.torch", "zqpaths.open", "zqpaths.index", "zqpaths.Writer", "zqpaths.Selection",
+    assert {"zqpaths", "zqpaths.torch", "zqpaths.open", "zqpaths.index", "zqpaths.merge",
+            "zqpaths.Writer", "zqpaths.Selection", "zqpaths.dask", "zqpaths.dask.bag",
+            "zqpaths.dask.array_of_numbers", "zqpaths.dask.index", "zqpaths.dask.Partition",
             "PathSequence.take", "PathSequence.index", "PathSequence.count", "PathSet.find",
             "PathSet.under", "PathSet.sample", "PathSet.split", "PathSet.verify"} <= with_examples
 

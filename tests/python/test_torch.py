@@ -51,6 +51,13 @@ def test_is_pickled_by_the_name_of_the_file(many):
     assert pickle.loads(bytes_of_dataset)[[7, 8]] == dataset[[7, 8]]
 
 
+def test_is_of_sets_of_sets_too(three, many, tmp_path):
+    s = zqpaths.merge([three.file, many[1]], tmp_path / "all.zqs")
+    dataset = zqpaths.torch.PathDataset(s, size_of)
+    again = pickle.loads(pickle.dumps(dataset))
+    assert again[[0, 7]] == dataset[[0, 7]] == [len(THREE[0]), len(many[0][4])]
+
+
 @pytest.mark.parametrize("method", ["fork", "spawn"])
 def test_gives_whole_batches_in_workers(many, method):
     paths, file = many

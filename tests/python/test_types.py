@@ -15,6 +15,7 @@ PACKAGES = os.path.dirname(os.path.dirname(zqpaths.__file__))
 USES = """
 from typing import List
 import zqpaths
+import zqpaths.dask
 s = zqpaths.open("data.zqp")
 path: str = s[0]
 paths: List[str] = s[1:]
@@ -27,6 +28,11 @@ for one in b.find(glob="*.png"):
 with zqpaths.Writer("data.zqp", "a") as writer:
     writer.extend(iter(s.under("/data")))
 zqpaths.index("/data", "data.zqp", progress=print)
+everything = zqpaths.merge(["data.zqp", b"more.zqp"], "all.zqs", mode="w")
+places: List[range] = [positions for positions, reason in everything.missing]
+last: str = zqpaths.open(everything.files[-1], partial=True)[-1]
+made = zqpaths.dask.index(zqpaths.dask.bag(s, npartitions=2), "x.zqs", packed=True)
+first: str = made[0]
 """
 
 

@@ -65,6 +65,14 @@ std::list<WalkedDirectory> DirectoryReader::read(WalkedDirectory& directory) noe
     return subdirectories;
 }
 
+void DirectoryReader::lead(WalkedDirectory& directory) {
+    DirectoryStream stream = open_.open(directory);
+    struct stat status {};
+    if (!stream || ::fstat(::dirfd(stream.get()), &status) != 0) return;
+    directory.stamp = stampOf(status);
+    open_.keep(directory, std::move(stream));
+}
+
 bool DirectoryReader::isEntered(WalkedDirectory& directory, int descriptor) const {
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) {

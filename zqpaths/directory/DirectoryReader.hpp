@@ -27,6 +27,11 @@ public:
     /// Throws nothing: what goes wrong is left in `directory`.
     std::list<WalkedDirectory> read(WalkedDirectory& directory) noexcept;
 
+    /// Takes a directory as one that has been read, without reading it: those above it come first,
+    /// and what is below it will be read. Throws std::bad_alloc; what cannot be opened is found out
+    /// again below it.
+    void lead(WalkedDirectory& directory);
+
     /// Nothing below `directory` will be read any more.
     void drop(const WalkedDirectory& directory) { open_.drop(directory); }
 

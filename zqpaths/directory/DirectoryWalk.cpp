@@ -50,15 +50,43 @@ public:
         ahead_.emplace_back(nullptr, root);
         ahead_.back().known = known;
         report(takeFirst());
-        if (ahead_.empty()) return leftOut_;
-        for (unsigned i = 1; i < threadCount_; ++i) helpers_.emplace_back([this] { help(); });
-        while (hasMore()) report(takeFirst());
+        return goOn();
+    }
+
+    LeftOutNames run(const std::string& root, const WalkPart& part) {
+        WalkedDirectory* above = nullptr;
+        for (std::size_t i = 0; i < part.names.size(); ++i)
+            above = &lead(above, above == nullptr ? root : part.names[i - 1]);
+        ahead_.emplace_back(above, above == nullptr ? root : part.names.back());
+        report(takeFirst());
+        if (part.isDeep) return goOn();
+        if (visitors_.onSubdirectory)
+            for (const WalkedDirectory& directory : ahead_)
+                visitors_.onSubdirectory(directory.name);
         return leftOut_;
     }
 
 private:
     using Place = std::list<WalkedDirectory>::iterator;
     using Lock = std::unique_lock<std::mutex>;
+
+    /// A directory on the way to the one that a part begins with, as if it had been reported.
+    WalkedDirectory& lead(WalkedDirectory* above, const std::string& name) {
+        WalkedDirectory& directory = entered_.emplace_back(above, name);
+        directory.state = State::kRead;
+        reader_.lead(directory);
+        beginPath(directory);
+        endPath(directory);
+        return directory;
+    }
+
+    /// Walks all that is ahead.
+    LeftOutNames goOn() {
+        if (ahead_.empty()) return leftOut_;
+        for (unsigned i = 1; i < threadCount_; ++i) helpers_.emplace_back([this] { help(); });
+        while (hasMore()) report(takeFirst());
+        return leftOut_;
+    }
 
     bool hasMore() {
         const Lock lock(mutex_);
@@ -115,6 +143,16 @@ private:
         firstIsRead_.notify_one();
     }
 
+    /// Makes the path that of a directory, then that of what is in it, which a separator ends.
+    void beginPath(const WalkedDirectory& directory) {
+        path_.resize(directory.parent == nullptr ? 0 : directory.parent->pathLength);
+        path_.append(directory.name);
+    }
+    void endPath(WalkedDirectory& directory) {
+        if (path_.empty() || path_.back() != kSeparator) path_.push_back(kSeparator);
+        directory.pathLength = path_.size();
+    }
+
     void report(WalkedDirectory& directory) {
         if (directory.failure) std::rethrow_exception(directory.failure);
         if (directory.isKept()) {
@@ -122,16 +160,13 @@ private:
             return;
         }
         leftOut_ += directory.leftOut;
-        path_.resize(directory.parent == nullptr ? 0 : directory.parent->pathLength);
-        path_.append(directory.name);
+        beginPath(directory);
         if (directory.sameAbove != nullptr)
             visitors_.onError(path_,
                               "is " + pathOf(*directory.sameAbove) + ", in which it is: a loop");
         else if (directory.error != 0)
             visitors_.onError(path_, std::generic_category().message(directory.error));
-        if (path_.empty() || path_.back() != kSeparator) path_.push_back(kSeparator);
-
-        directory.pathLength = path_.size();
+        endPath(directory);
         if (visitors_.onDirectory) visitors_.onDirectory(met(directory));
         if (visitors_.onPath) {
             for (const std::string& name : directory.files) {
@@ -192,6 +227,11 @@ LeftOutNames walkDirectory(const std::string& root, const WalkOptions& options,
     if (known != nullptr && known->scan.directories.front().state < ScanState::kUnreadable)
         place = 0;
     return Walk(options, visitors, known).run(root, place);
+}
+
+LeftOutNames walkPart(const std::string& root, const WalkPart& part, const WalkOptions& options,
+                      const WalkVisitors& visitors) {
+    return Walk(options, visitors, nullptr).run(root, part);
 }
 
 LeftOutNames walkDirectory(const std::string& root, const WalkOptions& options,

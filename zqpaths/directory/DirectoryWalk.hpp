@@ -69,6 +69,9 @@ using DirectoryVisitor = std::function<void(const MetDirectory& directory)>;
 /// to the one before another.
 using KeptVisitor = std::function<void(std::uint32_t first, std::uint32_t end)>;
 
+/// Takes the name of a sub-directory.
+using NameVisitor = std::function<void(std::string_view name)>;
+
 /// What is told of a walk, in its order: a directory, what is reported in it, then those below.
 struct WalkVisitors {
     ErrorVisitor onError;
@@ -76,6 +79,7 @@ struct WalkVisitors {
     EntryVisitor onPath{};
     DirectoryVisitor onDirectory{};
     KeptVisitor onKept{};
+    NameVisitor onSubdirectory{};  // by a part that goes into none: those that the walk goes into
 };
 
 struct KnownDirectories;
@@ -87,6 +91,28 @@ struct KnownDirectories;
 ZQPATHS_EXPORT LeftOutNames walkDirectory(const std::string& root, const WalkOptions& options,
                                           const WalkVisitors& visitors,
                                           const KnownDirectories* known = nullptr);
+
+/// A part of a walk: a directory, alone or with all below it.
+struct WalkPart {
+    std::vector<std::string> names{};  // that lead to it from the root; none for the root itself
+    bool isDeep = true;                // else what is directly in it, and nothing further down
+
+    bool operator==(const WalkPart&) const = default;
+};
+
+/// Walks a part of what is below `root` as the whole walk does: patterns, depth, file systems and
+/// loops count from the root on. What is in a directory alone, and then, one after the other, the
+/// parts of the sub-directories that it tells of are all of the directory, so that several
+/// processes can share a walk:
+///
+///     {{}, false}               /usr/x
+///     {{"bin"}, true}           /usr/bin/a  /usr/bin/b  /usr/bin/c/d
+///     {{"lib"}, false}          /usr/lib/e
+///     {{"lib", "f"}, true}      /usr/lib/f/g
+///
+/// Throws as the next. O(names that lead to it + what it walks).
+ZQPATHS_EXPORT LeftOutNames walkPart(const std::string& root, const WalkPart& part,
+                                     const WalkOptions& options, const WalkVisitors& visitors);
 
 /// Walks `root` and tells how many names it has left out. What cannot be read goes to `onError`,
 /// the walk goes on past it. Throws Error kWrongUse for patterns beyond all bounds, std::bad_alloc,

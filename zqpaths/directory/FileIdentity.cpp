@@ -11,12 +11,15 @@ namespace zqpaths {
 std::vector<FileIdentity> filesOfSet(const std::string& path) {
     const std::string real = withoutLinks(path);
     std::vector<FileIdentity> files;
-    for (const std::string& file : {real, PendingFile::temporaryPathFor(real)}) {
-        struct stat status {};
-        if (::lstat(file.c_str(), &status) != 0) continue;
-        files.push_back({status.st_dev, status.st_ino, file.substr(folderLength(file))});
-    }
+    for (const std::string& file : {real, PendingFile::temporaryPathFor(real)})
+        if (std::optional<FileIdentity> found = fileAt(file)) files.push_back(*std::move(found));
     return files;
+}
+
+std::optional<FileIdentity> fileAt(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) return std::nullopt;
+    return FileIdentity{status.st_dev, status.st_ino, path.substr(folderLength(path))};
 }
 
 }  // namespace zqpaths

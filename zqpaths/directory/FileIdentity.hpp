@@ -7,6 +7,7 @@
 
 #include <sys/types.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,5 +24,8 @@ struct FileIdentity {
 /// The files of a set that are there: the one at its path, if there is one, and the one that a
 /// writer at work is to put in its place.
 ZQPATHS_EXPORT std::vector<FileIdentity> filesOfSet(const std::string& path);
+
+/// What is at a path, also a directory or a symbolic link; nothing if there is nothing.
+ZQPATHS_EXPORT std::optional<FileIdentity> fileAt(const std::string& path);
 
 }  // namespace zqpaths

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <iomanip>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -106,6 +107,13 @@ std::string PendingFile::temporaryPathFor(const std::string& path) {
     digits << std::hex << std::setw(kDigits) << std::setfill('0')
            << compressedpaths::hashOf(name.data(), name.size(), 0);
     return directory + ".zqpaths-" + digits.str();
+}
+
+void writeInPlace(const std::string& path, std::string_view bytes) {
+    PendingFile pending(path, path, kWriterWait);
+    pending.file().writeAt(0, std::as_bytes(std::span(bytes)));
+    pending.file().sync();
+    pending.publishInPlace();
 }
 
 }  // namespace zqpaths

@@ -18,7 +18,9 @@
 
 #include <chrono>
 #include <string>
+#include <string_view>
 
+#include "zqpaths/Export.hpp"
 #include "zqpaths/file/SystemFile.hpp"
 
 namespace zqpaths {
@@ -46,7 +48,7 @@ public:
     bool isPublished() const noexcept { return isPublished_; }
 
     /// Removes what a killed process left for this path, unless it is being written.
-    static void removeLeft(const std::string& path);
+    ZQPATHS_EXPORT static void removeLeft(const std::string& path);
 
     /// The name until then: short, because the one that the file is to have may be as long as
     /// names can be.
@@ -59,5 +61,9 @@ private:
     pid_t process_;
     bool isPublished_ = false;
 };
+
+/// Gives a file these bytes, in the place of one that may be there, and puts them on the device.
+/// Throws Error kHeld, kNoSpace or kSystem; what was there is then as it was.
+ZQPATHS_EXPORT void writeInPlace(const std::string& path, std::string_view bytes);
 
 }  // namespace zqpaths

@@ -1,7 +1,10 @@
 #include "zqpaths/manifest/SetManifestWriter.hpp"
 
 #include <cassert>
+#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
+#include <new>
 #include <span>
 #include <system_error>
 #include <unordered_map>
@@ -21,9 +24,14 @@ NewFile newFile(const std::string& file, SetManifestWriter::Mode mode) {
 }
 
 /// The folder of a file as the system knows it, so that ways from one to another can be told.
+/// Throws Error.
 std::filesystem::path folderOf(const std::string& file) {
     const std::string folder = directoryOf(file);
-    return std::filesystem::weakly_canonical(folder.empty() ? "." : folder);
+    const std::unique_ptr<char, decltype(&std::free)> real(
+        ::realpath(folder.empty() ? "." : folder.c_str(), nullptr), &std::free);
+    if (!real && errno == ENOMEM) throw std::bad_alloc();
+    if (!real) throw systemError(folder.empty() ? file : folder, errno);
+    return real.get();
 }
 
 }  // namespace
@@ -43,12 +51,7 @@ public:
     void addSegments(const std::string& setFile, std::uint64_t firstSegment,
                      std::uint64_t segmentCount) {
         const auto opened = OpenedSet::open(setFile);
-        if (firstSegment > opened->segmentCount() ||
-            segmentCount > opened->segmentCount() - firstSegment)
-            throw Error(ErrorKind::kWrongUse, setFile,
-                        "there are no segments " + std::to_string(firstSegment) + " to " +
-                            std::to_string(firstSegment + segmentCount) + ", the set has " +
-                            std::to_string(opened->segmentCount()));
+        opened->requireSegments(firstSegment, segmentCount);
         append(*opened, opened->manifestRows(firstSegment, segmentCount));
     }
 

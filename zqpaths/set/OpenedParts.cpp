@@ -1,6 +1,7 @@
 #include "zqpaths/set/OpenedParts.hpp"
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <iterator>
@@ -16,10 +17,18 @@ std::size_t mostOpenParts() noexcept {
     return std::clamp<std::size_t>(limit.rlim_cur / 2, 1, OpenedParts::kMostParts);
 }
 
+/// The folder that a manifest is in, which a symbolic link to it need not be in.
+std::string folderOf(const std::string& manifest) {
+    struct stat status {};
+    const bool isLink = ::lstat(manifest.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+    return directoryOf(isLink ? withoutLinks(manifest) : manifest);
+}
+
 }  // namespace
 
 OpenedParts::OpenedParts(std::string name, std::vector<ManifestFile> files, const SetParts& parts)
     : name_(std::move(name)),
+      folder_(folderOf(name_)),
       files_(std::move(files)),
       parts_(parts),
       mostParts_(mostOpenParts()) {}
@@ -68,7 +77,7 @@ std::shared_ptr<OpenedParts::Opened> OpenedParts::keep(std::size_t part) const {
 
 std::string OpenedParts::nameOf(std::size_t file) const {
     const std::string& path = files_[file].path;
-    return path.front() == '/' ? path : directoryOf(name_) + path;
+    return path.front() == '/' ? path : folder_ + path;
 }
 
 std::shared_ptr<const SetFile> OpenedParts::file(std::size_t file) const {

@@ -68,6 +68,7 @@ private:
     }
 
     std::string name_;
+    std::string folder_;  // that relative names lead from
     std::vector<ManifestFile> files_;
     const SetParts& parts_;
     std::size_t mostParts_;

@@ -25,8 +25,8 @@ ProgramTable tableWithoutHelp(Team& team) {
     return {.name = kName,
             .version = ZQ_VERSION,
             .summary = "make and search very large sets of file paths with many processes",
-            .verbs = {findVerb(team), numberVerb(team), sampleVerb(team), shuffleVerb(team),
-                      verifyVerb(team), diffVerb(team),
+            .verbs = {indexVerb(team), findVerb(team), numberVerb(team), sampleVerb(team),
+                      shuffleVerb(team), verifyVerb(team), diffVerb(team),
                       documentVerb(kName, [&team] { return teamTable(team); })},
             .description = kDescription};
 }

@@ -10,6 +10,7 @@ namespace zqpaths::program::mpi {
 
 Verb diffVerb(Team& team);
 Verb findVerb(Team& team);
+Verb indexVerb(Team& team);
 Verb numberVerb(Team& team);
 Verb sampleVerb(Team& team);
 Verb shuffleVerb(Team& team);

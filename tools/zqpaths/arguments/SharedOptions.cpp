@@ -14,6 +14,12 @@ Option setArgument(std::string& set) {
     return argument("SET", set, "the saved set");
 }
 
+Option partialOption(bool& partial) {
+    return flag("--partial", partial,
+                "read what is there of a set of sets, and tell each file that is missing; the "
+                "status is as if there were no others");
+}
+
 Option forceOption(bool& force) {
     return flag("--force", force, "replace a set that is there");
 }
@@ -70,11 +76,28 @@ constexpr std::array kFormats{
     NamedFormat{"rclone", SourceFormat::kRclone},  NamedFormat{"gsutil", SourceFormat::kGsutil},
     NamedFormat{"jsonl", SourceFormat::kJsonLines}};
 
+/// A file of paths, or several that several processes share, which may follow as arguments.
+Option listOption(SourceOptions& source, SourceReaders readers) {
+    const bool isShared = readers == SourceReaders::kMany;
+    Option option{"--list", kFileValue,
+                  isShared ? "the paths in FILE, and in those that follow"
+                           : "the paths in FILE, - for standard input",
+                  [&source](const std::string& file) {
+                      source.format = SourceFormat::kList;
+                      source.directories.push_back(file);
+                  }};
+    option.isRepeated = isShared;
+    return isShared ? option : excluding("DIR", std::move(option));
+}
+
 /// Its words are all that it takes.
-Option formatOption(std::optional<SourceFormat>& format) {
+Option formatOption(std::optional<SourceFormat>& format, SourceReaders readers) {
+    const std::string files =
+        readers == SourceReaders::kMany ? "read files" : "read files, - for standard input,";
     Option option{"--from", "FORMAT",
-                  "read files, - for standard input, in place of directories: tar, zip, listings "
-                  "of s3, s3cmd, rclone or gsutil, jsonl",
+                  files +
+                      " in place of directories: tar, zip, listings of s3, s3cmd, rclone or "
+                      "gsutil, jsonl",
                   [&format](const std::string& given) {
                       const auto* const named =
                           std::ranges::find(kFormats, given, &NamedFormat::name);
@@ -101,13 +124,17 @@ Option typesOption(std::string& types) {
 
 }  // namespace
 
+const char* nameOfFormat(SourceFormat format) {
+    return std::ranges::find(kFormats, format, &NamedFormat::format)->name;
+}
+
 Option directoriesArgument(SourceOptions& source, std::string description) {
     Option directories = arguments("DIR", source.directories, std::move(description));
     directories.isRequired = false;
     return directories;
 }
 
-std::vector<Option> sourceOptions(SourceOptions& source) {
+std::vector<Option> sourceOptions(SourceOptions& source, SourceReaders readers) {
     Option nulDelimited =
         flag("-0,--null", source.nulDelimited, "the paths of the list end with NUL");
     nulDelimited.needed = "--list";
@@ -115,9 +142,7 @@ std::vector<Option> sourceOptions(SourceOptions& source) {
         directoriesArgument(source,  // without any there is a list
                             "directories to walk, and archives of tar and zip: everything "
                             "in them but directories is added"),
-        excluding("DIR", text("--list", kFileValue, source.list,
-                              "the paths in FILE, - for standard input")),
-        std::move(nulDelimited), formatOption(source.format),
+        listOption(source, readers), std::move(nulDelimited), formatOption(source.format, readers),
         text("--field", "NAME", source.field,
              "the member of jsonl's objects that is the path; outer.inner for one in another"),
         walkOptions(source));

@@ -8,6 +8,7 @@
 
 #include "tools/zqpaths/arguments/Verb.hpp"
 #include "tools/zqpaths/output/PathFields.hpp"
+#include "zqpaths/directory/FileIdentity.hpp"
 
 namespace zqpaths::program {
 
@@ -27,27 +28,35 @@ struct MessageOptions {
     bool jsonProgress = false;  // objects, to be read by programs; also if quiet
 };
 
-/// What --from knows: archives, what tools for object stores print, and objects of JSON.
-enum class SourceFormat { kTar, kZip, kS3, kS3cmd, kRclone, kGsutil, kJsonLines };
+/// What --from knows: archives, what tools for object stores print, and objects of JSON; and lists,
+/// of which there can be several where --list is given.
+enum class SourceFormat { kTar, kZip, kS3, kS3cmd, kRclone, kGsutil, kJsonLines, kList };
+
+/// As --from takes it, which does not know lists.
+const char* nameOfFormat(SourceFormat format);
 
 /// Where paths come from.
 struct SourceOptions {
     std::vector<std::string> directories;  // or archives; with a format, files of it
     std::optional<SourceFormat> format;
-    std::string field;                // whose values are the paths, of kJsonLines
-    std::optional<std::string> list;  // a file of paths, "-" for standard input
-    bool nulDelimited = false;        // the list's paths end with NUL, else with a newline
-    bool follow = false;              // symbolic links to directories
+    std::string field;          // whose values are the paths, of kJsonLines
+    bool nulDelimited = false;  // paths of lists end with NUL, else with a newline
+    bool follow = false;        // symbolic links to directories
     bool oneFileSystem = false;
     bool hidden = false;                   // take names that begin with '.', too
     std::vector<std::string> exclude;      // patterns as gitignore has them
     std::vector<std::string> excludeFrom;  // files of such patterns
     std::string types;                     // of 'f', 'd' and 'l'; empty for all but directories
     std::optional<std::uint64_t> maxDepth;
-    bool ignoreUnreadable = false;  // not a failure at the end
-    bool verbose = false;           // tell each directory that cannot be read
-    unsigned jobs = 0;              // threads that read directories; 0 for one a core
+    bool ignoreUnreadable = false;       // not a failure at the end
+    bool verbose = false;                // tell each directory that cannot be read
+    unsigned jobs = 0;                   // threads that read directories; 0 for one a core
+    std::vector<FileIdentity> notTaken;  // of directories, besides the set itself
 };
+
+/// How many processes read the paths together: one, or many, which need files that can be opened
+/// again and again.
+enum class SourceReaders { kOne, kMany };
 
 /// What verbs that read paths say of where they come from.
 inline constexpr const char* kSourceDetails =
@@ -69,13 +78,15 @@ struct PieceOptions {
 };
 
 Option setArgument(std::string& set);
+Option partialOption(bool& partial);  // of a set that is read
 Option forceOption(bool& force);
 Option seedOption(std::optional<std::uint64_t>& seed);
 Option goneOption(bool& gone);
 std::vector<Option> progressOptions(MessageOptions& messages);  // the last of messageOptions()
 std::vector<Option> outputOptions(OutputOptions& output);
 std::vector<Option> messageOptions(MessageOptions& messages);
-std::vector<Option> sourceOptions(SourceOptions& source);
+std::vector<Option> sourceOptions(SourceOptions& source,
+                                  SourceReaders readers = SourceReaders::kOne);
 Option directoriesArgument(SourceOptions& source, std::string description);  // need not be given
 std::vector<Option> walkOptions(SourceOptions& source);  // the last of sourceOptions()
 std::vector<Option> pieceOptions(PieceOptions& pieces);

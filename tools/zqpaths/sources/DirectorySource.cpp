@@ -23,26 +23,30 @@ void requireDirectory(const std::string& path) {
 }
 
 DirectorySource::DirectorySource(std::string directory, WalkOptions options, std::string set,
-                                 bool isVerbose)
+                                 UnreadableVisitor onUnreadable, std::optional<WalkPart> part)
     : directory_(std::move(directory)),
       options_(std::move(options)),
       set_(std::move(set)),
-      isVerbose_(isVerbose) {
+      onUnreadable_(std::move(onUnreadable)),
+      part_(std::move(part)) {
     requireDirectory(directory_);
 }
 
 SourceReport DirectorySource::visit(const std::function<void(std::string_view path)>& visitor) {
-    options_.notTaken = filesOfSet(set_);
+    for (FileIdentity& file : filesOfSet(set_)) options_.notTaken.push_back(std::move(file));
     SourceReport report;
+    WalkVisitors visitors{.onError =
+                              [&](std::string_view path, std::string_view reason) {
+                                  report.addUnreadable(path, reason, onUnreadable_);
+                              },
+                          .onPath = visitor};
+    if (part_) {
+        report.leftOut = walkPart(directory_, *part_, options_, visitors);
+        return report;
+    }
     ScanWriter scan({directory_, nowInNanoseconds(), scanOptionsOf(options_)});
-    report.leftOut = walkDirectory(
-        directory_, options_,
-        {.onError =
-             [&](std::string_view path, std::string_view reason) {
-                 report.addUnreadable(path, reason, isVerbose_);
-             },
-         .onPath = visitor,
-         .onDirectory = [&scan](const MetDirectory& met) { scan.add(met.directory); }});
+    visitors.onDirectory = [&scan](const MetDirectory& met) { scan.add(met.directory); };
+    report.leftOut = walkDirectory(directory_, options_, visitors);
     scans_.push_back(std::move(scan).finish());
     return report;
 }

@@ -1,7 +1,9 @@
 #pragma once
-// DirectorySource gives what is in a directory tree, in the order of DirectoryWalk.
+// DirectorySource gives what is in a directory tree, or in a part of it, in the order of
+// DirectoryWalk.
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -20,9 +22,11 @@ void requireDirectory(const std::string& path);
 
 class DirectorySource final : public PathSource {
 public:
-    /// The files of `set`, as they are when the paths are visited, are left out. With `isVerbose`
-    /// each directory that cannot be read is told. Throws Failure kFailed if `directory` is none.
-    DirectorySource(std::string directory, WalkOptions options, std::string set, bool isVerbose);
+    /// The files of `set`, as they are when the paths are visited, are left out. Each directory
+    /// that cannot be read is told to `onUnreadable`, which may be empty. Throws Failure kFailed if
+    /// `directory` is none.
+    DirectorySource(std::string directory, WalkOptions options, std::string set,
+                    UnreadableVisitor onUnreadable, std::optional<WalkPart> part = {});
 
     SourceReport visit(const std::function<void(std::string_view path)>& visitor) override;
     std::vector<EncodedScan> takeScans() override { return std::move(scans_); }
@@ -31,8 +35,9 @@ private:
     std::string directory_;
     WalkOptions options_;
     std::string set_;
-    bool isVerbose_;
-    std::vector<EncodedScan> scans_;  // one, once the directory has been read
+    UnreadableVisitor onUnreadable_;
+    std::optional<WalkPart> part_;    // none for the whole, which is recorded
+    std::vector<EncodedScan> scans_;  // one, once the whole directory has been read
 };
 
 }  // namespace zqpaths::program

@@ -14,8 +14,9 @@ namespace zqpaths::program {
 
 class ListSource final : public PathSource {
 public:
-    /// The list in a file, "-" for standard input. Throws Failure kFailed if it cannot be opened.
-    ListSource(const std::string& fileName, bool nulDelimited);
+    /// The list in a file, "-" for standard input, or a range of it. Throws Failure kFailed if it
+    /// cannot be opened.
+    ListSource(const std::string& fileName, bool nulDelimited, ByteRange range = {});
 
     /// Takes what comes when it comes, from pipes too; memory for the longest path.
     SourceReport visit(const std::function<void(std::string_view path)>& visitor) override;

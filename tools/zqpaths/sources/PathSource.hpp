@@ -7,6 +7,7 @@
 //
 // It holds none of the paths.
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
+#include "tools/zqpaths/sources/LineInput.hpp"
 #include "tools/zqpaths/sources/SourceReport.hpp"
 #include "zqpaths/directory/DirectoryWalk.hpp"
 
@@ -43,6 +45,28 @@ public:
 /// not among those of a directory. Throws Failure kFailed if nothing to read is given, if it
 /// cannot be read or is not what it should be, and for options that cannot be meant.
 std::unique_ptr<PathSource> openSource(const SourceOptions& options, const std::string& set);
+
+/// What a name that options tell stands for, and how it can be cut: a tree of directories, lines,
+/// or an archive, which is read as a whole.
+enum class SourceKind { kDirectory, kLines, kWhole };
+SourceKind kindOf(const std::string& name, const SourceOptions& options);
+
+/// Throws Failure kFailed if nothing to read is given, and for options that do not fit.
+void requireSources(const SourceOptions& options);
+
+/// A part of one of the sources that options tell.
+struct SourcePart {
+    std::size_t source = 0;  // its place among SourceOptions::directories
+    ByteRange bytes{};       // of lines
+    WalkPart directory{};    // of a directory
+
+    bool operator==(const SourcePart&) const = default;
+};
+
+/// The same as openSource of one part, for processes that share the work. Nothing is recorded of
+/// its directories. Those that cannot be read are told to `onUnreadable` with `options.verbose`.
+std::unique_ptr<PathSource> openPart(const SourceOptions& options, const SourcePart& part,
+                                     const std::string& set, const UnreadableVisitor& onUnreadable);
 
 /// How directories are to be read. Throws Failure kFailed for options that cannot be meant, or a
 /// file of patterns that cannot be read.

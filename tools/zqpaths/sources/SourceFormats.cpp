@@ -1,5 +1,6 @@
 #include "tools/zqpaths/sources/SourceFormats.hpp"
 
+#include "tools/zqpaths/sources/ListSource.hpp"
 #include "tools/zqpaths/sources/archives/ArchiveSource.hpp"
 #include "tools/zqpaths/sources/listings/LineReaders.hpp"
 #include "tools/zqpaths/sources/listings/ListingSource.hpp"
@@ -7,7 +8,7 @@
 namespace zqpaths::program {
 namespace {
 
-LineReader readerOf(const SourceOptions& options) {
+LineReader readerOf(const SourceOptions& options, bool isAfterGap) {
     switch (*options.format) {
         case SourceFormat::kS3:
             return s3Reader();
@@ -16,7 +17,7 @@ LineReader readerOf(const SourceOptions& options) {
         case SourceFormat::kRclone:
             return rcloneReader();
         case SourceFormat::kGsutil:
-            return gsutilReader();
+            return gsutilReader(isAfterGap);
         default:
             return jsonLinesReader(options.field);
     }
@@ -24,12 +25,23 @@ LineReader readerOf(const SourceOptions& options) {
 
 }  // namespace
 
-std::unique_ptr<PathSource> openFormat(const std::string& file, const SourceOptions& options) {
-    if (options.format == SourceFormat::kTar)
-        return std::make_unique<ArchiveSource>(file, ArchiveFormat::kTar);
-    if (options.format == SourceFormat::kZip)
-        return std::make_unique<ArchiveSource>(file, ArchiveFormat::kZip);
-    return std::make_unique<ListingSource>(file, readerOf(options));
+bool isOfLines(SourceFormat format) noexcept {
+    return format != SourceFormat::kTar && format != SourceFormat::kZip;
+}
+
+std::unique_ptr<PathSource> openFormat(const std::string& file, const SourceOptions& options,
+                                       ByteRange range) {
+    switch (*options.format) {
+        case SourceFormat::kTar:
+            return std::make_unique<ArchiveSource>(file, ArchiveFormat::kTar);
+        case SourceFormat::kZip:
+            return std::make_unique<ArchiveSource>(file, ArchiveFormat::kZip);
+        case SourceFormat::kList:
+            return std::make_unique<ListSource>(file, options.nulDelimited, range);
+        default:
+            return std::make_unique<ListingSource>(
+                file, [&](bool isAfterGap) { return readerOf(options, isAfterGap); }, range);
+    }
 }
 
 }  // namespace zqpaths::program

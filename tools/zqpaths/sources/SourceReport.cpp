@@ -33,10 +33,11 @@ SourceReport& SourceReport::operator+=(const SourceReport& next) {
     return *this;
 }
 
-void SourceReport::addUnreadable(std::string_view path, std::string_view reason, bool isTold) {
+void SourceReport::addUnreadable(std::string_view path, std::string_view reason,
+                                 const UnreadableVisitor& onUnreadable) {
     const std::string text = printablePath(path).append(": ").append(reason);
     if (unreadableCount++ == 0) firstUnreadable = text;
-    if (isTold) tell(text);
+    if (onUnreadable) onUnreadable(text);
 }
 
 ExitStatus statusAfter(const SourceReport& report, const SourceOptions& options,

@@ -5,6 +5,7 @@
 // Threads: free functions without state.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,9 @@
 
 namespace zqpaths::program {
 
+/// Takes "/a/b: Permission denied".
+using UnreadableVisitor = std::function<void(std::string_view text)>;
+
 struct SourceReport {
     LeftOutNames leftOut;
     std::uint64_t unreadableCount = 0;  // directories
@@ -22,8 +26,11 @@ struct SourceReport {
     /// What is said of two sources, one after the other.
     SourceReport& operator+=(const SourceReport& next);
 
-    /// Tells it on standard error if `isTold`.
-    void addUnreadable(std::string_view path, std::string_view reason, bool isTold);
+    /// Tells it, unless there is nobody to tell.
+    void addUnreadable(std::string_view path, std::string_view reason,
+                       const UnreadableVisitor& onUnreadable);
+
+    bool operator==(const SourceReport&) const = default;
 };
 
 /// Tells how many names were left out and why, a line each, unless the person wants errors only;

@@ -26,7 +26,8 @@ std::vector<std::string> visited(PathSource& source) {
 
 std::unique_ptr<PathSource> listSource(const std::string& file, bool nulDelimited = false) {
     SourceOptions options;
-    options.list = file;
+    options.format = SourceFormat::kList;
+    options.directories = {file};
     options.nulDelimited = nulDelimited;
     return openSource(options, "none.zqp");
 }

@@ -32,7 +32,9 @@ using LineReader = std::function<std::optional<std::string_view>(std::string_vie
 LineReader s3Reader();
 LineReader s3cmdReader();
 LineReader rcloneReader();
-LineReader gsutilReader();
+/// Headings of folders stand at the very front and after empty lines: where the first line does
+/// not, `isAfterGap` is false.
+LineReader gsutilReader(bool isAfterGap = true);
 
 /// Objects of JSON, one a line, whose paths are the values of the member `field`, which are texts.
 /// "a.b" is the member b of a, unless there is one of that name. Lines of white space have none.

@@ -1,6 +1,5 @@
 #include "tools/zqpaths/sources/listings/ListingSource.hpp"
 
-#include <cstdint>
 #include <optional>
 
 #include "tools/zqpaths/Failure.hpp"
@@ -8,9 +7,9 @@
 namespace zqpaths::program {
 
 SourceReport ListingSource::visit(const std::function<void(std::string_view path)>& visitor) {
-    input_.visit([&](std::string_view line, std::uint64_t number) {
+    input_.visit([&](std::string_view line) {
         const auto refuse = [&](const std::string& reason) {
-            throw failureAt(input_.name(), "line " + std::to_string(number) + reason);
+            throw failureAt(input_.name(), input_.place("line") + reason);
         };
         std::optional<std::string_view> path;
         try {

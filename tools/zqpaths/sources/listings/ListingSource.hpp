@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "tools/zqpaths/sources/LineInput.hpp"
 #include "tools/zqpaths/sources/PathSource.hpp"
@@ -15,12 +14,15 @@ namespace zqpaths::program {
 
 class ListingSource final : public PathSource {
 public:
-    /// The listing in a file, "-" for standard input. Throws Failure kFailed if it cannot be
-    /// opened.
-    ListingSource(const std::string& fileName, LineReader reader)
-        : input_(fileName, '\n'), reader_(std::move(reader)) {}
+    /// Makes a reader; it is told whether nothing, or an empty line, stands before the first line.
+    using ReaderMaker = std::function<LineReader(bool isAfterGap)>;
 
-    /// Throws Failure kFailed, with its number and what was expected, for a line that does not fit.
+    /// The listing in a file, "-" for standard input, or a range of it. Throws Failure kFailed if
+    /// it cannot be opened.
+    ListingSource(const std::string& fileName, const ReaderMaker& makeReader, ByteRange range = {})
+        : input_(fileName, '\n', range), reader_(makeReader(input_.isAfterGap())) {}
+
+    /// Throws Failure kFailed, with its place and what was expected, for a line that does not fit.
     SourceReport visit(const std::function<void(std::string_view path)>& visitor) override;
     std::optional<double> partGiven() const noexcept override { return input_.partRead(); }
 

@@ -72,6 +72,8 @@ Path readRclone(std::string_view line) {
 /// is an object whose name is a colon.
 class GsutilReader {
 public:
+    explicit GsutilReader(bool isAfterGap) : isAfterGap_(isAfterGap) {}
+
     Path operator()(std::string_view line) {
         const bool mayBeHeading = isAfterGap_;
         isAfterGap_ = line.empty();
@@ -105,7 +107,7 @@ private:
         return objectName(columns.rest(), size);
     }
 
-    bool isAfterGap_ = true;
+    bool isAfterGap_;
 };
 
 }  // namespace
@@ -122,8 +124,8 @@ LineReader rcloneReader() {
     return readRclone;
 }
 
-LineReader gsutilReader() {
-    return GsutilReader();
+LineReader gsutilReader(bool isAfterGap) {
+    return GsutilReader(isAfterGap);
 }
 
 }  // namespace zqpaths::program

@@ -38,7 +38,7 @@ public:
     Changes(GrowingSet* set, const UpdateOptions& options)
         : set_(set),
           isQuiet_(options.messages.quiet),
-          isVerbose_(options.source.verbose),
+          onUnreadable_(options.source.verbose ? UnreadableVisitor(tell) : nullptr),
           output_(options.output, {.markKey = kChangeKey, .isQuiet = isQuiet_}) {}
 
     void take(PathChange change, std::uint64_t number, std::string_view path) {
@@ -59,7 +59,7 @@ public:
     }
 
     void takeError(std::string_view path, std::string_view reason) {
-        report_.addUnreadable(path, reason, isVerbose_);
+        report_.addUnreadable(path, reason, onUnreadable_);
     }
 
     void finish(const std::string& file) {
@@ -86,7 +86,7 @@ private:
 
     GrowingSet* set_;
     bool isQuiet_;
-    bool isVerbose_;
+    UnreadableVisitor onUnreadable_;
     Output output_;
     std::uint64_t addedCount_ = 0;
     std::uint64_t goneCount_ = 0;
@@ -117,6 +117,8 @@ std::vector<EncodedScan> updateRoots(const PathSet& set, const std::vector<SetRo
 }
 
 ExitStatus update(const UpdateOptions& options) {
+    requireSetFile(openSet(options.set),
+                   "cannot be updated; make one set file of it with 'zqpaths merge --into'");
     std::optional<GrowingSet> growing;
     if (!options.dryRun)
         growing.emplace(options.set, PathSetWriter::Mode::kAppend, "updating", options.messages);

@@ -1,0 +1,96 @@
+#include "tools/zqpaths-mpi/input/DirectoryCutting.hpp"
+
+#include <deque>
+#include <list>
+#include <utility>
+
+namespace zqpaths::program::mpi {
+namespace {
+
+constexpr std::size_t kMostLevels = 8;
+
+/// The parts of a tree while it is being cut, in the order of the walk.
+class Cutting {
+public:
+    Cutting(const std::string& root, const WalkOptions& options) : root_(root), options_(options) {
+        parts_.push_back({});
+        uncut_.push_back(parts_.begin());
+    }
+
+    /// Directories with all below them that stand side by side.
+    std::size_t wholeCount() const noexcept { return uncut_.size() + deepestCount_; }
+
+    /// Cuts the next directory into what is directly in it and each of its sub-directories; false
+    /// if there is none to cut.
+    bool cutNext() {
+        if (uncut_.empty()) return false;
+        const Place place = uncut_.front();
+        uncut_.pop_front();
+        if (place->part.names.size() >= kMostLevels) {
+            ++deepestCount_;
+            return true;
+        }
+        const Contents contents = read(place->part.names);
+        if (!contents.isRead) {
+            ++deepestCount_;
+            return true;
+        }
+        place->part.isDeep = false;
+        place->textSize = contents.textSize;
+        const auto next = std::next(place);
+        for (const std::string& name : contents.subdirectories) {
+            WalkPart below{place->part.names, true};
+            below.names.push_back(name);
+            uncut_.push_back(parts_.insert(next, {std::move(below), std::nullopt}));
+        }
+        return true;
+    }
+
+    std::vector<DirectoryCut> parts() && {
+        return {std::make_move_iterator(parts_.begin()), std::make_move_iterator(parts_.end())};
+    }
+
+private:
+    using Place = std::list<DirectoryCut>::iterator;
+
+    struct Contents {
+        bool isRead = false;
+        std::uint64_t textSize = 0;
+        std::vector<std::string> subdirectories;
+    };
+
+    Contents read(const std::vector<std::string>& names) const {
+        Contents contents;
+        const auto isReadAs = [](ScanState state) {
+            return state == ScanState::kRead || state == ScanState::kReadAgain;
+        };
+        walkPart(
+            root_, {names, false}, options_,
+            {.onError = [](std::string_view, std::string_view) {},
+             .onPath = [&contents](std::string_view path) { contents.textSize += path.size() + 1; },
+             .onDirectory =
+                 [&](const MetDirectory& met) { contents.isRead = isReadAs(met.directory.state); },
+             .onSubdirectory =
+                 [&contents](std::string_view name) {
+                     contents.subdirectories.emplace_back(name);
+                 }});
+        return contents;
+    }
+
+    const std::string& root_;
+    const WalkOptions& options_;
+    std::list<DirectoryCut> parts_;
+    std::deque<Place> uncut_;       // those that are with all below them, upper levels first
+    std::size_t deepestCount_ = 0;  // those that stay so
+};
+
+}  // namespace
+
+std::vector<DirectoryCut> cutDirectory(const std::string& root, const WalkOptions& options,
+                                       std::size_t enough) {
+    Cutting cutting(root, options);
+    while (cutting.wholeCount() < enough && cutting.cutNext()) continue;
+    return std::move(cutting).parts();
+}
+
+}  // namespace zqpaths::program::mpi
