@@ -32,6 +32,7 @@ struct NumberOptions {
     std::vector<std::string> paths;
     std::optional<std::string> list;
     bool nulDelimited = false;
+    bool partial = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -129,7 +130,7 @@ void answer(Member& member, const OwnSegments& own) {
 
 ExitStatus number(Team& team, const NumberOptions& options) {
     if (options.paths.empty() && !options.list) throw wrongUse("PATH or --list is required");
-    const PathSet set = openOnAll(team, options.set);
+    const PathSet set = openOnAll(team, options.set, options.partial);
     Output output(options.output,
                   {.asText = {PathField::kNumber}, .isQuiet = options.messages.quiet});
     bool isAnyMissing = false;
@@ -180,8 +181,8 @@ Verb numberVerb(Team& team) {
             "named than given on standard input, which MPICH breaks off where it is read more "
             "slowly than it comes.",
         .options = rows(setArgument(options->set), std::move(paths), std::move(list),
-                        std::move(nulDelimited), outputOptions(options->output),
-                        messageOptions(options->messages)),
+                        std::move(nulDelimited), partialOption(options->partial),
+                        outputOptions(options->output), messageOptions(options->messages)),
         .run = [&team, options] { return number(team, *options); }};
 }
 
