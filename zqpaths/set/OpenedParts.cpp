@@ -24,10 +24,22 @@ std::string folderOf(const std::string& manifest) {
     return directoryOf(isLink ? withoutLinks(manifest) : manifest);
 }
 
+bool isLink(const std::string& path) noexcept {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+/// A file that a manifest in a folder names.
+std::string fileIn(const std::string& folder, const std::string& path) {
+    return path.front() == '/' ? path : folder + path;
+}
+
 }  // namespace
 
 OpenedParts::OpenedParts(std::string name, std::vector<ManifestFile> files, const SetParts& parts)
     : name_(std::move(name)),
+      folder_(directoryOf(withoutLinks(name_))),
+      shownFolder_(isLink(name_) ? folder_ : directoryOf(name_)),
       folder_(folderOf(name_)),
       files_(std::move(files)),
       parts_(parts),
@@ -92,7 +104,7 @@ std::shared_ptr<const SetFile> OpenedParts::mapped(std::size_t file) const {
         if (place != mapped_.end())
             if (auto there = place->second.lock()) return there;
     }
-    auto opened = SetFile::open(nameOf(file));
+    auto opened = SetFile::open(fileIn(folder_, files_[file].path), nameOf(file));
     if (opened->state().superblock.directorySum != files_[file].sum)
         throw Error(ErrorKind::kDamaged, opened->path(),
                     "was changed since the set was made of it");

@@ -40,7 +40,7 @@ public:
     std::size_t fileCount() const noexcept { return files_.size(); }
     const ManifestFile& operator[](std::size_t file) const noexcept { return files_[file]; }
 
-    /// Where a file is: its name as that of the manifest is given.
+    /// A file as people know it: by the way to the manifest that they gave, unless that is a link.
     std::string nameOf(std::size_t file) const;
 
     /// One of the files, opened. Throws as pin.
