@@ -106,5 +106,5 @@ function(zq_program_documents program component)
         DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT ${component})
 endfunction()
 
-install(FILES LICENSE docs/zqp.md docs/image.md docs/format.md
+install(FILES LICENSE docs/zqp.md docs/zqs.md docs/image.md docs/format.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents)

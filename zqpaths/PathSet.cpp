@@ -50,13 +50,6 @@ std::optional<std::uint64_t> numberIn(const Segment& segment,
         });
 }
 
-void requireSegments(const OpenedSet& set, std::uint64_t first, std::uint64_t count) {
-    if (first <= set.segmentCount() && count <= set.segmentCount() - first) return;
-    throw Error(ErrorKind::kWrongUse, set.name(),
-                "there are no " + std::to_string(count) + " segments after " +
-                    std::to_string(first) + ", the set has " + std::to_string(set.segmentCount()));
-}
-
 void requirePlace(const std::string& file, std::uint64_t place, std::uint64_t count) {
     if (place >= count)
         throw Error(ErrorKind::kWrongUse, file,
@@ -284,7 +277,7 @@ std::optional<std::uint64_t> PathSet::numberOf(std::string_view path) const {
 std::optional<std::uint64_t> PathSet::numberOf(std::string_view path, std::uint64_t firstSegment,
                                                std::uint64_t count) const {
     opened_->requireWhole();
-    requireSegments(*opened_, firstSegment, count);
+    opened_->requireSegments(firstSegment, count);
     if (path.empty() || path.find('\0') != std::string_view::npos) return std::nullopt;
     const CutPath cut = cutPath(path);
     std::vector<std::u16string> folder(cut.folder.size());
@@ -379,6 +372,10 @@ std::vector<Error> PathSet::verifyFile(std::size_t place, const WorkWatcher& wat
         if (!isMissing(part))
             addDamage(damages, [&] { verifySegments(*opened_->part(part), watch, damages); });
     return damages;
+}
+
+bool PathSet::isSetOfSets() const noexcept {
+    return opened_->onlyFile() == nullptr;
 }
 
 std::size_t PathSet::fileCount() const noexcept {

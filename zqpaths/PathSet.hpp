@@ -96,7 +96,8 @@ public:
     struct Missing {
         std::uint64_t firstNumber;
         std::uint64_t lastNumber;
-        Error reason;  // names the file
+        Error reason;      // names the file
+        std::size_t file;  // its place among the files
     };
     const std::vector<Missing>& missing() const noexcept;
 
@@ -186,6 +187,9 @@ public:
     std::vector<Error> verify(const WorkWatcher& watch) const;
 
     // --- What the set is made of.
+
+    /// True if this is a set of sets, be it of one set file.
+    bool isSetOfSets() const noexcept;
 
     /// The set files, in the order of their first numbers: one, the file itself, unless it is a set
     /// of sets. The place is below fileCount().

@@ -15,6 +15,7 @@
 #include "zqpaths/set/BackgroundWork.hpp"
 #include "zqpaths/set/CollectedPaths.hpp"
 #include "zqpaths/set/GonePaths.hpp"
+#include "zqpaths/set/OpenedSet.hpp"
 #include "zqpaths/set/OrderedWork.hpp"
 #include "zqpaths/set/Segment.hpp"
 #include "zqpaths/set/SegmentBuilder.hpp"
@@ -56,7 +57,10 @@ void forEachPath(const Segment& segment, Visit visit) {
 class PathSetWriter::Work {
 public:
     Work(std::string file, Mode mode, Form form)
-        : name_(std::move(file)), file_(name_, fileMode(mode)), form_(segmentForm(form)) {
+        : name_(std::move(file)),
+          file_(name_, fileMode(mode)),
+          form_(segmentForm(form)),
+          pathCount_(file_.pathsBefore()) {
         for (const SegmentEntry& segment : file_.segments()) pathCount_ += segment.pathCount;
     }
 
@@ -66,7 +70,20 @@ public:
         if (!collected_.hasRoomFor(path)) doOrFail([this] { passOn(); });
         collected_.append(path);
         ++pathCount_;
-        hasAdded_ = true;
+    }
+
+    void addSegments(const PathSet& set, std::uint64_t first, std::uint64_t count) {
+        if (failure_ || isCommitted_ || building_.hasFailed()) refuseMore();
+        openedSetOf(set).requireSegments(first, count);
+        if (!set.missing().empty()) throw Error(set.missing().front().reason);
+        doOrFail([&] {
+            building_.finish();
+            writeLast();
+            collected_.clear();
+            hasPassedOn_ = true;
+            for (std::uint64_t place = first; place < first + count; ++place)
+                copySegment(openedSetOf(set), place);
+        });
     }
 
     void mark(std::uint64_t number, bool isGone) {
@@ -74,10 +91,13 @@ public:
         if (number == 0 || number > pathCount_)
             throw Error(ErrorKind::kWrongUse, name_,
                         "there is no path number " + std::to_string(number) + " to be marked");
+        if (number <= file_.pathsBefore())
+            throw Error(ErrorKind::kWrongUse, name_,
+                        "is a set of sets, which cannot mark the paths of its files");
         if (isGone)
-            marks_.markGone(number);
+            marks_.markGone(numberInFile(number));
         else
-            marks_.markPresent(number);
+            marks_.markPresent(numberInFile(number));
     }
 
     void recordScans(std::vector<EncodedScan> scans) { scans_ = std::move(scans); }
@@ -94,7 +114,7 @@ public:
         if (failure_ || isCommitted_) refuseMore();
         doOrFail([this] {
             building_.finish();
-            if (hasAdded_) writeLast();
+            writeLast();
             writeMarks();
             writeScans();
             if (watcher_) watcher_(WorkStep::kSyncing, 0);
@@ -150,8 +170,10 @@ private:
     }
 
     /// Writes what is still collected, as one with small segments before it where there are many.
-    /// Those that this writer has passed on are full, or nearly so; they are left to a later one.
+    /// Those that this writer has passed on are full, or nearly so; they are left to a later one,
+    /// and so are those that it has copied.
     void writeLast() {
+        if (collected_.isEmpty()) return;
         if (hasPassedOn_) return write(collected_);
         std::vector<SegmentSize> sizes;
         for (const SegmentEntry& segment : file_.segments())
@@ -182,6 +204,41 @@ private:
         write(paths);
     }
 
+    void copySegment(const OpenedSet& set, std::uint64_t place) {
+        const PinnedSegment segment = set.segment(place);
+        const SetFile& from = segment.part().file();
+        from.requireWhole();
+        requireWholeMarks(from);
+        const SetPart& part = set.parts()[set.parts().ofSegment(place)];
+        const SegmentEntry& entry = segment->entry();
+        file_.append({entry.form, entry.pathCount, entry.textSize, entry.treeStringSize,
+                      from.wholeBytesOf(part.row.firstSegment + (place - part.segmentsBefore))});
+        copyMarks(set, segment->firstNumber(), segment->lastNumber());
+        pathCount_ += entry.pathCount;
+        if (watcher_) watcher_(WorkStep::kSumming, entry.size);
+    }
+
+    /// Marks the paths that are gone of the next ones, which had these numbers.
+    void copyMarks(const OpenedSet& set, std::uint64_t first, std::uint64_t last) {
+        const std::uint64_t end = set.goneBelow(last + 1);
+        for (std::uint64_t gone = set.goneBelow(first); gone < end; ++gone)
+            marks_.appendGone(numberInFile(pathCount_ + 1 + (set.goneNumber(gone) - first)));
+    }
+
+    /// Looked at once for the segments of a file, one after the other.
+    void requireWholeMarks(const SetFile& from) {
+        const std::uint64_t directorySum = from.state().superblock.directorySum;
+        if (wholeMarksOf_ == directorySum) return;
+        from.wholeBytesOf(kGonePathsText, from.state().directory.gone);
+        from.naming([&] { gonePathsOf(from).verify(); });
+        wholeMarksOf_ = directorySum;
+    }
+
+    /// The file of a set of sets counts from 1 on.
+    std::uint64_t numberInFile(std::uint64_t number) const noexcept {
+        return number - file_.pathsBefore();
+    }
+
     /// What there was in a file that is appended to.
     const Directory& directoryBefore() const {
         static const Directory kNothing;
@@ -198,7 +255,7 @@ private:
         const std::optional<BlockEntry>& block = directoryBefore().gone;
         const auto before = bytesBefore(kGonePathsText, block);
         const std::uint64_t count = block ? block->count : 0;
-        const GonePaths gone(before, count, pathCount_);
+        const GonePaths gone(before, count, numberInFile(pathCount_));
         if (block) file_.committed()->naming([&] { gone.verify(); });
         const GoneMarks::Runs runs = marks_.appliedTo(gone);
         // The length of the last run is in the count alone.
@@ -233,9 +290,9 @@ private:
     CollectedPaths collected_;
     CollectedPaths passedOn_;  // belongs to building_ while it works
     GoneMarks marks_;
+    std::optional<std::uint64_t> wholeMarksOf_;  // the sum of a directory
     std::vector<EncodedScan> scans_;
-    std::uint64_t pathCount_ = 0;
-    bool hasAdded_ = false;
+    std::uint64_t pathCount_;  // of the set
     bool hasPassedOn_ = false;
     bool isCommitted_ = false;
     std::exception_ptr failure_;
@@ -253,6 +310,16 @@ PathSetWriter::~PathSetWriter() = default;
 void PathSetWriter::add(std::string_view path) {
     assert(work_);  // a writer that was moved from takes nothing
     work_->add(path);
+}
+
+void PathSetWriter::addSet(const PathSet& set) {
+    addSegments(set, 0, set.segmentCount());
+}
+
+void PathSetWriter::addSegments(const PathSet& set, std::uint64_t firstSegment,
+                                std::uint64_t segmentCount) {
+    assert(work_);
+    work_->addSegments(set, firstSegment, segmentCount);
 }
 
 void PathSetWriter::watch(WorkWatcher watcher) {

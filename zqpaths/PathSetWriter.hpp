@@ -36,7 +36,8 @@ public:
     enum class Mode {
         kCreate,   // a new file; refuses one that is there
         kReplace,  // a new file, in the place of one that may be there
-        kAppend,   // after the paths of a set that is there
+        kAppend,   // after the paths of a set that is there; what is added to a set of sets,
+                   // all.zqs, is in a new set file, all.zqs.d/added-N.zqp, that it then has
     };
 
     /// How paths are kept: to be opened at once, or as small as can be, to be inflated by whoever
@@ -56,20 +57,27 @@ public:
     void add(std::string_view path);
 
     /// Gives all paths of a set the next numbers, those that are gone as gone ones, by copying its
-    /// segments as they are; paths that were added before are coded first. Throws Error kDamaged,
-    /// with the name of the file, for a segment whose sum does not hold, else as add. O(bytes of the
+    /// segments as they are; paths that were added before are coded first. What it remembers of
+    /// directories stays behind. Throws Error kDamaged, with the name of the file, for a segment
+    /// whose sum does not hold, and the writer then takes no more; what is missing of a set that
+    /// was opened by PathSet::openPartial, and the writer is as it was; else as add. O(bytes of the
     /// file).
     void addSet(const PathSet& set);
 
+    /// The same for the paths of some neighbouring segments, the first of which is at a place from
+    /// 0 on. Throws as addSet, kWrongUse if there are fewer, and the writer is then as it was.
+    void addSegments(const PathSet& set, std::uint64_t firstSegment, std::uint64_t segmentCount);
+
     /// Marks the path with a number that the set has, or will have, as gone: the file that it leads
     /// to is there no more, and it keeps its number; or as one that is there again. The last mark
-    /// of a number counts. Throws as add does, kWrongUse for other numbers. Amortised O(1).
+    /// of a number counts. Throws as add does, kWrongUse for other numbers; those that a set of
+    /// sets had before are such. Amortised O(1).
     void markGone(std::uint64_t number);
     void markPresent(std::uint64_t number);
 
     /// Has `watcher` told from the next call on of the paths that are coded, those of small
-    /// segments that are joined among them, and of the moment from which on commit waits for the
-    /// device. It may be called until the writer is gone.
+    /// segments that are joined among them, of the bytes that are copied, and of the moment from
+    /// which on commit waits for the device. It may be called until the writer is gone.
     void watch(WorkWatcher watcher);
 
     /// Paths that the set will have: those that were there and those added.

@@ -16,7 +16,7 @@ namespace zqpaths {
 
 enum class WorkStep {
     kReading,  // items are paths
-    kSumming,  // bytes of the file
+    kSumming,  // bytes of the file, those that are copied among them
     kCoding,   // paths
     kPacking,  // begins; nothing is counted
     kSyncing,  // begins; nothing is counted

@@ -90,15 +90,10 @@ TEST(FailingWriters, leaveSegmentsThatWereToBeJoined) {
     EXPECT_GT(failEverywhere(file, paths), 100U);
 }
 
-TEST(FailingWriters, leaveMarksAndScansAsTheyWere) {
-    const test_support::TemporaryTree tree;
-    const std::string file = tree.pathOf("s.zqp");
-    {
-        PathSetWriter writer(file);
-        for (const char* const path : {"a", "b", "c"}) writer.add(path);
-        writer.markGone(1);
-        writer.commit();
-    }
+/// Makes a change of a file with one block refused, a later one each time, until none is. `look`
+/// is told whether the change was made. Returns how often there was no memory.
+template <class Change, class Look>
+std::size_t failOnceEverywhere(const std::string& file, Change change, Look look) {
     const std::string original = contentOf(file);
     std::size_t failures = 0;
     bool hasRefused = true;
@@ -109,66 +104,125 @@ TEST(FailingWriters, leaveMarksAndScansAsTheyWere) {
         {
             const FailingHeap heap(number, Refused::kOne);
             try {
-                PathSetWriter writer(file, Mode::kAppend);
-                writer.add("d");
-                writer.markGone(4);
-                writer.markPresent(1);
-                ScanWriter scan({"/", 0, {}});
-                scan.add({});
-                std::vector<EncodedScan> scans;
-                scans.push_back(std::move(scan).finish());
-                recordScans(writer, std::move(scans));
-                writer.commit();
+                change();
                 isDone = true;
             } catch (const std::bad_alloc&) {
                 ++failures;
             }
             hasRefused = heap.hasRefused();
         }
-        const PathSet set = PathSet::open(file);
-        ASSERT_EQ(set.size(), isDone ? 4U : 3U);
-        ASSERT_EQ(set.goneNumber(0), isDone ? 4U : 1U);
-        ASSERT_EQ(scansOf(set).size(), isDone ? 1U : 0U);
-        ASSERT_EQ(isDone || contentOf(file) == original, true);
+        look(isDone);
+        if (testing::Test::HasFailure()) return failures;
     }
-    EXPECT_GT(failures, 50U);
+    return failures;
 }
 
-TEST(FailingWriters, leaveTheManifestAsItWas) {
+TEST(FailingWriters, leaveMarksAndScansAsTheyWere) {
     const test_support::TemporaryTree tree;
-    const std::string manifest = tree.pathOf("all.zqs");
-    for (const std::string name : {"a.zqp", "b.zqp"}) {
-        PathSetWriter writer(tree.pathOf(name));
-        writer.add(name);
+    const std::string file = tree.pathOf("s.zqp");
+    {
+        PathSetWriter writer(file);
+        for (const char* const path : {"a", "b", "c"}) writer.add(path);
+        writer.markGone(1);
         writer.commit();
     }
-    SetManifestWriter first(manifest);
-    first.addSet(tree.pathOf("a.zqp"));
-    first.commit();
-    const std::string original = contentOf(manifest);
-    std::size_t failures = 0;
-    bool hasRefused = true;
-    for (std::size_t number = 1; hasRefused && number < kMostBlocks; ++number) {
-        SCOPED_TRACE(number);
-        writeContent(manifest, original);
-        bool isDone = false;
-        {
-            const FailingHeap heap(number, Refused::kOne);
-            try {
-                SetManifestWriter writer(manifest, SetManifestWriter::Mode::kReplace);
-                writer.addSet(manifest);
-                writer.addSet(tree.pathOf("b.zqp"));
-                writer.commit();
-                isDone = PathSet::openPartial(manifest).path(2) == "b.zqp";
-            } catch (const std::bad_alloc&) {
-                ++failures;
-            }
-            hasRefused = heap.hasRefused();
-        }
-        const PathSet set = PathSet::open(manifest);
-        ASSERT_TRUE(set.size() == 2 || (!isDone && contentOf(manifest) == original));
+    const std::string original = contentOf(file);
+    const auto change = [&] {
+        PathSetWriter writer(file, Mode::kAppend);
+        writer.add("d");
+        writer.markGone(4);
+        writer.markPresent(1);
+        ScanWriter scan({"/", 0, {}});
+        scan.add({});
+        std::vector<EncodedScan> scans;
+        scans.push_back(std::move(scan).finish());
+        recordScans(writer, std::move(scans));
+        writer.commit();
+    };
+    const auto look = [&](bool isDone) {
+        const PathSet set = PathSet::open(file);
+        EXPECT_EQ(set.size(), isDone ? 4U : 3U);
+        EXPECT_EQ(set.goneNumber(0), isDone ? 4U : 1U);
+        EXPECT_EQ(scansOf(set).size(), isDone ? 1U : 0U);
+        EXPECT_TRUE(isDone || contentOf(file) == original);
+    };
+    EXPECT_GT(failOnceEverywhere(file, change, look), 50U);
+}
+
+TEST(FailingWriters, leaveTheFileAsItWasWhereASetIsAdded) {
+    const test_support::TemporaryTree tree;
+    const std::string file = tree.pathOf("s.zqp");
+    const std::string added = tree.pathOf("added.zqp");
+    for (const std::string& made : {file, added}) {
+        PathSetWriter writer(made);
+        for (const char* const path : {"a", "b/c"}) writer.add(path);
+        writer.markGone(2);
+        writer.commit();
     }
-    EXPECT_GT(failures, 50U);
+    const PathSet set = PathSet::open(added);
+    const auto change = [&] {
+        PathSetWriter writer(file, Mode::kAppend);
+        writer.add("d");
+        writer.addSet(set);
+        writer.commit();
+    };
+    const auto look = [&](bool isDone) {
+        EXPECT_EQ(savedPaths(file),
+                  isDone ? (Paths{"a", "b/c", "d", "a", "b/c"}) : (Paths{"a", "b/c"}));
+        EXPECT_EQ(PathSet::open(file).goneCount(), isDone ? 2U : 1U);
+    };
+    EXPECT_GT(failOnceEverywhere(file, change, look), 50U);
+}
+
+/// Two sets of a path each, the first of which is a set of sets.
+class FailingManifestWriters : public testing::Test {
+protected:
+    FailingManifestWriters() {
+        for (const std::string name : {"a.zqp", "b.zqp"}) {
+            PathSetWriter writer(tree_.pathOf(name));
+            writer.add(name);
+            writer.commit();
+        }
+        SetManifestWriter first(manifest_);
+        first.addSet(tree_.pathOf("a.zqp"));
+        first.commit();
+        original_ = contentOf(manifest_);
+    }
+
+    /// It has one path, or two if the change was made, or became so just before memory was lacking.
+    void expectAsItWasOrChanged(bool isDone) const {
+        const PathSet set = PathSet::open(manifest_);
+        EXPECT_TRUE(set.size() == 2 || (!isDone && contentOf(manifest_) == original_));
+        for (const std::string_view path : set) EXPECT_FALSE(path.empty());
+    }
+
+    test_support::TemporaryTree tree_;
+    std::string manifest_ = tree_.pathOf("all.zqs");
+    std::string original_;
+};
+
+TEST_F(FailingManifestWriters, leaveTheManifestAsItWas) {
+    const auto change = [this] {
+        SetManifestWriter writer(manifest_, SetManifestWriter::Mode::kReplace);
+        writer.addSet(manifest_);
+        writer.addSet(tree_.pathOf("b.zqp"));
+        writer.commit();
+        EXPECT_EQ(PathSet::openPartial(manifest_).path(2), "b.zqp");
+    };
+    EXPECT_GT(failOnceEverywhere(manifest_, change,
+                                 [this](bool isDone) { expectAsItWasOrChanged(isDone); }),
+              50U);
+}
+
+TEST_F(FailingManifestWriters, leaveASetOfSetsAsItWasWherePathsAreAdded) {
+    const auto change = [this] {
+        PathSetWriter writer(manifest_, Mode::kAppend);
+        writer.add("c");
+        writer.commit();
+    };
+    EXPECT_GT(failOnceEverywhere(manifest_, change,
+                                 [this](bool isDone) { expectAsItWasOrChanged(isDone); }),
+              50U);
 }
 
 TEST(FailingWriters, goOnWithAnotherPathWhereOneHadNoRoom) {

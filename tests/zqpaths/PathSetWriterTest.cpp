@@ -2,10 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <atomic>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -15,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/FileSizeLimit.hpp"
 #include "tests/support/TemporaryTree.hpp"
 #include "tests/zqpaths/SavedPaths.hpp"
 #include "tests/zqpaths/set/OddPaths.hpp"
@@ -370,32 +369,11 @@ TEST_F(PathSetWriterTest, doesNotJoinWhatIsDamaged) {
     EXPECT_EQ(bytes().substr(0, before.size()), before);
 }
 
-/// Lets no file of this process grow past a size.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t size) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{size, before_.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-        handler_ = std::signal(SIGXFSZ, SIG_IGN);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        static_cast<void>(std::signal(SIGXFSZ, handler_));
-    }
-
-private:
-    rlimit before_{};
-    void (*handler_)(int) = SIG_DFL;
-};
-
 TEST_F(PathSetWriterTest, saysLaterWhatWentWrongOnOtherThreads) {
     write({"a"}, Mode::kCreate);
     const std::string before = bytes();
     {
-        const FileSizeLimit limit(before.size() + 1000);
+        const test_support::FileSizeLimit limit(before.size() + 1000);
         PathSetWriter writer(file_, Mode::kAppend);
         const auto addTooMuch = [&] {
             for (std::size_t i = 0; i < 3 * CollectedPaths::kMaxPaths; ++i)
@@ -413,7 +391,7 @@ TEST_F(PathSetWriterTest, saysLaterWhatWentWrongOnOtherThreads) {
 TEST_F(PathSetWriterTest, throwsWhatWentWrongWhileItCommits) {
     write({"a"}, Mode::kCreate);
     {
-        const FileSizeLimit limit(bytes().size());
+        const test_support::FileSizeLimit limit(bytes().size());
         PathSetWriter writer(file_, Mode::kAppend);
         writer.add("b");
         EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kSystem);

@@ -72,6 +72,15 @@ std::span<const std::byte> SetFile::bytesOf(const SegmentEntry& entry) const noe
     return mapping_.bytes().subspan(entry.offset, entry.size);
 }
 
+std::span<const std::byte> SetFile::wholeBytesOf(std::size_t segment) const {
+    const SegmentEntry& entry = segments()[segment];
+    const std::span<const std::byte> bytes = bytesOf(entry);
+    if (sumOf(bytes) != entry.sum)
+        throw damage("segment " + std::to_string(segment + 1) + " at byte " +
+                     std::to_string(entry.offset) + ": the sum differs");
+    return bytes;
+}
+
 std::span<const std::byte> SetFile::bytesOf(const std::optional<BlockEntry>& block) const noexcept {
     if (!block) return {};
     return mapping_.bytes().subspan(block->offset, block->size);
@@ -114,27 +123,21 @@ void SetFile::verifyHeader(std::vector<Error>& damages) const {
 std::vector<Error> SetFile::verifySums(const WorkWatcher& watch) const {
     requireWhole();
     std::vector<Error> damages;
-    verifyHeader(damages);
-    try {
-        decodeDirectory(mapping_.bytes(), state_.superblock);
-    } catch (const Error& error) {
-        damages.push_back(damage(error.what()));
-    }
-    for (std::size_t i = 0; i < segments().size(); ++i) {
-        const SegmentEntry& entry = segments()[i];
-        if (sumOf(bytesOf(entry)) != entry.sum)
-            damages.push_back(damage("segment " + std::to_string(i + 1) + " at byte " +
-                                     std::to_string(entry.offset) + ": the sum differs"));
-        if (watch) watch(WorkStep::kSumming, entry.size);
-    }
-    for (const auto& [what, block] : {std::pair(kGonePathsText, state_.directory.gone),
-                                      std::pair(kScansText, state_.directory.scans)}) {
+    const auto collect = [&damages](auto look) {
         try {
-            wholeBytesOf(what, block);
+            look();
         } catch (const Error& error) {
             damages.push_back(error);
         }
+    };
+    verifyHeader(damages);
+    collect([&] { naming([&] { decodeDirectory(mapping_.bytes(), state_.superblock); }); });
+    for (std::size_t i = 0; i < segments().size(); ++i) {
+        collect([&] { wholeBytesOf(i); });
+        if (watch) watch(WorkStep::kSumming, segments()[i].size);
     }
+    collect([&] { wholeBytesOf(kGonePathsText, state_.directory.gone); });
+    collect([&] { wholeBytesOf(kScansText, state_.directory.scans); });
     return damages;
 }
 

@@ -43,6 +43,10 @@ public:
     /// The bytes of a segment of this file, which are mapped, 4096-aligned.
     std::span<const std::byte> bytesOf(const SegmentEntry& entry) const noexcept;
 
+    /// The bytes of the segment at a place from 0 on, after their sum has been looked at. Throws
+    /// Error kDamaged with its number.
+    std::span<const std::byte> wholeBytesOf(std::size_t segment) const;
+
     /// The bytes of a block of this file, which are mapped, 8-aligned; none if there is none.
     std::span<const std::byte> bytesOf(const std::optional<BlockEntry>& block) const noexcept;
 

@@ -10,6 +10,7 @@
 //
 // Threads: belongs to one thread at a time. A child of the process that made it leaves it alone.
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -27,6 +28,9 @@ public:
     virtual SetFileBody& body() noexcept = 0;
     virtual const std::shared_ptr<const SetFile>& committed() const noexcept = 0;
 
+    /// Paths of the set whose numbers are below those of the body.
+    virtual std::uint64_t pathsBefore() const noexcept { return 0; }
+
     /// Once. Throws Error as SetFileWriter::commit does.
     virtual void commit() = 0;
 
@@ -38,6 +42,10 @@ protected:
 std::unique_ptr<SetFileChange> createdSetFile(const std::string& path);
 std::unique_ptr<SetFileChange> replacedSetFile(const std::string& path);
 std::unique_ptr<SetFileChange> appendedSetFile(const std::string& path);
+
+/// A new set file for a set of sets, which has it from the commit on, after all others; null if the
+/// file is none.
+std::unique_ptr<SetFileChange> addedToManifest(const std::string& path);
 
 /// Writes the end and the header of a new file whose body is complete, and syncs it. `flags` are
 /// those of the header that readers may ignore. Throws Error kNoSpace, kSystem.

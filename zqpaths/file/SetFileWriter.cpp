@@ -10,6 +10,7 @@ std::unique_ptr<SetFileChange> changeOf(const std::string& path, SetFileWriter::
         case SetFileWriter::Mode::kReplace:
             return replacedSetFile(path);
         case SetFileWriter::Mode::kAppend:
+            if (auto added = addedToManifest(path)) return added;
             return appendedSetFile(path);
         case SetFileWriter::Mode::kCreate:
             break;
@@ -25,6 +26,10 @@ SetFileWriter::~SetFileWriter() = default;
 
 const std::vector<SegmentEntry>& SetFileWriter::segments() const noexcept {
     return change_->body().directory().segments;
+}
+
+std::uint64_t SetFileWriter::pathsBefore() const noexcept {
+    return change_->pathsBefore();
 }
 
 const std::shared_ptr<const SetFile>& SetFileWriter::committed() const noexcept {

@@ -49,7 +49,12 @@ public:
     /// The segments that the next commit keeps, those appended last.
     const std::vector<SegmentEntry>& segments() const noexcept;
 
-    /// The file as it was committed before; nothing unless it is appended to.
+    /// Paths of a set of sets that is appended to; the segments that are appended are those of a
+    /// new file of it. 0 otherwise.
+    std::uint64_t pathsBefore() const noexcept;
+
+    /// The file as it was committed before; nothing unless it is a set file that is
+    /// appended to.
     const std::shared_ptr<const SetFile>& committed() const noexcept;
 
     /// Takes the segments from `first` on out of the set; the file keeps their bytes until it is

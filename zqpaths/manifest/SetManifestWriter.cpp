@@ -51,12 +51,7 @@ public:
     void addSegments(const std::string& setFile, std::uint64_t firstSegment,
                      std::uint64_t segmentCount) {
         const auto opened = OpenedSet::open(setFile);
-        if (firstSegment > opened->segmentCount() ||
-            segmentCount > opened->segmentCount() - firstSegment)
-            throw Error(ErrorKind::kWrongUse, setFile,
-                        "there are no segments " + std::to_string(firstSegment) + " to " +
-                            std::to_string(firstSegment + segmentCount) + ", the set has " +
-                            std::to_string(opened->segmentCount()));
+        opened->requireSegments(firstSegment, segmentCount);
         append(*opened, opened->manifestRows(firstSegment, segmentCount));
     }
 

@@ -124,12 +124,16 @@ GoneMarks::Runs GoneMarks::appliedTo(const GonePaths& before) {
     RunBuilder runs;
     std::size_t nextRun = 0;
     GonePaths::Run left{1, 0};  // what is not taken of the run before `nextRun`
+    const std::size_t runCount = before.runCount() + appended_.size();
+    const auto runAt = [&](std::size_t run) {
+        return run < before.runCount() ? before[run] : appended_[run - before.runCount()];
+    };
     /// Takes what is gone below a number, and the number itself where it was.
     const auto takeBelow = [&](std::uint64_t number) {
         while (true) {
             if (left.last < left.first) {
-                if (nextRun == before.runCount()) return;
-                left = before[nextRun++];
+                if (nextRun == runCount) return;
+                left = runAt(nextRun++);
             }
             if (left.first >= number) break;
             runs.append({left.first, std::min(left.last, number - 1)});

@@ -109,10 +109,20 @@ public:
     void markGone(std::uint64_t number) { marks_.push_back(number << 1 | 1); }
     void markPresent(std::uint64_t number) { marks_.push_back(number << 1); }
 
-    bool isEmpty() const noexcept { return marks_.empty(); }
+    /// A number that was none before and is gone from the first; it is above those of all such
+    /// calls before, and next to the last one takes no memory. A later mark of it counts. Throws
+    /// only std::bad_alloc. Amortised O(1).
+    void appendGone(std::uint64_t number) {
+        if (!appended_.empty() && appended_.back().last + 1 == number)
+            appended_.back().last = number;
+        else
+            appended_.push_back({number, number});
+    }
+
+    bool isEmpty() const noexcept { return marks_.empty() && appended_.empty(); }
 
     /// What the runs are after these marks, as bytes for a file, and how many numbers are gone
-    /// then. O(runs + marks log marks).
+    /// then. Those of `before` are below what was appended. O(runs + marks log marks).
     struct Runs {
         std::vector<std::byte> bytes;
         std::uint64_t goneCount = 0;
@@ -121,6 +131,7 @@ public:
 
 private:
     std::vector<std::uint64_t> marks_;  // twice the number, and one if it is gone
+    std::vector<GonePaths::Run> appended_;
 };
 
 }  // namespace zqpaths

@@ -1,6 +1,7 @@
 #include "zqpaths/set/OpenedParts.hpp"
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <iterator>
@@ -16,10 +17,30 @@ std::size_t mostOpenParts() noexcept {
     return std::clamp<std::size_t>(limit.rlim_cur / 2, 1, OpenedParts::kMostParts);
 }
 
+/// The folder that a manifest is in, which a symbolic link to it need not be in.
+std::string folderOf(const std::string& manifest) {
+    struct stat status {};
+    const bool isLink = ::lstat(manifest.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+    return directoryOf(isLink ? withoutLinks(manifest) : manifest);
+}
+
+bool isLink(const std::string& path) noexcept {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+/// A file that a manifest in a folder names.
+std::string fileIn(const std::string& folder, const std::string& path) {
+    return path.front() == '/' ? path : folder + path;
+}
+
 }  // namespace
 
 OpenedParts::OpenedParts(std::string name, std::vector<ManifestFile> files, const SetParts& parts)
     : name_(std::move(name)),
+      folder_(directoryOf(withoutLinks(name_))),
+      shownFolder_(isLink(name_) ? folder_ : directoryOf(name_)),
+      folder_(folderOf(name_)),
       files_(std::move(files)),
       parts_(parts),
       mostParts_(mostOpenParts()) {}
@@ -68,7 +89,7 @@ std::shared_ptr<OpenedParts::Opened> OpenedParts::keep(std::size_t part) const {
 
 std::string OpenedParts::nameOf(std::size_t file) const {
     const std::string& path = files_[file].path;
-    return path.front() == '/' ? path : directoryOf(name_) + path;
+    return path.front() == '/' ? path : folder_ + path;
 }
 
 std::shared_ptr<const SetFile> OpenedParts::file(std::size_t file) const {
@@ -83,7 +104,7 @@ std::shared_ptr<const SetFile> OpenedParts::mapped(std::size_t file) const {
         if (place != mapped_.end())
             if (auto there = place->second.lock()) return there;
     }
-    auto opened = SetFile::open(nameOf(file));
+    auto opened = SetFile::open(fileIn(folder_, files_[file].path), nameOf(file));
     if (opened->state().superblock.directorySum != files_[file].sum)
         throw Error(ErrorKind::kDamaged, opened->path(),
                     "was changed since the set was made of it");

@@ -93,13 +93,21 @@ void OpenedSet::findMissing() {
             static_cast<void>(opened_->pin(i));
         } catch (const Error& error) {
             places.push_back(i);
-            missing_.push_back({parts_[i].firstNumber, parts_[i].lastNumber(), error});
+            missing_.push_back(
+                {parts_[i].firstNumber, parts_[i].lastNumber(), error, parts_[i].row.file});
         }
     }
     parts_.markMissing(places);
 }
 
 // --- Segments.
+
+void OpenedSet::requireSegments(std::uint64_t first, std::uint64_t count) const {
+    if (first <= segmentCount() && count <= segmentCount() - first) return;
+    throw Error(ErrorKind::kWrongUse, name_,
+                "there are no " + std::to_string(count) + " segments after " +
+                    std::to_string(first) + ", the set has " + std::to_string(segmentCount()));
+}
 
 PinnedSegment OpenedSet::segment(std::uint64_t place) const {
     const std::size_t i = parts_.ofSegment(place);

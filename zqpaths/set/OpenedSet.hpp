@@ -94,6 +94,9 @@ public:
 
     std::uint64_t segmentCount() const noexcept { return parts_.segmentCount(); }
 
+    /// Throws Error kWrongUse unless there are so many segments from the one at a place on.
+    void requireSegments(std::uint64_t first, std::uint64_t count) const;
+
     /// The segment at a place, which there is, and that of a number that there is. Throw as
     /// OpenedParts::pin. O(log parts + log segments).
     PinnedSegment segment(std::uint64_t place) const;

@@ -112,6 +112,18 @@ TEST(GoneMarks, areWhatWasMarkedLast) {
     expectThese({false, true, false, false, true}, {runs.bytes, runs.goneCount, 5});
 }
 
+TEST(GoneMarks, takeNumbersThatFollowAllOthers) {
+    const StoredRuns before({false, true, true});
+    GoneMarks marks;
+    for (const std::uint64_t number : {4U, 6U, 7U, 8U, 10U}) marks.appendGone(number);
+    marks.markPresent(7);
+    marks.markPresent(2);
+    marks.markGone(9);
+    const GoneMarks::Runs runs = marks.appliedTo(before.gone());
+    expectThese({false, false, true, true, false, true, false, true, true, true},
+                {runs.bytes, runs.goneCount, 10});
+}
+
 TEST(GonePaths, areRefusedOrAnsweredWhateverTheRunsSay) {
     constexpr std::uint64_t kCount = 50;
     std::mt19937_64 random(1);

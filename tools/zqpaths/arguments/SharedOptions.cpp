@@ -14,6 +14,12 @@ Option setArgument(std::string& set) {
     return argument("SET", set, "the saved set");
 }
 
+Option partialOption(bool& partial) {
+    return flag("--partial", partial,
+                "read what is there of a set of sets, and tell each file that is missing; the "
+                "status is as if there were no others");
+}
+
 Option forceOption(bool& force) {
     return flag("--force", force, "replace a set that is there");
 }

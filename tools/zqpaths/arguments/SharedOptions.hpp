@@ -78,6 +78,7 @@ struct PieceOptions {
 };
 
 Option setArgument(std::string& set);
+Option partialOption(bool& partial);  // of a set that is read
 Option forceOption(bool& force);
 Option seedOption(std::optional<std::uint64_t>& seed);
 Option goneOption(bool& gone);

@@ -18,8 +18,17 @@ namespace zqpaths::program {
 struct SetReport {
     using Microseconds = std::chrono::duration<double, std::micro>;
 
+    /// The set files of a set of sets.
+    struct Files {
+        std::uint64_t count = 1;
+        std::uint64_t missingCount = 0;
+        std::uint64_t missingPathCount = 0;
+    };
+
     std::string file;
-    std::uint64_t fileSize = 0;   // in bytes, as the file system tells
+    bool isSetOfSets = false;
+    Files files;
+    std::uint64_t fileSize = 0;   // of all files, in bytes, as the file system tells
     std::uint64_t goneCount = 0;  // of the paths, which keep their numbers
     Microseconds opening{};
     std::optional<Microseconds> firstPath;  // after that; none if there are no paths

@@ -84,6 +84,15 @@ void putSegments(JsonWriter& writer, const SetReport& report) {
     writer.EndObject();
 }
 
+void putFiles(JsonWriter& writer, const SetReport::Files& files) {
+    putText(writer, "files");
+    writer.StartObject();
+    put(writer, "count", files.count);
+    put(writer, "missing", files.missingCount);
+    put(writer, "pathsMissing", files.missingPathCount);
+    writer.EndObject();
+}
+
 void putFolders(JsonWriter& writer, const SetStatistics& statistics) {
     putText(writer, "largestFolders");
     writer.StartArray();
@@ -111,6 +120,7 @@ std::string reportJson(const SetReport& report, Charset charset) {
     put(writer, "charactersOfNames", statistics.codedCount);
     put(writer, "bitsPerCharacter", bitsPerCharacter(statistics));
     put(writer, "entries", statistics.entryCount);
+    putFiles(writer, report.files);
     putSegments(writer, report);
     putTree(writer, statistics);
     putSaved(writer, report);

@@ -80,6 +80,15 @@ std::string opening(const SetReport& report) {
     return text;
 }
 
+/// Of a set of sets.
+std::string files(const SetReport& report) {
+    const auto& [count, missingCount, missingPathCount] = report.files;
+    return figureLine("files", groupDigits(count),
+                      missingCount == 0 ? "all there"
+                                        : groupDigits(missingCount) + " of them missing, with " +
+                                              groupDigits(missingPathCount) + " of the paths");
+}
+
 std::string barLine(const std::string& label, std::uint64_t value, std::uint64_t whole,
                     const DrawingStyle& style, SizeUnits units) {
     return "  " + leftAligned(label, kLabelWidth) +
@@ -121,8 +130,8 @@ std::string largestFolders(const SetStatistics& set, const DrawingStyle& style) 
 std::string reportText(const SetReport& report, const DrawingStyle& style, SizeUnits units) {
     const SetStatistics& set = report.statistics;
     return printablePath(report.file) + '\n' + inUse(report, units) + counts(report) +
-           sizes(report, units) + shape(set) + opening(report) + savedBytes(report, style, units) +
-           largestFolders(set, style);
+           sizes(report, units) + shape(set) + (report.isSetOfSets ? files(report) : "") +
+           opening(report) + savedBytes(report, style, units) + largestFolders(set, style);
 }
 
 }  // namespace zqpaths::program

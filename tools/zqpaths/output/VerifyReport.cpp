@@ -1,5 +1,8 @@
 #include "tools/zqpaths/output/VerifyReport.hpp"
 
+#include <algorithm>
+#include <cstddef>
+
 #include "tools/zqpaths/output/Figures.hpp"
 #include "tools/zqpaths/output/JsonText.hpp"
 #include "tools/zqpaths/output/Messages.hpp"
@@ -13,10 +16,26 @@ void printResult(const VerifiedSet& set, const std::vector<std::string>& damages
     JsonObject object;
     object.addName("set", "setBytes", set.file);
     object.add("paths", set.pathCount);
+    if (set.unreadCount) object.add("pathsMissing", *set.unreadCount);
     object.add("whole", damages.empty());
     object.addNames("damages", "damageBytes", damages);
     if (set.missingCount) object.add("missing", *set.missingCount);
     output.line(object);
+}
+
+/// "1,234 paths", or "1,000 of 1,234 paths" where others could not be read.
+std::string countText(const VerifiedSet& set) {
+    const std::uint64_t unreadCount = set.unreadCount.value_or(0);
+    return (unreadCount == 0 ? "" : groupDigits(set.pathCount - unreadCount) + " of ") +
+           groupDigits(set.pathCount) + (set.pathCount == 1 ? " path" : " paths");
+}
+
+std::size_t worstOf(const std::vector<Error>& damages) {
+    const auto worst = std::find_if(damages.rbegin(), damages.rend(), [](const Error& damage) {
+        return damage.kind() == ErrorKind::kDamaged;
+    });
+    return worst == damages.rend() ? damages.size() - 1
+                                   : static_cast<std::size_t>(damages.rend() - worst) - 1;
 }
 
 }  // namespace
@@ -31,8 +50,10 @@ void requireNoDamage(const VerifiedSet& set, const std::vector<Error>& damages,
         printResult(set, texts, output);
         output.finish();
     }
-    for (std::size_t i = 0; i + 1 < damages.size(); ++i) tell(printableText(damages[i].what()));
-    throw Error(damages.back());
+    const std::size_t worst = worstOf(damages);
+    for (std::size_t i = 0; i < damages.size(); ++i)
+        if (i != worst) tell(printableText(damages[i].what()));
+    throw Error(damages[worst]);
 }
 
 void tellWhole(const VerifiedSet& set, const OutputOptions& options, const MessageOptions& messages,
@@ -42,8 +63,7 @@ void tellWhole(const VerifiedSet& set, const OutputOptions& options, const Messa
         return;
     }
     if (messages.quiet) return;
-    const std::string summary = printablePath(set.file) + ": " + groupDigits(set.pathCount) +
-                                (set.pathCount == 1 ? " path" : " paths") + ", all whole";
+    const std::string summary = printablePath(set.file) + ": " + countText(set) + ", all whole";
     // Where missing paths or a table of them are printed, nothing else is.
     if (set.missingCount)
         tell(summary + ", " + groupDigits(*set.missingCount) + " missing on disk");

@@ -18,10 +18,11 @@ struct VerifiedSet {
     std::string file;
     std::uint64_t pathCount = 0;
     std::optional<std::uint64_t> missingCount{};  // on disk, where that was looked at
+    std::optional<std::uint64_t> unreadCount{};   // in files that a set of sets may lack
 };
 
-/// Tells every damage but the last, which it throws; returns if there is none. Programs get them
-/// all in one object.
+/// Tells every damage but one, which it throws; returns if there is none. Programs get them all in
+/// one object. The one thrown is kDamaged if any is: a file that is not there says less.
 void requireNoDamage(const VerifiedSet& set, const std::vector<Error>& damages,
                      const OutputOptions& options, Output& output);
 

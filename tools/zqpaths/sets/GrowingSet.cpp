@@ -19,6 +19,9 @@ std::vector<WorkPhase> phases() {
             {"coding", WorkUnit::kPaths, 4},
             {"writing", WorkUnit::kPaths, 1}};
 }
+std::vector<WorkPhase> phasesOfCopying() {
+    return {{"copying", WorkUnit::kBytes, 3}, {"writing", WorkUnit::kBytes, 2}};
+}
 
 }  // namespace
 
@@ -29,15 +32,32 @@ void tellSizeOfSet(const std::string& file, std::uint64_t size) {
 GrowingSet::GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::string work,
                        const MessageOptions& messages, std::optional<std::uint64_t> total,
                        PathSetWriter::Form form)
-    : file_(file), messages_(messages), progress_(std::move(work), phases(), messages) {
+    : GrowingSet(file, mode, std::move(work), messages, form, phases()) {
     if (total) progress_.expect(*total);
+}
+
+GrowingSet::GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::string work,
+                       const MessageOptions& messages, Copies copies)
+    : GrowingSet(file, mode, std::move(work), messages, PathSetWriter::Form::kImage,
+                 phasesOfCopying()) {
+    progress_.expect(copies.byteCount);
+}
+
+GrowingSet::GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::string work,
+                       const MessageOptions& messages, PathSetWriter::Form form,
+                       std::vector<WorkPhase> phases)
+    : file_(file),
+      messages_(messages),
+      lastPhase_(phases.size() - 1),
+      progress_(std::move(work), std::move(phases), messages) {
     nameWhatIsRead(printablePath(file));
     const DeferredSignals::Wait wait;  // for another writer
     writer_.emplace(file, mode, form);
     sizeBefore_ = writer_->size();
     writer_->watch([this](WorkStep step, std::uint64_t items) {
         if (step == WorkStep::kCoding) progress_.advancePhase(kCoding, items);
-        if (step == WorkStep::kSyncing) progress_.begin(kWriting);
+        if (step == WorkStep::kSumming) progress_.advance(items);
+        if (step == WorkStep::kSyncing) progress_.begin(lastPhase_);
     });
 }
 
@@ -48,7 +68,7 @@ void GrowingSet::save() {
 
 void GrowingSet::saveQuietly() {
     DeferredSignals::throwIfOneCame();
-    progress_.begin(kCoding, writer_->size() - sizeBefore_);
+    if (lastPhase_ > kCoding) progress_.begin(kCoding, writer_->size() - sizeBefore_);
     writer_->commit();
 }
 

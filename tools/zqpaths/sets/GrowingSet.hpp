@@ -11,12 +11,14 @@
 //
 // Threads: one set at a time, on one thread.
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "tools/zqpaths/DeferredSignals.hpp"
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
@@ -41,12 +43,27 @@ public:
                const MessageOptions& messages, std::optional<std::uint64_t> total = std::nullopt,
                PathSetWriter::Form form = PathSetWriter::Form::kImage);
 
+    /// The same for sets that are added as they are, with so many bytes of segments.
+    struct Copies {
+        std::uint64_t byteCount;
+    };
+    GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::string work,
+               const MessageOptions& messages, Copies copies);
+
     /// Throws Error as PathSetWriter does, and Failure if a signal has come.
     void add(std::string_view path) {
         DeferredSignals::throwIfOneCame();
         writer_->add(path);
         ++addedCount_;
         progress_.advance();
+    }
+
+    /// Adds all paths of a set by copying its segments. Throws as add does.
+    void addSet(const PathSet& set) {
+        for (std::uint64_t segment = 0; segment < set.segmentCount(); ++segment) {
+            DeferredSignals::throwIfOneCame();
+            writer_->addSegments(set, segment, 1);
+        }
     }
 
     /// For a step of work that adds nothing, such as a path that was read and is not wanted. Throws
@@ -75,10 +92,15 @@ public:
     void tellSize() const;
 
 private:
+    GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::string work,
+               const MessageOptions& messages, PathSetWriter::Form form,
+               std::vector<WorkPhase> phases);
+
     const std::string file_;
     const MessageOptions messages_;
     std::uint64_t addedCount_ = 0;
     std::uint64_t sizeBefore_ = 0;
+    const std::size_t lastPhase_;
     // In this order: a signal that came takes effect when the writer has discarded what it has, and
     // the writer tells of its progress until it is gone.
     const DeferredSignals signals_;

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <string_view>
 #include <system_error>
+#include <unordered_set>
 
 namespace zqpaths::program {
 namespace {
@@ -17,8 +18,8 @@ constexpr std::string_view kResident = "Rss:";
 
 /// The name as the system writes it, which ends lines with newlines.
 std::string nameInMappings(const std::string& file) {
-    std::error_code error;
-    const std::filesystem::path path = std::filesystem::canonical(file, error);
+    std::error_code isNotThere;
+    const std::filesystem::path path = std::filesystem::canonical(file, isNotThere);
     std::string name;
     for (const char character : path.native())
         if (character == '\n')
@@ -26,6 +27,16 @@ std::string nameInMappings(const std::string& file) {
         else
             name += character;
     return name;
+}
+
+/// Where the name is in a line that begins a mapping, after five words and spaces; at its end if
+/// there is none.
+std::size_t nameIn(const std::string& line) {
+    std::size_t at = 0;
+    for (int word = 0; word < 5; ++word)
+        at = std::min(line.find_first_not_of(' ', std::min(line.find(' ', at), line.size())),
+                      line.size());
+    return at;
 }
 
 /// Of "Rss:   484 kB".
@@ -48,14 +59,16 @@ std::uint64_t allocatedBytes() noexcept {
 //     7f0c1d000000-7f0c24e83000 r--s 00000000 fe:01 1234     /data/usr.zqp
 //     Size:             129548 kB
 //     Rss:                 484 kB
-std::optional<std::uint64_t> residentBytesOf(const std::string& file) {
-    const std::string name = " " + nameInMappings(file);
+std::optional<std::uint64_t> residentBytesOf(const std::vector<std::string>& files) {
+    std::unordered_set<std::string> names;
+    for (const std::string& file : files) names.insert(nameInMappings(file));
+    names.erase("");  // of a file that is not there, and of what is mapped without one
     std::ifstream mappings("/proc/self/smaps");
     std::optional<std::uint64_t> bytes;
     bool isOfFile = false;
     for (std::string line; std::getline(mappings, line);) {
         const bool beginsMapping = line.find('-') < line.find(' ');
-        if (beginsMapping) isOfFile = name.size() > 1 && line.ends_with(name);
+        if (beginsMapping) isOfFile = names.contains(line.substr(nameIn(line)));
         if (isOfFile && line.starts_with(kResident))
             bytes = bytes.value_or(0) + kibibytesOf(line) * kBytesAKibibyte;
     }

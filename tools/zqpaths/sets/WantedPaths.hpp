@@ -1,6 +1,6 @@
 #pragma once
 // WantedPaths is what most verbs show of a set: the paths that are not gone, or with --gone those
-// alone.
+// alone; of a set of sets those that are not missing.
 //
 //     const WantedPaths wanted(set, options.gone);
 //     if (wanted.has(number)) output.path(number, path);
@@ -15,7 +15,7 @@ namespace zqpaths::program {
 class WantedPaths {
 public:
     WantedPaths(const PathSet& set, bool gone) noexcept
-        : set_(set), isGone_(gone), areAll_(!gone && set.goneCount() == 0) {}
+        : set_(set), isGone_(gone), areAll_(!gone && set.presentCount() == set.size()) {}
 
     const PathSet& set() const noexcept { return set_; }
     bool areAll() const noexcept { return areAll_; }
@@ -23,7 +23,7 @@ public:
     /// How many there are.
     std::uint64_t size() const noexcept { return isGone_ ? set_.goneCount() : set_.presentCount(); }
 
-    /// O(log runs of gone paths), as the next ones.
+    /// Of a number that is not missing. O(log runs of gone paths), as the next ones.
     bool has(std::uint64_t number) const { return areAll_ || set_.isGone(number) == isGone_; }
 
     /// How many of the numbers from `first` to `last` there are.

@@ -25,26 +25,27 @@ protected:
 };
 
 TEST_F(MemoryInUse, countsThePagesOfAFileThatWereRead) {
-    EXPECT_EQ(residentBytesOf(file_), std::nullopt);
+    EXPECT_EQ(residentBytesOf({file_}), std::nullopt);
     const int descriptor = open(file_.c_str(), O_RDONLY | O_CLOEXEC);
     void* const bytes = mmap(nullptr, kPages * kPage, PROT_READ, MAP_SHARED, descriptor, 0);
     close(descriptor);
     ASSERT_NE(bytes, MAP_FAILED);
-    EXPECT_EQ(residentBytesOf(file_), 0);
+    EXPECT_EQ(residentBytesOf({file_}), 0);
     // The system maps pages besides that are at hand.
     const auto sum = static_cast<volatile const char*>(bytes)[kPage];
     EXPECT_EQ(sum, 'x');
-    EXPECT_GE(residentBytesOf(file_), kPage);
+    EXPECT_GE(residentBytesOf({file_}), kPage);
     for (std::size_t page = 0; page < kPages; ++page)
         EXPECT_EQ(static_cast<volatile const char*>(bytes)[page * kPage], 'x');
-    EXPECT_EQ(residentBytesOf(file_), kPages * kPage);
+    EXPECT_EQ(residentBytesOf({file_}), kPages * kPage);
+    EXPECT_EQ(residentBytesOf({file_ + "none", file_}), kPages * kPage);
     munmap(bytes, kPages * kPage);
-    EXPECT_EQ(residentBytesOf(file_), std::nullopt);
+    EXPECT_EQ(residentBytesOf({file_}), std::nullopt);
 }
 
 TEST_F(MemoryInUse, isNotToldOfAFileThatIsNotThere) {
-    EXPECT_EQ(residentBytesOf(file_ + "none"), std::nullopt);
-    EXPECT_EQ(residentBytesOf(""), std::nullopt);
+    EXPECT_EQ(residentBytesOf({file_ + "none"}), std::nullopt);
+    EXPECT_EQ(residentBytesOf({""}), std::nullopt);
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // they allocate on their own

@@ -22,6 +22,7 @@ struct FindOptions {
     bool numbered = false;
     bool countOnly = false;
     bool statusOnly = false;
+    bool partial = false;
     bool gone = false;
     OutputOptions output;
     MessageOptions messages;
@@ -68,7 +69,7 @@ std::uint64_t printCount(const WantedPaths& wanted, const Pattern& pattern,
 
 ExitStatus find(const FindOptions& options) {
     const Pattern pattern = patternOf(options.pattern);
-    const PathSet set = openSet(options.set);
+    const PathSet set = openSet(options.set, options.partial);
     const WantedPaths wanted(set, options.gone);
     const auto isAny = [&] {
         if (options.statusOnly) return hasMatch(wanted, pattern);
@@ -93,7 +94,8 @@ Verb findVerb() {
             setArgument(options->set), patternOptions(options->pattern),
             flag("-c,--count", options->countOnly, "print only how many match"),
             flag("-q,--quiet", options->statusOnly, "print nothing; status 0 if something matches"),
-            goneOption(options->gone), outputOptions(options->output),
+            partialOption(options->partial), goneOption(options->gone),
+            outputOptions(options->output),
             excluding("--fields", flag("-n,--number", options->numbered,
                                        "print the number and a tab before each path")),
             progressOptions(options->messages)),

@@ -25,6 +25,7 @@ struct GetOptions {
     std::string set;
     std::vector<std::string> numbers;  // "N", "A:B", "A:B:STEP", "-" for standard input
     bool groups = false;
+    bool partial = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -103,7 +104,7 @@ void takeStandardInput(std::uint64_t setSize, Printer& printer) {
 }
 
 ExitStatus get(const GetOptions& options) {
-    const PathSet set = openSet(options.set);
+    const PathSet set = openSet(options.set, options.partial);
     std::vector<std::optional<NumberRange>> wanted;  // nothing where standard input is to be read
     for (const std::string& text : options.numbers) {
         wanted.emplace_back();
@@ -142,7 +143,7 @@ Verb getVerb() {
         .options = rows(setArgument(options->set),
                         arguments("NUMBER", options->numbers,
                                   "N, A:B or A:B:STEP; - for those on standard input"),
-                        outputOptions(options->output),
+                        partialOption(options->partial), outputOptions(options->output),
                         excluding("--csv,--fields", flag("--groups", options->groups,
                                                          "print each folder, then its files")),
                         messageOptions(options->messages)),

@@ -25,6 +25,7 @@ struct ListOptions {
     bool walk = false;
     std::string under;  // only paths in this folder
     std::optional<std::string> glob;
+    bool partial = false;
     bool gone = false;
     std::optional<std::uint64_t> depth;  // at most so many names below `under`
     OutputOptions output;
@@ -92,7 +93,7 @@ bool hasFolder(const PathSet& set, const std::string& folder) {
 }
 
 ExitStatus list(const ListOptions& options) {
-    const PathSet set = openSet(options.set);
+    const PathSet set = openSet(options.set, options.partial);
     const bool isPart = !options.under.empty() || options.glob || options.depth;
     if (printWanted(set, options) > 0 || !isPart) return ExitStatus::kDone;
     if (!options.messages.quiet && !options.under.empty() && !hasFolder(set, options.under))
@@ -119,8 +120,8 @@ Verb listVerb() {
                         text("--under", "FOLDER", options->under, "only paths in this folder"),
                         text("--glob", "PATTERN", options->glob, "only paths that match"),
                         number("--depth", "N", options->depth, "at most N names below the folder"),
-                        goneOption(options->gone), outputOptions(options->output),
-                        messageOptions(options->messages)),
+                        partialOption(options->partial), goneOption(options->gone),
+                        outputOptions(options->output), messageOptions(options->messages)),
         .run = [options] { return list(*options); }};
 }
 

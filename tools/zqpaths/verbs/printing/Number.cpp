@@ -18,12 +18,13 @@ namespace {
 struct NumberOptions {
     std::string set;
     std::vector<std::string> paths;
+    bool partial = false;
     OutputOptions output;
     MessageOptions messages;
 };
 
 ExitStatus number(const NumberOptions& options) {
-    const PathSet set = openSet(options.set);
+    const PathSet set = openSet(options.set, options.partial);
     Output output(options.output,
                   {.asText = {PathField::kNumber}, .isQuiet = options.messages.quiet});
     std::vector<const std::string*> missing;
@@ -59,7 +60,8 @@ Verb numberVerb() {
             "A path that occurs more than once has its first number printed. Status 1 "
             "tells that a path is not there; the numbers of the others are printed.",
         .options = rows(setArgument(options->set), arguments("PATH", options->paths, "the paths"),
-                        outputOptions(options->output), messageOptions(options->messages)),
+                        partialOption(options->partial), outputOptions(options->output),
+                        messageOptions(options->messages)),
         .run = [options] { return number(*options); }};
 }
 

@@ -15,6 +15,7 @@ struct SampleOptions {
     std::string set;
     std::uint64_t count = 1;
     std::optional<std::uint64_t> seed;
+    bool partial = false;
     bool gone = false;
     OutputOptions output;
     MessageOptions messages;
@@ -32,10 +33,11 @@ Verb sampleVerb() {
             .options = rows(setArgument(options->set),
                             required(number("-n,--count", "K", options->count,
                                             "how many, each at most once; all if there are fewer")),
-                            seedOption(options->seed), goneOption(options->gone),
-                            outputOptions(options->output), messageOptions(options->messages)),
+                            seedOption(options->seed), partialOption(options->partial),
+                            goneOption(options->gone), outputOptions(options->output),
+                            messageOptions(options->messages)),
             .run = [options] {
-                const PathSet set = openSet(options->set);
+                const PathSet set = openSet(options->set, options->partial);
                 printInRandomOrder({set, options->gone}, options->count,
                                    seedFor(options->seed, options->messages), "sampling",
                                    options->output, options->messages);

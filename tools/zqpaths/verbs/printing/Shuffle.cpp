@@ -14,6 +14,7 @@ namespace {
 struct ShuffleOptions {
     std::string set;
     std::optional<std::uint64_t> seed;
+    bool partial = false;
     bool gone = false;
     OutputOptions output;
     MessageOptions messages;
@@ -29,10 +30,10 @@ Verb shuffleVerb() {
             .examples = {"zqpaths shuffle usr.zqp --seed 7",
                          "zqpaths shuffle data.zqp --seed 7 | head"},
             .options = rows(setArgument(options->set), seedOption(options->seed),
-                            goneOption(options->gone), outputOptions(options->output),
-                            messageOptions(options->messages)),
+                            partialOption(options->partial), goneOption(options->gone),
+                            outputOptions(options->output), messageOptions(options->messages)),
             .run = [options] {
-                const PathSet set = openSet(options->set);
+                const PathSet set = openSet(options->set, options->partial);
                 printInRandomOrder({set, options->gone}, set.size(),
                                    seedFor(options->seed, options->messages), "shuffling",
                                    options->output, options->messages);

@@ -34,6 +34,7 @@ struct SplitOptions {
     std::vector<double> fractions;
     std::optional<std::uint64_t> part;  // from 1
     std::optional<std::uint64_t> seed;
+    bool partial = false;
     bool gone = false;
     OutputOptions output;
     MessageOptions messages;
@@ -145,7 +146,7 @@ void printPart(const WantedPaths& wanted, const SplitOptions& options) {
 
 ExitStatus split(const SplitOptions& options) {
     requireOneWay(options);
-    const PathSet set = openSet(options.set);
+    const PathSet set = openSet(options.set, options.partial);
     const WantedPaths wanted(set, options.gone);
     if (options.rank)
         printShare(wanted, options);
@@ -183,8 +184,8 @@ Verb splitVerb() {
             number("--skip", "K", options->skip, "leave out the first K paths of the share"),
             fractionsOption(options->fractions),
             number("--part", "P", options->part, "which part, from 1"), seedOption(options->seed),
-            goneOption(options->gone), outputOptions(options->output),
-            messageOptions(options->messages)),
+            partialOption(options->partial), goneOption(options->gone),
+            outputOptions(options->output), messageOptions(options->messages)),
         .run = [options] { return split(*options); }};
 }
 

@@ -25,6 +25,7 @@ namespace {
 struct DiffOptions {
     std::string first;
     std::string second;
+    bool partial = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -52,7 +53,7 @@ bool printMissing(const PathSet& set, const PathSet& other, Side side, Output& o
 
 /// Prints what differs between a set and a directory, as far as that goes, folder by folder.
 ExitStatus diffWithDisk(const DiffOptions& options) {
-    const PathSet set = openSet(options.first);
+    const PathSet set = openSet(options.first, options.partial);
     const std::vector<Scan> scans = scansOf(set);
     SourceOptions source;
     source.directories.push_back(options.second);
@@ -84,8 +85,8 @@ ExitStatus diffWithDisk(const DiffOptions& options) {
 
 ExitStatus diff(const DiffOptions& options) {
     if (isDirectory(options.second)) return diffWithDisk(options);
-    const PathSet first = openSet(options.first);
-    const PathSet second = openSet(options.second);
+    const PathSet first = openSet(options.first, options.partial);
+    const PathSet second = openSet(options.second, options.partial);
     nameWhatIsRead(printablePath(options.first) + " or " + printablePath(options.second));
     Output output(options.output, {.markKey = kSideKey, .isQuiet = options.messages.quiet});
     Progress progress("comparing", options.messages, 2 * (first.size() + second.size()),
@@ -112,7 +113,8 @@ Verb diffVerb() {
             "with what is there, folder by folder, as the set has read it.",
         .options = rows(argument("A", options->first, "a saved set"),
                         argument("B", options->second, "another, or a directory"),
-                        outputOptions(options->output), messageOptions(options->messages)),
+                        partialOption(options->partial), outputOptions(options->output),
+                        messageOptions(options->messages)),
         .run = [options] { return diff(*options); }};
 }
 

@@ -21,12 +21,13 @@ namespace {
 struct ReportOptions {
     std::string set;
     std::string page;
+    bool partial = false;
     bool force = false;
     MessageOptions messages;
 };
 
 ExitStatus report(const ReportOptions& options) {
-    const PathSet set = openSet(options.set);
+    const PathSet set = openSet(options.set, options.partial);
     if (!options.force) requireFree(options.page);
     std::string data;
     {
@@ -58,6 +59,7 @@ Verb reportVerb() {
             "folders that they are in. The same set gives the same page.",
         .options = rows(setArgument(options->set),
                         argument("PAGE", options->page, "the file to be written"),
+                        partialOption(options->partial),
                         flag("--force", options->force, "replace a file that is there"),
                         messageOptions(options->messages)),
         .run = [options] { return report(*options); }};

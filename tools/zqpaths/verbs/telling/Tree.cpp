@@ -22,6 +22,7 @@ struct TreeVerbOptions {
     TreeOptions tree;
     std::string order = "count";
     std::string colour = "auto";
+    bool partial = false;
     bool json = false;
     MessageOptions messages;
 };
@@ -83,7 +84,7 @@ void printText(const FolderTree& tree, std::uint64_t whole, const TreeVerbOption
 ExitStatus tree(TreeVerbOptions options) {
     options.tree.order =
         options.order == "name" ? TreeOptions::Order::kName : TreeOptions::Order::kCount;
-    const PathSet set = openSet(options.set);
+    const PathSet set = openSet(options.set, options.partial);
     const FolderTotals totals(set);
     const FolderTotals::Place top = topOf(totals, options);
     const std::uint64_t whole = totals.of(top).filesBelow;
@@ -132,6 +133,7 @@ Verb treeVerb() {
             oneOf({"auto", "always", "never"},
                   text("--color", "WHEN", options->colour,
                        "colours: auto, which is on a terminal, always or never (auto)")),
+            partialOption(options->partial),
             flag("--json", options->json, "print one JSON object a line"),
             messageOptions(options->messages)),
         .run = [options] { return tree(*options); }};

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -23,6 +24,7 @@ namespace {
 struct VerifyOptions {
     std::string set;
     bool disk = false;
+    bool partial = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -37,13 +39,24 @@ std::vector<WorkPhase> phases(bool isDiskCompared) {
     return phases;
 }
 
+/// Nothing if a file of a set of sets cannot be opened, which is one of the damages.
+std::optional<std::uint64_t> bytesToSum(const PathSet& set) {
+    try {
+        std::uint64_t size = 0;
+        for (const PathSet::Segment& segment : set.segments()) size += segment.size;
+        return size;
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
 std::vector<Error> damagesOf(const PathSet& set, Progress& progress) {
-    std::uint64_t size = 0;
-    for (const PathSet::Segment& segment : set.segments()) size += segment.size;
-    progress.expect(size);
+    if (const std::optional<std::uint64_t> size = bytesToSum(set)) progress.expect(*size);
+    const std::uint64_t pathCount = set.size() - missingPathCountOf(set);
     return set.verify([&](WorkStep step, std::uint64_t items) {
-        if (step == WorkStep::kReading) progress.begin(kReading, set.size());
-        progress.advance(items);
+        if (step == WorkStep::kReading) progress.begin(kReading, pathCount);
+        // Of several files one is summed after another has been read.
+        progress.advancePhase(step == WorkStep::kReading ? kReading : kSumming, items);
     });
 }
 
@@ -56,7 +69,7 @@ struct DiskResult {
 DiskResult compareWithDisk(const PathSet& set, Output& output, Progress& progress) {
     DiskResult result;
     const WantedPaths wanted(set, false);
-    progress.begin(kComparing, set.size());
+    progress.begin(kComparing, set.size() - missingPathCountOf(set));
     set.forEach([&](std::uint64_t number, std::string_view path) {
         if (!wanted.has(number)) return;
         try {
@@ -79,10 +92,11 @@ ExitStatus statusOf(const DiskResult& result) {
 }
 
 ExitStatus verify(const VerifyOptions& options) {
-    const PathSet set = openSet(options.set);
+    const PathSet set = openSet(options.set, options.partial);
     Output output(options.output, {.isQuiet = options.messages.quiet});
     Progress progress("verifying", phases(options.disk), options.messages);
     VerifiedSet verified{options.set, set.size()};
+    if (options.partial) verified.unreadCount = missingPathCountOf(set);
     requireNoDamage(verified, damagesOf(set, progress), options.output, output);
     std::optional<DiskResult> disk;
     if (options.disk) {
@@ -107,7 +121,8 @@ Verb verifyVerb() {
                 "tells of the set as a whole, and also of damage, which ends with status 3.",
             .options = rows(setArgument(options->set),
                             flag("--disk", options->disk, "compare with the file system"),
-                            outputOptions(options->output), messageOptions(options->messages)),
+                            partialOption(options->partial), outputOptions(options->output),
+                            messageOptions(options->messages)),
             .run = [options] { return verify(*options); }};
 }
 

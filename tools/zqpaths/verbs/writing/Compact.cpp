@@ -23,9 +23,11 @@ struct CompactOptions {
 
 ExitStatus compact(const CompactOptions& options) {
     const bool isInPlace = options.out.empty();
-    const std::uint64_t size = openSet(options.set).presentCount();
+    const PathSet before = openSet(options.set);
+    if (isInPlace)
+        requireSetFile(before, "cannot be compacted in place; give the set file to make as OUT");
     GrowingSet out(isInPlace ? options.set : options.out, modeOfNew(isInPlace || options.force),
-                   "compacting", options.messages, size,
+                   "compacting", options.messages, before.presentCount(),
                    options.packed ? PathSetWriter::Form::kPacked : PathSetWriter::Form::kImage);
     // Opened when the writer holds the file: what others have added up to then is there.
     const PathSet set = openSet(options.set);
@@ -54,7 +56,8 @@ Verb compactVerb() {
             "A set is usually kept as images, which are read where they lie. Packed, it "
             "is a third of that, for keeping and sending; whoever reads it inflates "
             "what is needed first. Paths that are gone are left out, and those after them "
-            "have lower numbers then. All else stays, and what update goes by.",
+            "have lower numbers then. All else stays, and what update goes by. A set of sets is "
+            "written as one file, OUT.",
         .options = rows(setArgument(options->set), std::move(out),
                         flag("--packed", options->packed, "as small as can be"),
                         forceOption(options->force), messageOptions(options->messages)),

@@ -117,6 +117,8 @@ std::vector<EncodedScan> updateRoots(const PathSet& set, const std::vector<SetRo
 }
 
 ExitStatus update(const UpdateOptions& options) {
+    requireSetFile(openSet(options.set),
+                   "cannot be updated; make one set file of it with 'zqpaths merge --into'");
     std::optional<GrowingSet> growing;
     if (!options.dryRun)
         growing.emplace(options.set, PathSetWriter::Mode::kAppend, "updating", options.messages);

@@ -66,6 +66,13 @@ PY
     zqpaths update d.zqp --json >change.lines
     zqpaths list d.zqp --gone --json >>path.lines
     zqpaths info d.zqp --json >>set.lines
+    cp s.zqp $'gone\xff.zqp'
+    zqpaths merge -q m.zqs $'odd\xff.zqp' d.zqp $'gone\xff.zqp'
+    zqpaths merge -q n.zqs m.zqs m.zqs
+    jq -c . [mn].zqs >manifest.lines
+    rm $'gone\xff.zqp'
+    zqpaths info m.zqs --json --partial 2>told >>set.lines
+    zqpaths verify m.zqs --json --partial 2>told >>verification.lines
     zqpaths diff d.zqp data --json >>difference.lines
     touch data/d
     zqpaths diff d.zqp data --json >>difference.lines || [ $? -eq 1 ]
@@ -101,6 +108,17 @@ PY
     run -1 has_schema path.lines
     : >path.lines
     run -1 has_schema path.lines
+    make_set s.zqp a
+    zqpaths merge -q m.zqs s.zqp
+    jq -c . m.zqs >manifest.lines
+    has_schema manifest.lines
+    local broken
+    for broken in '.zqs = 2' 'del(.rows)' 'del(.files[0].sum)' '.files[0].sum = "12"' \
+        '.files[0].path = ""' '.rows[0] |= .[:4]' '.rows[0] += [0]' '.rows[0][1] = -1' \
+        '.rows[0][2] = 0' '.rows[0][3] = "1"' '.rows[0][3] = 4611686018427387904' '.more = 1'; do
+        jq -c "$broken" m.zqs >manifest.lines
+        run -1 has_schema manifest.lines
+    done
 }
 
 @test "names come back from JSON to the byte" {
