@@ -36,9 +36,7 @@ load ../setup
 
 @test "damage that a rank meets ends the job with its rank, message and status" {
     make_numbered_set s.zqp 90000
-    local size
-    size=$(stat -c %s s.zqp)
-    head -c $((size - 8192)) /dev/zero | dd of=s.zqp bs=4096 seek=1 conv=notrunc status=none
+    wipe s.zqp
     run -3 --separate-stderr team 3 find s.zqp '*'
     [ "$(grep -c 'zqpaths-mpi: rank [012]: s.zqp: ' <<<"$stderr")" -eq 1 ]
     run -3 --separate-stderr team 1 find s.zqp '*'
