@@ -17,16 +17,11 @@ std::size_t mostOpenParts() noexcept {
     return std::clamp<std::size_t>(limit.rlim_cur / 2, 1, OpenedParts::kMostParts);
 }
 
-/// The folder that a manifest is in, which a symbolic link to it need not be in.
+/// The folder that a manifest is in, as people know it unless a link leads to it.
 std::string folderOf(const std::string& manifest) {
     struct stat status {};
     const bool isLink = ::lstat(manifest.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
     return directoryOf(isLink ? withoutLinks(manifest) : manifest);
-}
-
-bool isLink(const std::string& path) noexcept {
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
 /// A file that a manifest in a folder names.
@@ -39,8 +34,7 @@ std::string fileIn(const std::string& folder, const std::string& path) {
 OpenedParts::OpenedParts(std::string name, std::vector<ManifestFile> files, const SetParts& parts)
     : name_(std::move(name)),
       folder_(directoryOf(withoutLinks(name_))),
-      shownFolder_(isLink(name_) ? folder_ : directoryOf(name_)),
-      folder_(folderOf(name_)),
+      shownFolder_(folderOf(name_)),
       files_(std::move(files)),
       parts_(parts),
       mostParts_(mostOpenParts()) {}
@@ -88,8 +82,7 @@ std::shared_ptr<OpenedParts::Opened> OpenedParts::keep(std::size_t part) const {
 }
 
 std::string OpenedParts::nameOf(std::size_t file) const {
-    const std::string& path = files_[file].path;
-    return path.front() == '/' ? path : folder_ + path;
+    return fileIn(shownFolder_, files_[file].path);
 }
 
 std::shared_ptr<const SetFile> OpenedParts::file(std::size_t file) const {

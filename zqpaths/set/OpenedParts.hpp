@@ -68,7 +68,8 @@ private:
     }
 
     std::string name_;
-    std::string folder_;  // that relative names lead from
+    std::string folder_;       // of the manifest, wherever the process goes
+    std::string shownFolder_;  // the same, as people know it
     std::vector<ManifestFile> files_;
     const SetParts& parts_;
     std::size_t mostParts_;
