@@ -70,6 +70,21 @@ This package holds the program zqpaths, which makes, reads and searches such
 sets.")
 endif()
 
+if(TARGET zqpaths-mpi)
+    list(APPEND CPACK_COMPONENTS_ALL mpi)
+    set(CPACK_DEBIAN_MPI_PACKAGE_NAME zqpaths-mpi)
+    set(CPACK_DEBIAN_MPI_PACKAGE_SECTION utils)
+    set(CPACK_COMPONENT_MPI_DEPENDS library)
+    set(CPACK_DEBIAN_MPI_PACKAGE_RECOMMENDS mpich)
+    set(CPACK_DEBIAN_MPI_PACKAGE_SUGGESTS zqpaths)
+    set(CPACK_DEBIAN_MPI_DESCRIPTION
+        "make and search very large sets of file paths on many machines
+${about}
+.
+This package holds the program zqpaths-mpi, which mpiexec runs as many
+processes that make a set of many files together, and search it.")
+endif()
+
 if(TARGET _zqpaths)
     list(APPEND CPACK_COMPONENTS_ALL python)
     set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-zqpaths)

@@ -258,6 +258,23 @@ def test_futures_are_parts(client, target):
     assert list(made) == sum(map(paths_of, range(4)), [])
 
 
+def generated(part):
+    yield from paths_of(part)
+
+
+def test_parts_may_be_generated(client, target):
+    parts = [dask.delayed(generated)(part) for part in range(4)]
+    assert list(zqpaths.dask.index(parts, target)) == sum(map(paths_of, range(4)), [])
+
+
+def test_a_future_is_not_read_again_where_its_paths_are_gone(client, target):
+    parts = [client.submit(generated, 0)]
+    assert list(zqpaths.dask.index(parts, target)) == paths_of(0)
+    with pytest.raises(zqpaths.UseError, match="some paths are gone"):
+        zqpaths.dask.index(parts, target, mode="w")
+    assert list(zqpaths.open(target)) == paths_of(0)
+
+
 def test_lists_are_read_as_they_are(tmp_path, here, target):
     odd = ["/a b", "/caf\xe9", "/\udcff", "/cr\r", "/next\x85line", "/sep\u2028x", " x "]
     paths = [f"{path}/{i}" for i in range(300) for path in odd]
@@ -340,7 +357,7 @@ def test_a_part_may_be_made_twice_at_once(tmp_path):
     makings = []
 
     def make(paths):
-        makings.extend(zqpaths.dask._write(paths, part=0, folder=str(tmp_path), packed=False))
+        makings.extend(zqpaths._dask_index._write(paths, part=0, folder=str(tmp_path), packed=False))
 
     def paths():
         yield "a"

@@ -37,6 +37,7 @@ constexpr std::array kSides{Side::kFirst, Side::kSecond};
 struct DiffOptions {
     std::string first;
     std::string second;
+    bool partial = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -217,8 +218,8 @@ void Comparison::givePiece(Member& member, Side side, std::uint64_t piece,
 }
 
 ExitStatus diff(Team& team, const DiffOptions& options) {
-    const PathSet first = openOnAll(team, options.first);
-    const PathSet second = openOnAll(team, options.second);
+    const PathSet first = openOnAll(team, options.first, options.partial);
+    const PathSet second = openOnAll(team, options.second, options.partial);
     nameWhatIsRead(printablePath(options.first) + " or " + printablePath(options.second));
     Output output(options.output, {.markKey = kSideKey, .isQuiet = options.messages.quiet});
     TeamProgress progress(team, "comparing", options.messages, first.size() + second.size(),
@@ -246,20 +247,21 @@ ExitStatus diff(Team& team, const DiffOptions& options) {
 
 Verb diffVerb(Team& team) {
     const auto options = std::make_shared<DiffOptions>();
-    return {.name = "diff",
-            .synopsis = "A B",
-            .summary = "print the paths that only one of two sets has",
-            .examples = {"mpiexec -n 4 zqpaths-mpi diff monday.zqs tuesday.zqs",
-                         "mpiexec -n 4 zqpaths-mpi diff --json monday.zqs tuesday.zqs"},
-            .details =
-                "Paths only in A follow '< ', then paths only in B follow '> ', each once and in "
-                "the order of numbers; order does not make sets differ. Status 1 tells that there "
-                "are any. All ranks together hold 24 bytes for each path of either set, in tables "
-                "with room for at most 2.7 times as many.",
-            .options = rows(argument("A", options->first, "a saved set"),
-                            argument("B", options->second, "another"),
-                            outputOptions(options->output), messageOptions(options->messages)),
-            .run = [&team, options] { return diff(team, *options); }};
+    return {
+        .name = "diff",
+        .synopsis = "A B",
+        .summary = "print the paths that only one of two sets has",
+        .examples = {"mpiexec -n 4 zqpaths-mpi diff monday.zqs tuesday.zqs",
+                     "mpiexec -n 4 zqpaths-mpi diff --json monday.zqs tuesday.zqs"},
+        .details =
+            "Paths only in A follow '< ', then paths only in B follow '> ', each once and in "
+            "the order of numbers; order does not make sets differ. Status 1 tells that there "
+            "are any. All ranks together hold 24 bytes for each path of either set, in tables "
+            "with room for at most 2.7 times as many.",
+        .options = rows(argument("A", options->first, "a saved set"),
+                        argument("B", options->second, "another"), partialOption(options->partial),
+                        outputOptions(options->output), messageOptions(options->messages)),
+        .run = [&team, options] { return diff(team, *options); }};
 }
 
 }  // namespace zqpaths::program::mpi

@@ -26,6 +26,7 @@ struct FindOptions {
     bool numbered = false;
     bool countOnly = false;
     bool statusOnly = false;
+    bool partial = false;
     bool gone = false;
     OutputOptions output;
     MessageOptions messages;
@@ -143,7 +144,7 @@ std::uint64_t Search::lookForOne() {
 }
 
 ExitStatus find(Team& team, const FindOptions& options) {
-    const PathSet set = openOnAll(team, options.set);
+    const PathSet set = openOnAll(team, options.set, options.partial);
     Search search(team, set, options);
     const std::uint64_t count = options.statusOnly  ? search.lookForOne()
                                 : options.countOnly ? search.printCount()
@@ -166,7 +167,8 @@ Verb findVerb(Team& team) {
             setArgument(options->set), patternOptions(options->pattern),
             flag("-c,--count", options->countOnly, "print only how many match"),
             flag("-q,--quiet", options->statusOnly, "print nothing; status 0 if something matches"),
-            goneOption(options->gone), outputOptions(options->output),
+            partialOption(options->partial), goneOption(options->gone),
+            outputOptions(options->output),
             excluding("--fields", flag("-n,--number", options->numbered,
                                        "print the number and a tab before each path")),
             progressOptions(options->messages)),

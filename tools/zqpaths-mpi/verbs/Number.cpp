@@ -32,6 +32,7 @@ struct NumberOptions {
     std::vector<std::string> paths;
     std::optional<std::string> list;
     bool nulDelimited = false;
+    bool partial = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -129,7 +130,7 @@ void answer(Member& member, const OwnSegments& own) {
 
 ExitStatus number(Team& team, const NumberOptions& options) {
     if (options.paths.empty() && !options.list) throw wrongUse("PATH or --list is required");
-    const PathSet set = openOnAll(team, options.set);
+    const PathSet set = openOnAll(team, options.set, options.partial);
     Output output(options.output,
                   {.asText = {PathField::kNumber}, .isQuiet = options.messages.quiet});
     bool isAnyMissing = false;
@@ -175,10 +176,13 @@ Verb numberVerb(Team& team) {
         .details =
             "Each rank looks through its part of the set. A path that occurs more than once has "
             "its first number printed. Status 1 tells that a path is not there; the numbers of "
-            "the others are printed. A list is read in pieces, and may be of any length.",
+            "the others are printed. A list is read in pieces, and may be of any length; a long "
+            "one is better "
+            "named than given on standard input, which MPICH breaks off where it is read more "
+            "slowly than it comes.",
         .options = rows(setArgument(options->set), std::move(paths), std::move(list),
-                        std::move(nulDelimited), outputOptions(options->output),
-                        messageOptions(options->messages)),
+                        std::move(nulDelimited), partialOption(options->partial),
+                        outputOptions(options->output), messageOptions(options->messages)),
         .run = [&team, options] { return number(team, *options); }};
 }
 

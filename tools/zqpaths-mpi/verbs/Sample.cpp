@@ -15,13 +15,14 @@ struct SampleOptions {
     std::string set;
     std::uint64_t count = 1;
     std::optional<std::uint64_t> seed;
+    bool partial = false;
     bool gone = false;
     OutputOptions output;
     MessageOptions messages;
 };
 
 ExitStatus sample(Team& team, const SampleOptions& options) {
-    const PathSet set = openOnAll(team, options.set);
+    const PathSet set = openOnAll(team, options.set, options.partial);
     const std::uint64_t seed = commonSeed(team, options.seed, options.messages);
     printInRandomOrder(team, {set, options.gone}, options.count, seed, "sampling", options.output,
                        options.messages);
@@ -41,8 +42,9 @@ Verb sampleVerb(Team& team) {
             .options = rows(setArgument(options->set),
                             required(number("-n,--count", "K", options->count,
                                             "how many, each at most once; all if there are fewer")),
-                            seedOption(options->seed), goneOption(options->gone),
-                            outputOptions(options->output), messageOptions(options->messages)),
+                            seedOption(options->seed), partialOption(options->partial),
+                            goneOption(options->gone), outputOptions(options->output),
+                            messageOptions(options->messages)),
             .run = [&team, options] { return sample(team, *options); }};
 }
 

@@ -18,13 +18,14 @@ struct ShuffleOptions {
     std::optional<std::uint64_t> seed;
     std::optional<std::string> out;
     bool force = false;
+    bool partial = false;
     bool gone = false;
     OutputOptions output;
     MessageOptions messages;
 };
 
 ExitStatus shuffle(Team& team, const ShuffleOptions& options) {
-    const PathSet set = openOnAll(team, options.set);
+    const PathSet set = openOnAll(team, options.set, options.partial);
     const WantedPaths wanted(set, options.gone);
     const std::uint64_t seed = commonSeed(team, options.seed, options.messages);
     if (options.out)
@@ -57,8 +58,8 @@ Verb shuffleVerb(Team& team) {
         .options =
             rows(setArgument(options->set), seedOption(options->seed),
                  text("--out", kFileValue, options->out, "each rank writes a file of its own"),
-                 std::move(force), goneOption(options->gone), outputOptions(options->output),
-                 messageOptions(options->messages)),
+                 std::move(force), partialOption(options->partial), goneOption(options->gone),
+                 outputOptions(options->output), messageOptions(options->messages)),
         .run = [&team, options] { return shuffle(team, *options); }};
 }
 

@@ -12,12 +12,14 @@
 #include "tools/zqpaths/arguments/SharedOptions.hpp"
 #include "tools/zqpaths/output/Output.hpp"
 #include "tools/zqpaths/output/VerifyReport.hpp"
+#include "tools/zqpaths/sets/OpenSet.hpp"
 
 namespace zqpaths::program::mpi {
 namespace {
 
 struct VerifyOptions {
     std::string set;
+    bool partial = false;
     OutputOptions output;
     MessageOptions messages;
 };
@@ -62,11 +64,12 @@ std::vector<Error> damagesOf(Team& team, const PathSet& set, const MessageOption
 }
 
 ExitStatus verify(Team& team, const VerifyOptions& options) {
-    const PathSet set = openOnAll(team, options.set);
+    const PathSet set = openOnAll(team, options.set, options.partial);
     Output output(options.output, {.isQuiet = options.messages.quiet});
     const std::vector<Error> damages = damagesOf(team, set, options.messages);
     if (!team.isFirst()) return ExitStatus::kDone;
-    const VerifiedSet verified{options.set, set.size()};
+    VerifiedSet verified{options.set, set.size()};
+    if (options.partial) verified.unreadCount = missingPathCountOf(set);
     requireNoDamage(verified, damages, options.output, output);
     tellWhole(verified, options.output, options.messages, output);
     output.finish();
@@ -87,8 +90,8 @@ Verb verifyVerb(Team& team) {
             "A rank verifies a set file at a time, so that a set of one file takes one rank. "
             "With --json the last object tells of the set as a whole, and also of damage, which "
             "ends with status 3.",
-        .options = rows(setArgument(options->set), outputOptions(options->output),
-                        messageOptions(options->messages)),
+        .options = rows(setArgument(options->set), partialOption(options->partial),
+                        outputOptions(options->output), messageOptions(options->messages)),
         .run = [&team, options] { return verify(team, *options); }};
 }
 

@@ -38,6 +38,13 @@ std::vector<MissingFile> missingFilesOf(const PathSet& set) {
     return files;
 }
 
+std::uint64_t missingPathCountOf(const PathSet& set) {
+    std::uint64_t count = 0;
+    for (const PathSet::Missing& missing : set.missing())
+        count += missing.lastNumber - missing.firstNumber + 1;
+    return count;
+}
+
 PathSet openSet(const std::string& file, bool isPartial) {
     nameWhatIsRead(printablePath(file));
     if (!isPartial) return PathSet::open(file);

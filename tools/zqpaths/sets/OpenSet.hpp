@@ -23,6 +23,9 @@ struct MissingFile {
 /// In the order of their first numbers. O(ranges that are missing).
 std::vector<MissingFile> missingFilesOf(const PathSet& set);
 
+/// How many paths cannot be read.
+std::uint64_t missingPathCountOf(const PathSet& set);
+
 /// Throws Failure, which says that a set of sets cannot have this done to it, and the reason, or
 /// what to do instead.
 void requireSetFile(const PathSet& set, const std::string& refusal);

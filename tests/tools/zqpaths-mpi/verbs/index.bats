@@ -7,14 +7,14 @@ alone() {
     "$ZQPATHS_MPI" "$@"
 }
 
-# same_as_one RANKS ARGUMENT... - `index` by so many ranks gives, for the same arguments, the paths in
-# their order, the messages and the status of one process
+# same_as_one RANKS PIECE_SIZE ARGUMENT... - `index` by so many ranks, in pieces of so many bytes, gives
+# the paths in their order, the messages and the status of one process
 same_as_one() {
-    local count=$1 status=0 status_of_one=0
-    shift
+    local count=$1 size=$2 status=0 status_of_one=0
+    shift 2
     rm -rf all.zqs all.zqs.d one.zqp
-    zqpaths index one.zqp "${@//--piece-size=*/--hidden}" 2>one.err || status_of_one=$?
-    team "$count" index all.zqs "$@" 2>all.err || status=$?
+    zqpaths index one.zqp "$@" 2>one.err || status_of_one=$?
+    team "$count" index all.zqs "$@" --piece-size "$size" 2>all.err || status=$?
     [ "$status" -eq "$status_of_one" ]
     diff <(sed 's/^zqpaths: //; s/one.zqp/all.zqs/' one.err) \
         <(sed -n 's/^zqpaths-mpi: //p' all.err)
@@ -41,7 +41,7 @@ lines() {
     lines 3000 >list
     printf 'caf\xc3\xa9\nbad\xff\xfe\n\ttab\nlast' >>list
     for count in 1 2 3 4; do
-        same_as_one "$count" --list list --piece-size=2000 --hidden
+        same_as_one "$count" 2000 --list list --hidden
         ls all.zqs.d >"names.$count"
         cmp names.1 "names.$count"
         only_whole all.zqs.d
@@ -66,7 +66,7 @@ lines() {
 
 @test "lists of NUL are cut as well" {
     printf 'a\nb\0\n\0%s\0c' "$(seq 300)" >list
-    same_as_one 2 --list list -0 --piece-size=10
+    same_as_one 2 10 --list list -0
     refused '-0 is for paths that end with one' s.zqs --list list --piece-size 10
 }
 
@@ -74,10 +74,10 @@ lines() {
     for i in $(seq 200); do
         printf 'gs://b/d%d/:\ngs://b/d%d/x\r\ngs://b/d%d/y:\n\n' "$i" "$i" "$i"
     done >listing
-    same_as_one 2 --from gsutil listing --piece-size=23
+    same_as_one 2 23 --from gsutil listing
     seq -f '{"o": {"p": "caf\u00e9 %g"}}' 100 >objects
     echo >>objects
-    same_as_one 2 --from jsonl --field o.p objects --exclude '*5' --piece-size=100
+    same_as_one 2 100 --from jsonl --field o.p objects --exclude '*5'
 }
 
 @test "archives and directories are mixed, and patterns, depth and links act from the root on" {
@@ -88,12 +88,20 @@ lines() {
     ln -s .. tree/a/loop
     ln -s ../../other tree/b/link
     tar cf x.tar tree/a
-    same_as_one 2 tree x.tar tree/ --piece-size=20
-    same_as_one 3 tree --hidden --exclude /a/b --exclude 'b/*.o' --exclude '!/b/y.o' --piece-size=1
-    same_as_one 2 tree --max-depth 2 --type f,d --piece-size=1
-    same_as_one 2 tree --hidden --follow --ignore-unreadable --piece-size=1
-    same_as_one 1 tree other --max-depth 4 --one-file-system --hidden
-    same_as_one 1 . --hidden --exclude 'one*' --exclude 'all.err' --exclude 'names' --piece-size=1
+    same_as_one 2 20 tree x.tar tree/
+    same_as_one 3 1 tree --hidden --exclude /a/b --exclude 'b/*.o' --exclude '!/b/y.o'
+    same_as_one 2 1 tree --max-depth 2 --type f,d
+    same_as_one 2 1 tree --hidden --follow --ignore-unreadable
+    same_as_one 1 1000 tree other --max-depth 4 --one-file-system --hidden
+}
+
+@test "neither the set nor its folder is among the paths of a directory that they are in" {
+    mkdir -p d/a
+    touch d/x d/a/y
+    for force in '' --force; do
+        alone index -q d/s.zqs d --hidden --piece-size 1 $force
+        [ "$(zqpaths list d/s.zqs)" = $'d/x\nd/a/y' ]
+    done
 }
 
 @test "what cannot be read is counted over all pieces, told, and status 2 in the end" {
@@ -103,6 +111,7 @@ lines() {
     as_user=()
     if [ "$(id -u)" -eq 0 ]; then
         chmod 777 .
+        chmod a+x "$BATS_RUN_TMPDIR"  # names of set files are relative to the folder of the set
         as_user=(setpriv --reuid=65534 --regid=65534 --clear-groups)
         "${as_user[@]}" test -x "$ZQPATHS_MPI" -a -r . || skip "root reads all, and cannot step down"
     fi
@@ -130,7 +139,8 @@ lines() {
     refused 'none: No such file' s.zqs --list none
     refused 'none: No such file' s.zqs none
     refused 'piece-size 0' s.zqs --list list --piece-size 0
-    [ -z "$(find . -name '*.json' -o -name '*.zqp')" ]
+    [ ! -e s.zqs ]
+    [ ! -e s.zqs.d ]
 }
 
 @test "without a path there is no set, and nothing is left" {
@@ -138,5 +148,6 @@ lines() {
     refused 'no paths in empty, empty' s.zqs --list empty empty
     lines 100 >list
     refused 'no paths in list' s.zqs --list list --exclude '*' --piece-size 10
-    [ "$(ls)" = $'empty\nlist' ]
+    [ ! -e s.zqs ]
+    [ ! -e s.zqs.d ]
 }

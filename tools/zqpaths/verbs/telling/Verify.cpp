@@ -39,13 +39,6 @@ std::vector<WorkPhase> phases(bool isDiskCompared) {
     return phases;
 }
 
-/// Paths of files that are missing.
-std::uint64_t unreadCountOf(const PathSet& set) {
-    std::uint64_t count = 0;
-    for (const MissingFile& missing : missingFilesOf(set)) count += missing.count;
-    return count;
-}
-
 /// Nothing if a file of a set of sets cannot be opened, which is one of the damages.
 std::optional<std::uint64_t> bytesToSum(const PathSet& set) {
     try {
@@ -59,7 +52,7 @@ std::optional<std::uint64_t> bytesToSum(const PathSet& set) {
 
 std::vector<Error> damagesOf(const PathSet& set, Progress& progress) {
     if (const std::optional<std::uint64_t> size = bytesToSum(set)) progress.expect(*size);
-    const std::uint64_t pathCount = set.size() - unreadCountOf(set);
+    const std::uint64_t pathCount = set.size() - missingPathCountOf(set);
     return set.verify([&](WorkStep step, std::uint64_t items) {
         if (step == WorkStep::kReading) progress.begin(kReading, pathCount);
         // Of several files one is summed after another has been read.
@@ -76,7 +69,7 @@ struct DiskResult {
 DiskResult compareWithDisk(const PathSet& set, Output& output, Progress& progress) {
     DiskResult result;
     const WantedPaths wanted(set, false);
-    progress.begin(kComparing, set.size() - unreadCountOf(set));
+    progress.begin(kComparing, set.size() - missingPathCountOf(set));
     set.forEach([&](std::uint64_t number, std::string_view path) {
         if (!wanted.has(number)) return;
         try {
@@ -103,7 +96,7 @@ ExitStatus verify(const VerifyOptions& options) {
     Output output(options.output, {.isQuiet = options.messages.quiet});
     Progress progress("verifying", phases(options.disk), options.messages);
     VerifiedSet verified{options.set, set.size()};
-    if (options.partial) verified.unreadCount = unreadCountOf(set);
+    if (options.partial) verified.unreadCount = missingPathCountOf(set);
     requireNoDamage(verified, damagesOf(set, progress), options.output, output);
     std::optional<DiskResult> disk;
     if (options.disk) {
