@@ -70,7 +70,7 @@ OpenedPathSet index(py::handle directory, const py::object& file, const std::str
     return openedSet(file, PathType::kText);
 }
 
-constexpr const char* kIndexDoc =
+constexpr const char* kIndexingDoc =
     R"(index(directory, file, *, mode="x", hidden=True, follow=False, one_file_system=False, packed=False, progress=None, on_error=None)
 --
 
@@ -96,7 +96,7 @@ OSError. An exception of either, and Ctrl-C, ends it all and leaves the file as 
 }  // namespace
 
 void bindIndexing(py::module_& module) {
-    module.def("index", &index, kIndexDoc, py::arg("directory"), py::arg("file"), py::kw_only(),
+    module.def("index", &index, kIndexingDoc, py::arg("directory"), py::arg("file"), py::kw_only(),
                py::arg("mode") = "x", py::arg("hidden") = true, py::arg("follow") = false,
                py::arg("one_file_system") = false, py::arg("packed") = false,
                py::arg("progress") = py::none(), py::arg("on_error") = py::none());

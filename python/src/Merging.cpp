@@ -11,7 +11,7 @@
 namespace zqpaths::python {
 namespace {
 
-SetManifestWriter::Mode modeOf(const std::string& mode) {
+SetManifestWriter::Mode makingOf(const std::string& mode) {
     if (mode == "w") return SetManifestWriter::Mode::kReplace;
     if (mode == "x") return SetManifestWriter::Mode::kCreate;
     refuse("mode '" + mode + "' is neither 'w' nor 'x'");
@@ -26,7 +26,7 @@ std::vector<std::string> namesIn(py::handle files) {
 }
 
 OpenedPathSet merge(py::handle files, const py::object& file, const std::string& mode) {
-    const SetManifestWriter::Mode making = modeOf(mode);
+    const SetManifestWriter::Mode making = makingOf(mode);
     const std::vector<std::string> names = namesIn(files);
     const std::string manifest(GivenPath(file).text());
     // What is refused about one of the files has its name, so that this one is given where it is

@@ -29,7 +29,7 @@ py::object positions(const py::object& self) {
     return array;
 }
 
-std::string described(const Selection& selection) {
+std::string describedSelection(const Selection& selection) {
     return "<zqpaths.Selection of " + std::to_string(selection.size()) + " paths in " +
            std::string(py::repr(selection.source().attr("file"))) + ">";
 }
@@ -90,7 +90,7 @@ void bindSelection(py::module_& module) {
         module, "Selection", py::custom_type_setup(refuseMaking), kSelectionDoc);
     selection.attr("__module__") = "zqpaths";
     selection.def_property_readonly("positions", &positions, kPositionsDoc);
-    selection.def("__repr__", &described);
+    selection.def("__repr__", &describedSelection);
     selection.def("__reduce__", [](const Selection& self) {
         return std::visit(Reduction{self.source()}, *self.choice());
     });

@@ -139,7 +139,8 @@ lines() {
     refused 'none: No such file' s.zqs --list none
     refused 'none: No such file' s.zqs none
     refused 'piece-size 0' s.zqs --list list --piece-size 0
-    [ -z "$(find . -name '*.json' -o -name '*.zqp')" ]
+    [ ! -e s.zqs ]
+    [ ! -e s.zqs.d ]
 }
 
 @test "without a path there is no set, and nothing is left" {

@@ -91,9 +91,9 @@ SetReport reportOn(const std::string& file, bool isPartial) {
         report.firstPath = Clock::now() - opened;
     }
     // Before anything else is read.
+    report.allocatedSize = allocatedBytes() - allocatedBefore;
     const std::vector<std::string> files = filesOf(set);
     report.residentSize = residentBytesOf(files);
-    report.allocatedSize = allocatedBytes() - allocatedBefore;
     report.file = file;
     report.isSetOfSets = set.isSetOfSets();
     report.files = countsOf(set);
