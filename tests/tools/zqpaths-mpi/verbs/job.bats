@@ -65,7 +65,7 @@ EOF
     make_numbered_set s.zqp 90000
     team 3 find s.zqp '*' 2>told | head -1 >got
     [ "$(cat got)" = data/00000/file-0000001.txt ]
-    [ "$(grep -c zqpaths told)" -eq 0 ]
+    run -1 grep '^zqpaths-mpi: ' told # mpiexec itself may have something to say
     run -141 bash -o pipefail -c '"$ZQPATHS_MPI" find s.zqp "*" 2>told | head -1'
     [ ! -s told ]
 }

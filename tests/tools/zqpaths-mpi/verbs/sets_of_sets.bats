@@ -49,8 +49,7 @@ equal_with_three() {
 }
 
 @test "a file that is missing ends the job, or is passed over and told once" {
-    cp c.zqp kept
-    rm c.zqp
+    mv c.zqp kept
     fails_with 2 'partly.zqs: c.zqp: No such file or directory' team 3 find partly.zqs '**'
     local verb
     for verb in "find -n **" "sample -n 9 --seed 1" "shuffle --seed 1" "number last odd/x" \
@@ -58,7 +57,8 @@ equal_with_three() {
         read -ra words <<<"$verb"
         equal_with_three "${words[0]}" partly.zqs --partial "${words[@]:1}"
         [ -s got ]
-        diff <(sed 's/^zqpaths:/zqpaths-mpi:/' told) told_by_team
+        # Open MPI adds words of its own where the status is not 0.
+        diff <(sed 's/^zqpaths:/zqpaths-mpi:/' told) <(grep '^zqpaths-mpi:' told_by_team)
         [ "$(grep -c '3,000 paths are missing' told)" -eq 1 ]
     done
     mv kept c.zqp
