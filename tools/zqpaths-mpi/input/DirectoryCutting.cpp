@@ -1,7 +1,10 @@
 #include "tools/zqpaths-mpi/input/DirectoryCutting.hpp"
 
+#include <cstddef>
 #include <deque>
+#include <iterator>
 #include <list>
+#include <string_view>
 #include <utility>
 
 namespace zqpaths::program::mpi {
@@ -23,10 +26,8 @@ public:
 
     bool mayGoOn() const noexcept { return !uncut_.empty() && readCount_ < kMostRead; }
 
-    /// Cuts the next directory into what is directly in it and each of its sub-directories; false
-    /// if there is none to cut.
-    bool cutNext() {
-        if (uncut_.empty()) return false;
+    /// Cuts the next directory into what is directly in it and each of its sub-directories.
+    void cutNext() {
         const Place place = uncut_.front();
         uncut_.pop_front();
         const Contents contents =

@@ -11,6 +11,7 @@
 //
 // Threads: a free function without state.
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
