@@ -1,5 +1,5 @@
-# The program for many machines, zqpaths-mpi. ZQ_MPI is on where an MPI is found, and what is on is
-# required. Where several are installed, MPI_CXX_COMPILER chooses: mpicxx.mpich, mpicxx.openmpi.
+# The program for many machines, zqpaths-mpi. ZQ_MPI is on where an MPI is found and zqpaths is built, of
+# which it is made, and what is on is required. Where several are installed, MPI_CXX_COMPILER chooses: mpicxx.mpich, mpicxx.openmpi.
 set(MPI_CXX_SKIP_MPICXX ON)  # its old classes for C++
 find_package(MPI QUIET COMPONENTS CXX)
 set(mpi_is_usable OFF)

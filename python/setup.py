@@ -28,7 +28,6 @@ class BuildByCMake(build_ext):
             "CMAKE_BUILD_TYPE": "Release",
             "BUILD_TESTING": "OFF",
             "ZQ_PROGRAM": "OFF",
-            "ZQ_MPI": "OFF",
             "ZQ_HOST": "OFF",
             "ZQ_PYTHON": "ON",
             "ZQ_PYTHON_STATIC": "ON",

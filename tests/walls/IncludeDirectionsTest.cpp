@@ -96,7 +96,8 @@ TEST(IncludeDirections, theDoorsOfTheLibraryLeadNowhereElse) {
                         "zqpaths/WorkWatcher.hpp",
                         "zqpaths/choosing/PathParts.hpp",
                         "zqpaths/choosing/Permutation.hpp",
-                        "zqpaths/choosing/Share.hpp"};
+                        "zqpaths/choosing/Share.hpp",
+                        "zqpaths/manifest/SetManifestWriter.hpp"};
     for (const std::string& door : doors) expectOnly(includesOf(door), doors);
 }
 
@@ -109,6 +110,10 @@ TEST(IncludeDirections, theDoorForCLeadsToItsStandardHeadersAlone) {
 
 TEST(IncludeDirections, toolsKnowTheLibraryAlone) {
     expectOnly(includesIn("tools"), {"tools/", "zqpaths/"});
+}
+
+TEST(IncludeDirections, theProgramKnowsNothingOfOtherMachines) {
+    expectOnly(includesIn("tools/zqpaths"), {"tools/zqpaths/", "zqpaths/"});
 }
 
 TEST(IncludeDirections, pythonKnowsTheLibraryAlone) {
@@ -144,6 +149,10 @@ TEST(IncludeDirections, aLibraryThatCanBeReplacedIsKnownToOneSource) {
                 ElementsAre("compressedpaths/ParallelCoding.cpp"));
     EXPECT_THAT(whoIncludes(libraries, {"xxhash.h"}),
                 ElementsAre("compressedpaths/store/Hashing.cpp"));
+    EXPECT_THAT(whoIncludes(libraries, {"rapidjson/"}),
+                ElementsAre("zqpaths/manifest/SetManifest.cpp"));
+    EXPECT_THAT(whoIncludes({"tools"}, {"mpi.h"}),
+                ElementsAre("tools/zqpaths-mpi/communication/Mailbox.cpp"));
     EXPECT_THAT(whoIncludes({"tools"}, {"CLI/"}),
                 ElementsAre("tools/zqpaths/arguments/GivenOptions.cpp"));
     EXPECT_THAT(whoIncludes({"tools"}, {"archive.h", "archive_entry.h"}),

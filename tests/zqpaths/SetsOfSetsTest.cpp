@@ -350,6 +350,34 @@ TEST_F(BrokenSetsOfSets, refuseAManifestThatIsCutShort) {
     }
 }
 
+// --- Where the files are looked for.
+
+class PlacesOfFiles : public BrokenSetsOfSets {
+protected:
+    PlacesOfFiles() : before_(std::filesystem::current_path()) {}
+    ~PlacesOfFiles() override { std::filesystem::current_path(before_); }
+
+private:
+    std::filesystem::path before_;
+};
+
+TEST_F(PlacesOfFiles, areBesideTheManifestThatALinkLeadsTo) {
+    const test_support::TemporaryTree other;
+    std::filesystem::create_symlink(manifest(), other.pathOf("link.zqs"));
+    EXPECT_EQ(PathSet::open(other.pathOf("link.zqs")).path(11), "part1/0");
+    std::filesystem::remove(file(1));
+    const Error refusal = refusalOf([&] { PathSet::open(other.pathOf("link.zqs")).path(11); });
+    EXPECT_NE(std::string(refusal.what()).find(file(1)), std::string::npos);
+}
+
+TEST_F(PlacesOfFiles, stayWhereTheyWereWhenTheProcessGoesElsewhere) {
+    std::filesystem::current_path(std::filesystem::path(manifest()).parent_path());
+    const PathSet set = PathSet::open("all.zqs");
+    EXPECT_EQ(set.fileName(1), "part1.zqp");
+    std::filesystem::current_path("/");
+    EXPECT_EQ(set.path(11), "part1/0");
+}
+
 // --- Many files.
 
 /// Lets the process have few files open while it lives.

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <exception>
 #include <optional>
 #include <string>
@@ -19,6 +18,7 @@
 #include "tools/zqpaths/arguments/Arguments.hpp"
 #include "tools/zqpaths/output/Messages.hpp"
 #include "tools/zqpaths/output/StandardOutput.hpp"
+#include "tools/zqpaths/output/Terminal.hpp"
 
 namespace zqpaths::program::mpi {
 namespace {
@@ -30,8 +30,11 @@ struct Ending {
     bool isPipeClosed = false;  // a failure that nobody is told of
 };
 
-/// The ranks of a job print once: rank 0.
-void silenceStandardOutput() {
+/// The ranks of a job print once: rank 0. What it prints is handed on by mpiexec, for which that of
+/// Open MPI gives it a terminal that nobody looks at.
+void prepareStandardOutput(const Team& team) {
+    if (environmentValue("OMPI_COMM_WORLD_SIZE")) takeOutputForHandedOn();
+    if (team.isFirst()) return;
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     if (nowhere < 0 || dup2(nowhere, STDOUT_FILENO) < 0)
         throw Failure(ExitStatus::kFailed, "/dev/null cannot be opened");
@@ -42,10 +45,9 @@ void silenceStandardOutput() {
 /// would do it all.
 void requireOwnMpiexec(const Team& team) {
     if (team.size() > 1) return;
-    for (const char* const variable : {"PMI_SIZE", "PMIX_SIZE", "OMPI_COMM_WORLD_SIZE"}) {
-        const char* const size =
-            std::getenv(variable);                   // NOLINT(concurrency-mt-unsafe): one thread
-        if (size != nullptr && std::atoi(size) > 1)  // NOLINT(cert-err34-c): 0 is no size, too
+    for (const char* const variable : {"PMI_SIZE", "OMPI_COMM_WORLD_SIZE"}) {
+        const std::optional<std::string> size = environmentValue(variable);
+        if (size && *size != "1")
             throw Failure(ExitStatus::kFailed,
                           "this program was built with another MPI than the one whose mpiexec has "
                           "started it");
@@ -55,7 +57,7 @@ void requireOwnMpiexec(const Team& team) {
 Ending runVerb(Team& team, int argumentCount, char** arguments) {
     try {
         requireOwnMpiexec(team);
-        if (!team.isFirst()) silenceStandardOutput();
+        prepareStandardOutput(team);
         watchForCutShortFiles();
         return {parseArguments(teamTable(team), argumentCount, arguments)()};
     } catch (const Stopped&) {

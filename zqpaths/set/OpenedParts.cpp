@@ -17,18 +17,24 @@ std::size_t mostOpenParts() noexcept {
     return std::clamp<std::size_t>(limit.rlim_cur / 2, 1, OpenedParts::kMostParts);
 }
 
-/// The folder that a manifest is in, which a symbolic link to it need not be in.
+/// The folder that a manifest is in, as people know it unless a link leads to it.
 std::string folderOf(const std::string& manifest) {
     struct stat status {};
     const bool isLink = ::lstat(manifest.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
     return directoryOf(isLink ? withoutLinks(manifest) : manifest);
 }
 
+/// A file that a manifest in a folder names.
+std::string fileIn(const std::string& folder, const std::string& path) {
+    return path.front() == '/' ? path : folder + path;
+}
+
 }  // namespace
 
 OpenedParts::OpenedParts(std::string name, std::vector<ManifestFile> files, const SetParts& parts)
     : name_(std::move(name)),
-      folder_(folderOf(name_)),
+      folder_(directoryOf(withoutLinks(name_))),
+      shownFolder_(folderOf(name_)),
       files_(std::move(files)),
       parts_(parts),
       mostParts_(mostOpenParts()) {}
@@ -41,7 +47,7 @@ PinnedPart OpenedParts::pin(std::size_t part) const {
 }
 
 std::shared_ptr<const OpenedPart> OpenedParts::open(std::size_t part) const {
-    const auto opened = naming([&] {
+    auto opened = naming([&] {
         return std::make_shared<const OpenedPart>(mapped(parts_[part].row.file), parts_[part]);
     });
     const std::uint64_t goneThere = opened->goneBelow(parts_[part].lastNumber() + 1);
@@ -76,8 +82,7 @@ std::shared_ptr<OpenedParts::Opened> OpenedParts::keep(std::size_t part) const {
 }
 
 std::string OpenedParts::nameOf(std::size_t file) const {
-    const std::string& path = files_[file].path;
-    return path.front() == '/' ? path : folder_ + path;
+    return fileIn(shownFolder_, files_[file].path);
 }
 
 std::shared_ptr<const SetFile> OpenedParts::file(std::size_t file) const {
@@ -92,7 +97,7 @@ std::shared_ptr<const SetFile> OpenedParts::mapped(std::size_t file) const {
         if (place != mapped_.end())
             if (auto there = place->second.lock()) return there;
     }
-    auto opened = SetFile::open(nameOf(file));
+    auto opened = SetFile::open(fileIn(folder_, files_[file].path), nameOf(file));
     if (opened->state().superblock.directorySum != files_[file].sum)
         throw Error(ErrorKind::kDamaged, opened->path(),
                     "was changed since the set was made of it");

@@ -40,7 +40,7 @@ public:
     std::size_t fileCount() const noexcept { return files_.size(); }
     const ManifestFile& operator[](std::size_t file) const noexcept { return files_[file]; }
 
-    /// Where a file is: its name as that of the manifest is given.
+    /// A file as people know it: by the way to the manifest that they gave, unless that is a link.
     std::string nameOf(std::size_t file) const;
 
     /// One of the files, opened. Throws as pin.
@@ -68,7 +68,8 @@ private:
     }
 
     std::string name_;
-    std::string folder_;  // that relative names lead from
+    std::string folder_;       // of the manifest, wherever the process goes
+    std::string shownFolder_;  // the same, as people know it
     std::vector<ManifestFile> files_;
     const SetParts& parts_;
     std::size_t mostParts_;

@@ -25,6 +25,11 @@ equal_with_any_team() {
     done
 }
 
+# wipe FILE - zeros in place of all bytes but the first and the last 4,096
+wipe() {
+    head -c $(($(stat -c %s "$1") - 8192)) /dev/zero | dd of="$1" bs=4096 seek=1 conv=notrunc status=none
+}
+
 # numbered_paths - a path for each number on standard input, in folders of a hundred
 numbered_paths() {
     awk '{ printf "data/%05d/file-%07d.txt\n", $1 / 100, $1 }'

@@ -45,7 +45,6 @@ public:
           folder_(options.set),
           begun_(options.resume ? folder_.plan() : std::nullopt),
           writer_(options.set, mode()) {
-        folder_.make();
         SourceOptions source = options.source;
         if (std::optional<FileIdentity> own = fileAt(folder_.path()))
             source.notTaken.push_back(*std::move(own));
@@ -117,6 +116,7 @@ private:
     void begin() {
         if (!options_.force) folder_.requireEmpty();
         folder_.clear();
+        folder_.make();
         folder_.writePlan(encodePlan(plan_, options_.source,
                                      {folder_.generation(), options_.force, plan_.pieces.size()}));
     }

@@ -176,10 +176,7 @@ Verb numberVerb(Team& team) {
         .details =
             "Each rank looks through its part of the set. A path that occurs more than once has "
             "its first number printed. Status 1 tells that a path is not there; the numbers of "
-            "the others are printed. A list is read in pieces, and may be of any length; a long "
-            "one is better "
-            "named than given on standard input, which MPICH breaks off where it is read more "
-            "slowly than it comes.",
+            "the others are printed. A list is read in pieces, and may be of any length.",
         .options = rows(setArgument(options->set), std::move(paths), std::move(list),
                         std::move(nulDelimited), partialOption(options->partial),
                         outputOptions(options->output), messageOptions(options->messages)),

@@ -131,7 +131,7 @@ std::string manualPage(const ProgramTable& table) {
     for (const Verb& verb : table.verbs)
         text += ".B " + table.name + " " + verb.name + "\n" + escaped(verb.synopsis) + "\n.br\n";
     text += ".SH DESCRIPTION\n";
-    if (!table.description.empty()) text += escaped(table.description) + "\n.PP\n";
+    for (const std::string& paragraph : table.description) text += escaped(paragraph) + "\n.PP\n";
     text.append(kDescription).append(".SH VERBS\n");
     for (const Verb& verb : table.verbs) text += verbText(table.name, verb);
     return text.append(kEndings);

@@ -35,13 +35,16 @@ Option goneOption(bool& gone) {
 }
 
 std::vector<Option> progressOptions(MessageOptions& messages) {
-    Option how{"--progress", "HOW",
-               "show progress as a line on a terminal, as JSON objects on standard error, or not",
-               [&messages](const std::string& word) {
-                   messages.jsonProgress = word == "json";
-                   messages.noProgress = word == "none";
-               }};
-    how.words = {"auto", "json", "none"};
+    Option how{
+        "--progress", "HOW",
+        "show progress as a line on a terminal, as one wherever standard error leads, as JSON "
+        "objects there, or not",
+        [&messages](const std::string& word) {
+            messages.lineProgress = word == "line";
+            messages.jsonProgress = word == "json";
+            messages.noProgress = word == "none";
+        }};
+    how.words = {"auto", "line", "json", "none"};
     return rows(std::move(how), excluding("--progress", flag("--no-progress", messages.noProgress,
                                                              "as --progress none")));
 }

@@ -25,6 +25,7 @@ struct OutputOptions {
 struct MessageOptions {
     bool quiet = false;  // errors only
     bool noProgress = false;
+    bool lineProgress = false;  // wherever standard error leads; also if quiet
     bool jsonProgress = false;  // objects, to be read by programs; also if quiet
 };
 

@@ -74,7 +74,8 @@ struct ProgramTable {
     std::string version;
     std::string summary;
     std::vector<Verb> verbs;
-    std::string description{};  // sentences of the manual page, before what all programs share
+    std::vector<std::string>
+        description{};  // of the manual page, by paragraphs, before what all share
 };
 
 /// Makes the table of a program anew, for the verbs that tell of it.

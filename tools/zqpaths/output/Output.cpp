@@ -1,7 +1,5 @@
 #include "tools/zqpaths/output/Output.hpp"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -67,7 +65,7 @@ Output::Output(const OutputOptions& options, OutputManner manner, OutputPlace pl
     : options_(options),
       manner_(std::move(manner)),
       fields_(fieldsOf(options_, manner_)),
-      isTerminal_(isatty(place.descriptor) != 0),
+      isTerminal_(isTerminal(place.descriptor)),
       charset_(charsetOf(place.descriptor)),
       isPathAlone_(!isTerminal_ && !options.csv && !options.json &&
                    fields_ == PathFields{PathField::kPath}),

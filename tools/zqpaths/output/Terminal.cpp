@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::size_t kUsualWidth = 80;
 
+bool isOutputHandedOn = false;
+
 bool isUtf8Locale() {
     const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
     if (locale == nullptr) return false;  // the environment names one that is not installed
@@ -23,9 +25,18 @@ bool isUtf8Locale() {
 
 }  // namespace
 
+bool isTerminal(int descriptor) {
+    if (descriptor == STDOUT_FILENO && isOutputHandedOn) return false;
+    return isatty(descriptor) != 0;
+}
+
+void takeOutputForHandedOn() {
+    isOutputHandedOn = true;
+}
+
 bool hasColours(Colours wanted) {
     if (wanted != Colours::kAuto) return wanted == Colours::kAlways;
-    return isatty(STDOUT_FILENO) != 0 && !environmentValue("NO_COLOR");
+    return isTerminal(STDOUT_FILENO) && !environmentValue("NO_COLOR");
 }
 
 Charset charsetOfLocale() {
@@ -34,7 +45,7 @@ Charset charsetOfLocale() {
 }
 
 Charset charsetOf(int descriptor) {
-    return isatty(descriptor) != 0 ? charsetOfLocale() : Charset::kUtf8;
+    return isTerminal(descriptor) ? charsetOfLocale() : Charset::kUtf8;
 }
 
 std::optional<std::string> environmentValue(const char* variable) {
@@ -51,7 +62,7 @@ std::size_t terminalWidth(int descriptor) {
 }
 
 std::optional<std::size_t> outputWidth() {
-    if (isatty(STDOUT_FILENO) == 0) return std::nullopt;
+    if (!isTerminal(STDOUT_FILENO)) return std::nullopt;
     return terminalWidth(STDOUT_FILENO);
 }
 

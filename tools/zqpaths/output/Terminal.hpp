@@ -1,13 +1,21 @@
 #pragma once
 // What the terminal and the environment say about how text is to look.
 //
-// Threads: free functions without state; nothing in the program changes the environment.
+// Threads: free functions; nothing in the program changes the environment, and standard output is
+// taken for handed on before there are threads.
 
 #include <cstddef>
 #include <optional>
 #include <string>
 
 namespace zqpaths::program {
+
+/// Whether a descriptor leads to a terminal that a person looks at.
+bool isTerminal(int descriptor);
+
+/// From now on standard output is none, whatever it seems: it is handed on by another program,
+/// which may have made a terminal of its own for it.
+void takeOutputForHandedOn();
 
 /// When colours are wanted; kAuto is on a terminal whose environment does not say NO_COLOR.
 enum class Colours { kAuto, kAlways, kNever };

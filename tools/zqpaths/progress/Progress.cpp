@@ -73,8 +73,9 @@ Progress::~Progress() {
 Progress::Form Progress::formFor(const MessageOptions& messages, Prints prints) {
     if (messages.noProgress) return Form::kNone;
     if (messages.jsonProgress) return Form::kJson;
-    if (messages.quiet || isatty(STDERR_FILENO) == 0) return Form::kNone;
-    if (prints == Prints::kPaths && isatty(STDOUT_FILENO) != 0) return Form::kNone;
+    const bool isInTheWay = prints == Prints::kPaths && isTerminal(STDOUT_FILENO);
+    const bool isSeen = !messages.quiet && isTerminal(STDERR_FILENO) && !isInTheWay;
+    if (!isSeen && !messages.lineProgress) return Form::kNone;
     const bool isDumb = environmentValue("TERM").value_or("dumb") == "dumb";
     return isDumb ? Form::kLines : Form::kLine;
 }

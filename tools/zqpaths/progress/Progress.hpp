@@ -11,7 +11,8 @@
 //
 // On a terminal it is one line, which begins when the work takes over a second, is drawn anew ten
 // times a second whatever the work is waiting for, and is gone when the object is destroyed. A
-// terminal that cannot draw over a line is given a new one every ten seconds. With --progress=json
+// terminal that cannot draw over a line is given a new one every ten seconds. With --progress=line
+// standard error is taken for a terminal that a person looks at. With --progress=json
 // it is an object a line twice a second, one at once and one at the end, wherever standard error
 // leads.
 //

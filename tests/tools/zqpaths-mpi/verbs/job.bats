@@ -36,9 +36,7 @@ load ../setup
 
 @test "damage that a rank meets ends the job with its rank, message and status" {
     make_numbered_set s.zqp 90000
-    local size
-    size=$(stat -c %s s.zqp)
-    head -c $((size - 8192)) /dev/zero | dd of=s.zqp bs=4096 seek=1 conv=notrunc status=none
+    wipe s.zqp
     run -3 --separate-stderr team 3 find s.zqp '*'
     [ "$(grep -c 'zqpaths-mpi: rank [012]: s.zqp: ' <<<"$stderr")" -eq 1 ]
     run -3 --separate-stderr team 1 find s.zqp '*'
@@ -67,7 +65,7 @@ EOF
     make_numbered_set s.zqp 90000
     team 3 find s.zqp '*' 2>told | head -1 >got
     [ "$(cat got)" = data/00000/file-0000001.txt ]
-    [ "$(grep -c zqpaths told)" -eq 0 ]
+    run -1 grep '^zqpaths-mpi: ' told # mpiexec itself may have something to say
     run -141 bash -o pipefail -c '"$ZQPATHS_MPI" find s.zqp "*" 2>told | head -1'
     [ ! -s told ]
 }

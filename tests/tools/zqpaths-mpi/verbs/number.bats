@@ -16,7 +16,8 @@ load ../setup
     tail -n 300 list | team 2 number s.zqp --list - | cmp - <(seq 39701 40000)
     [ -z "$(team 2 number s.zqp --list /dev/null)" ]
     fails_with 2 'PATH or --list is required' team 2 number s.zqp
-    fails_with 2 'line 2 is empty' team 2 number s.zqp --list <(printf 'a\n\n')
+    printf 'a\n\n' >empty_line
+    fails_with 2 'line 2 is empty' team 2 number s.zqp --list empty_line
 }
 
 @test "names with newlines come from a list that is ended by NUL" {

@@ -88,7 +88,7 @@ complete_words() {
     run -0 complete_words zqpaths verify s.zqp --progress = n
     [ "$output" = none ]
     run -0 complete_words zqpaths verify s.zqp --progress =
-    [ "${lines[*]}" = 'auto json none' ]
+    [ "${lines[*]}" = 'auto line json none' ]
     run -0 complete_words zqpaths help fin
     [ "$output" = find ]
 }

@@ -95,6 +95,12 @@ end_indexing() {
     ! grep -q $'\e' terminal.bytes
 }
 
+@test "a line is drawn where there is no terminal if it is asked for" {
+    index_slowly 1.3 --progress=line 2>told
+    [[ $(tr '\r' '\n' <told) == *' indexing: reading, 1,000 paths'* ]]
+    grep -q 'zqpaths: s.zqp holds 1,001 paths' told
+}
+
 @test "a work that is verified shows what it counts" {
     make_set s.zqp a b/c
     zqpaths verify s.zqp --progress=json 2>told >/dev/null
@@ -126,7 +132,7 @@ end_indexing() {
     zqpaths add s.zqp --list - --quiet --progress=none <<<c 2>told
     [ ! -s told ]
     fails_with 2 '--progress excludes --no-progress' zqpaths verify s.zqp --no-progress --progress json
-    fails_with 2 "--progress is auto, json or none, not 'jsno'; the nearest is 'json'" \
+    fails_with 2 "--progress is auto, line, json or none, not 'jsno'; the nearest is 'json'" \
         zqpaths verify s.zqp --progress=jsno
 }
 
