@@ -98,7 +98,7 @@ configure() {
 
 @test "the library alone wants no packages of the tests, the program, the host and Python" {
     local package options=()
-    for package in GTest rapidcheck benchmark OpenSSL CLI11 RapidJSON Python pybind11; do
+    for package in GTest rapidcheck benchmark OpenSSL CLI11 MPI Python pybind11; do
         options+=("-DCMAKE_DISABLE_FIND_PACKAGE_$package=ON")
     done
     configure "${options[@]}" >/dev/null

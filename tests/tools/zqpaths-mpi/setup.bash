@@ -2,7 +2,7 @@
 # the program, ZQ_MPIEXEC what starts it as several ranks, and ZQPATHS the program that it is
 # compared with.
 
-load "$BATS_TEST_DIRNAME/../../zqpaths/verbs/setup"
+load "$(dirname "${BASH_SOURCE[0]}")/../zqpaths/verbs/setup"
 : "${ZQPATHS_MPI:?the program to test}" "${ZQ_MPIEXEC:?what starts it}"
 
 # team RANKS ARGUMENT... - what so many ranks do

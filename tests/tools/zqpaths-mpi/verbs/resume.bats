@@ -23,9 +23,9 @@ half_made() {
     touch -d 2020-01-01 list
 }
 
-# inodes - of the set files, by name
+# inodes - of the set files, with their names, sorted as texts
 inodes() {
-    (cd s.zqs.d && ls -i -- *.zqp)
+    (cd s.zqs.d && ls -i -- *.zqp | sort)
 }
 
 refused() {
