@@ -220,9 +220,11 @@ TEST_F(FailingManifestWriters, leaveASetOfSetsAsItWasWherePathsAreAdded) {
         writer.add("c");
         writer.commit();
     };
-    EXPECT_GT(failOnceEverywhere(manifest_, change,
-                                 [this](bool isDone) { expectAsItWasOrChanged(isDone); }),
-              50U);
+    const auto look = [this](bool isDone) {
+        expectAsItWasOrChanged(isDone);
+        std::filesystem::remove_all(manifest_ + ".d");  // or names take more memory each time
+    };
+    EXPECT_GT(failOnceEverywhere(manifest_, change, look), 50U);
 }
 
 TEST(FailingWriters, goOnWithAnotherPathWhereOneHadNoRoom) {

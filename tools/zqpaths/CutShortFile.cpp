@@ -35,8 +35,8 @@ void watchForCutShortFiles() noexcept {
 }
 
 void nameWhatIsRead(const std::string& files) {
-    const std::string reason = ": was cut short while it was read\n";
-    std::string text = teller() + ": " + files + reason;
+    const std::string reason = " was cut short while it was read\n";
+    std::string text = teller() + ": " + files + ":" + reason;
     if (text.size() > message.size()) text = teller() + ": a set" + reason;
     messageSize = 0;
     std::ranges::copy(text, message.begin());

@@ -47,7 +47,7 @@ PinnedPart OpenedParts::pin(std::size_t part) const {
 }
 
 std::shared_ptr<const OpenedPart> OpenedParts::open(std::size_t part) const {
-    const auto opened = naming([&] {
+    auto opened = naming([&] {
         return std::make_shared<const OpenedPart>(mapped(parts_[part].row.file), parts_[part]);
     });
     const std::uint64_t goneThere = opened->goneBelow(parts_[part].lastNumber() + 1);

@@ -1,13 +1,17 @@
 #include "tools/zqpaths-mpi/input/DirectoryCutting.hpp"
 
+#include <cstddef>
 #include <deque>
+#include <iterator>
 #include <list>
+#include <string_view>
 #include <utility>
 
 namespace zqpaths::program::mpi {
 namespace {
 
-constexpr std::size_t kMostLevels = 8;
+constexpr std::size_t kMostLevels = 64;    // each part is opened from the root down
+constexpr std::size_t kMostRead = 10'000;  // by one process while the others wait
 
 /// The parts of a tree while it is being cut, in the order of the walk.
 class Cutting {
@@ -18,22 +22,19 @@ public:
     }
 
     /// Directories with all below them that stand side by side.
-    std::size_t wholeCount() const noexcept { return uncut_.size() + deepestCount_; }
+    std::size_t wholeCount() const noexcept { return uncut_.size() + keptCount_; }
 
-    /// Cuts the next directory into what is directly in it and each of its sub-directories; false
-    /// if there is none to cut.
-    bool cutNext() {
-        if (uncut_.empty()) return false;
+    bool mayGoOn() const noexcept { return !uncut_.empty() && readCount_ < kMostRead; }
+
+    /// Cuts the next directory into what is directly in it and each of its sub-directories.
+    void cutNext() {
         const Place place = uncut_.front();
         uncut_.pop_front();
-        if (place->part.names.size() >= kMostLevels) {
-            ++deepestCount_;
-            return true;
-        }
-        const Contents contents = read(place->part.names);
+        const Contents contents =
+            place->part.names.size() < kMostLevels ? read(place->part.names) : Contents();
         if (!contents.isRead) {
-            ++deepestCount_;
-            return true;
+            ++keptCount_;
+            return;
         }
         place->part.isDeep = false;
         place->textSize = contents.textSize;
@@ -43,7 +44,6 @@ public:
             below.names.push_back(name);
             uncut_.push_back(parts_.insert(next, {std::move(below), std::nullopt}));
         }
-        return true;
     }
 
     std::vector<DirectoryCut> parts() && {
@@ -59,8 +59,9 @@ private:
         std::vector<std::string> subdirectories;
     };
 
-    Contents read(const std::vector<std::string>& names) const {
+    Contents read(const std::vector<std::string>& names) {
         Contents contents;
+        ++readCount_;
         const auto isReadAs = [](ScanState state) {
             return state == ScanState::kRead || state == ScanState::kReadAgain;
         };
@@ -80,8 +81,9 @@ private:
     const std::string& root_;
     const WalkOptions& options_;
     std::list<DirectoryCut> parts_;
-    std::deque<Place> uncut_;       // those that are with all below them, upper levels first
-    std::size_t deepestCount_ = 0;  // those that stay so
+    std::deque<Place> uncut_;    // those that are with all below them, upper levels first
+    std::size_t keptCount_ = 0;  // those that stay so
+    std::size_t readCount_ = 0;
 };
 
 }  // namespace
@@ -89,7 +91,7 @@ private:
 std::vector<DirectoryCut> cutDirectory(const std::string& root, const WalkOptions& options,
                                        std::size_t enough) {
     Cutting cutting(root, options);
-    while (cutting.wholeCount() < enough && cutting.cutNext()) continue;
+    while (cutting.wholeCount() < enough && cutting.mayGoOn()) cutting.cutNext();
     return std::move(cutting).parts();
 }
 

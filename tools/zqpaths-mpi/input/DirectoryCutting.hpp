@@ -11,6 +11,7 @@
 //
 // Threads: a free function without state.
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -29,8 +30,8 @@ struct DirectoryCut {
 };
 
 /// Reads the upper levels of a tree, breadth first, until so many directories with all below them
-/// stand side by side or the tree ends, and no more than eight levels: each part is walked from the
-/// root down. What cannot be read stays for who walks it. Throws as walkDirectory.
+/// stand side by side or the tree ends, no more than 64 levels and 10,000 directories. What cannot
+/// be read stays for who walks it. Throws as walkDirectory.
 std::vector<DirectoryCut> cutDirectory(const std::string& root, const WalkOptions& options,
                                        std::size_t enough);
 

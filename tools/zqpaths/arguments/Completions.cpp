@@ -16,7 +16,7 @@ std::string escaped(std::string_view text, std::string_view characters, std::str
 }
 
 /// One word of bash and zsh, whatever is in it: a quote ends the quoted text and stands alone.
-std::string quoted(std::string_view text) {
+std::string shellQuoted(std::string_view text) {
     std::string out = "'";
     for (const char character : text) {
         if (character == '\'') {
@@ -63,7 +63,7 @@ std::string bashPatternOfValues(const Verb& verb) {
 /// What the values of an option can be, where that is few words.
 std::string bashValues(const Option& option) {
     return "            [[ $previous == @(" + joined(option.namesApart(), "|") +
-           ") ]] && values=" + quoted(joined(option.words, " ")) +
+           ") ]] && values=" + shellQuoted(joined(option.words, " ")) +
            (option.isWordList ? " list=1" : "") + '\n';
 }
 
@@ -72,9 +72,10 @@ std::string bashVerb(const Verb& verb) {
     for (const Option& option : verb.options)
         if (!option.isArgument())
             for (const std::string& name : option.namesApart()) appendWord(options, name);
-    std::string text = "        " + verb.name + ")\n            options=" + quoted(options) + '\n';
+    std::string text =
+        "        " + verb.name + ")\n            options=" + shellQuoted(options) + '\n';
     const std::vector<std::string> words = wordsOf(verb);
-    if (!words.empty()) text += "            words=" + quoted(joined(words, " ")) + '\n';
+    if (!words.empty()) text += "            words=" + shellQuoted(joined(words, " ")) + '\n';
     for (const Option& option : verb.options)
         if (!option.isArgument() && !option.words.empty()) text += bashValues(option);
     const std::string values = bashPatternOfValues(verb);
@@ -95,9 +96,9 @@ std::string zshOption(const Option& option) {
     if (!option.value.empty()) value = ':' + option.value + ':' + zshValues(option);
     const std::vector<std::string> names = option.namesApart();
     const char* const again = option.isRepeated ? "*" : "";
-    if (names.size() == 1) return quoted(again + names.front() + description + value);
-    return quoted('(' + joined(names, " ") + ')') + '{' + joined(names, ",") + '}' +
-           quoted(description + value);
+    if (names.size() == 1) return shellQuoted(again + names.front() + description + value);
+    return shellQuoted('(' + joined(names, " ") + ')') + '{' + joined(names, ",") + '}' +
+           shellQuoted(description + value);
 }
 
 std::string zshVerb(const Verb& verb) {
@@ -107,7 +108,7 @@ std::string zshVerb(const Verb& verb) {
     const std::vector<std::string> words = wordsOf(verb);
     const std::string operand =
         words.empty() ? "*:file:_files" : "1:word:(" + joined(words, " ") + ')';
-    return text + " \\\n                " + quoted(operand) + "\n            ;;\n";
+    return text + " \\\n                " + shellQuoted(operand) + "\n            ;;\n";
 }
 
 std::string fishValues(const Option& option) {
@@ -173,7 +174,8 @@ std::string zshCompletion(const ProgramTable& table) {
     std::string verbs;
     std::string cases;
     for (const Verb& verb : table.verbs) {
-        verbs += "        " + quoted(verb.name + ':' + escaped(verb.summary, ":\\", "\\")) + '\n';
+        verbs +=
+            "        " + shellQuoted(verb.name + ':' + escaped(verb.summary, ":\\", "\\")) + '\n';
         cases += zshVerb(verb);
     }
     const std::string function = "_" + table.name;

@@ -110,12 +110,16 @@ TEST(DirectoryCutting, knowsTheBytesOfThePathsInADirectoryAlone) {
     EXPECT_EQ(cutDirectory(tree.path(), {}, 1).front().textSize, std::nullopt);
 }
 
-TEST(DirectoryCutting, endsAtTheEighthLevel) {
+TEST(DirectoryCutting, endsAtTheSixtyFourthLevel) {
     const TemporaryTree tree;
-    tree.addFile("1/2/3/4/5/6/7/8/9/x");
-    const Names parts = partsOf(cutDirectory(tree.path(), {}, 99));
-    EXPECT_EQ(parts.back(), "1/2/3/4/5/6/7/8*");
-    EXPECT_EQ(parts.size(), 9U);
+    std::string path;
+    for (int level = 1; level <= 66; ++level) path += "d/";
+    tree.addFile(path + "x");
+    const std::vector<DirectoryCut> cuts = cutDirectory(tree.path(), {}, 99);
+    ASSERT_EQ(cuts.size(), 65U);
+    EXPECT_TRUE(cuts.back().part.isDeep);
+    EXPECT_EQ(cuts.back().part.names.size(), 64U);
+    EXPECT_FALSE(cuts[63].part.isDeep);
 }
 
 TEST(DirectoryCutting, leavesOutWhatTheWalkLeavesOut) {
