@@ -116,6 +116,10 @@ TEST(IncludeDirections, theProgramKnowsNothingOfOtherMachines) {
     expectOnly(includesIn("tools/zqpaths"), {"tools/zqpaths/", "zqpaths/"});
 }
 
+TEST(IncludeDirections, theProgramForOneProcessKnowsNothingOfThatForMany) {
+    expectOnly(includesIn("tools/zqpaths"), {"tools/zqpaths/", "zqpaths/"});
+}
+
 TEST(IncludeDirections, pythonKnowsTheLibraryAlone) {
     expectOnly(includesIn("python"), {"python/", "zqpaths/"});
 }
@@ -157,6 +161,8 @@ TEST(IncludeDirections, aLibraryThatCanBeReplacedIsKnownToOneSource) {
                 ElementsAre("tools/zqpaths/arguments/GivenOptions.cpp"));
     EXPECT_THAT(whoIncludes({"tools"}, {"archive.h", "archive_entry.h"}),
                 ElementsAre("tools/zqpaths/sources/archives/ArchiveSource.cpp"));
+    EXPECT_THAT(whoIncludes({"tools"}, {"mpi.h"}),
+                ElementsAre("tools/zqpaths-mpi/communication/Mailbox.cpp"));
 }
 
 TEST(IncludeDirections, areReadFromAnyFormOfTheDirective) {
