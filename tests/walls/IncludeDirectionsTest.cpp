@@ -112,10 +112,6 @@ TEST(IncludeDirections, toolsKnowTheLibraryAlone) {
     expectOnly(includesIn("tools"), {"tools/", "zqpaths/"});
 }
 
-TEST(IncludeDirections, theProgramKnowsNothingOfOtherMachines) {
-    expectOnly(includesIn("tools/zqpaths"), {"tools/zqpaths/", "zqpaths/"});
-}
-
 TEST(IncludeDirections, theProgramForOneProcessKnowsNothingOfThatForMany) {
     expectOnly(includesIn("tools/zqpaths"), {"tools/zqpaths/", "zqpaths/"});
 }
@@ -155,8 +151,6 @@ TEST(IncludeDirections, aLibraryThatCanBeReplacedIsKnownToOneSource) {
                 ElementsAre("compressedpaths/store/Hashing.cpp"));
     EXPECT_THAT(whoIncludes(libraries, {"rapidjson/"}),
                 ElementsAre("zqpaths/manifest/SetManifest.cpp"));
-    EXPECT_THAT(whoIncludes({"tools"}, {"mpi.h"}),
-                ElementsAre("tools/zqpaths-mpi/communication/Mailbox.cpp"));
     EXPECT_THAT(whoIncludes({"tools"}, {"CLI/"}),
                 ElementsAre("tools/zqpaths/arguments/GivenOptions.cpp"));
     EXPECT_THAT(whoIncludes({"tools"}, {"archive.h", "archive_entry.h"}),
