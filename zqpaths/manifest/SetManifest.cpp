@@ -27,8 +27,6 @@ constexpr int kSumDigits = 16;
 
 /// What has no memory throws, where the library's own allocator gives null and nobody looks.
 struct ThrowingAllocator {
-    static constexpr bool kNeedFree = true;
-
     static void* Malloc(std::size_t size) { return size == 0 ? nullptr : ::operator new(size); }
     static void* Realloc(void* old, std::size_t oldSize, std::size_t size) {
         void* const moved = Malloc(size);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string_view>
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
@@ -60,23 +61,20 @@ Mailbox::Mailbox() {
 Mailbox::~Mailbox() = default;
 
 void Mailbox::send(Message message) {
-    std::string rest = std::move(message.bytes);
-    bool goesOn = true;
-    while (goesOn) {
-        goesOn = rest.size() > kMostBytesAPart;
-        auto part = std::make_unique<Transfer>();
-        part->rank = message.rank;
-        part->tag = tagOf(message.kind, goesOn);
-        if (goesOn) {
-            part->bytes = rest.substr(0, kMostBytesAPart);
-            rest.erase(0, kMostBytesAPart);
-        } else {
-            part->bytes = std::move(rest);
-        }
-        MPI_Isend(part->bytes.data(), static_cast<int>(part->bytes.size()), MPI_BYTE, part->rank,
-                  part->tag, MPI_COMM_WORLD, &part->request);
-        leaving_.push_back(std::move(part));
-    }
+    const std::string_view bytes = message.bytes;
+    std::size_t sent = 0;
+    for (; bytes.size() - sent > kMostBytesAPart; sent += kMostBytesAPart)
+        post(message.rank, tagOf(message.kind, true),
+             std::string(bytes.substr(sent, kMostBytesAPart)));
+    post(message.rank, tagOf(message.kind, false),
+         sent == 0 ? std::move(message.bytes) : std::string(bytes.substr(sent)));
+}
+
+void Mailbox::post(int rank, int tag, std::string bytes) {
+    auto part = std::make_unique<Transfer>(Transfer{rank, tag, std::move(bytes)});
+    MPI_Isend(part->bytes.data(), static_cast<int>(part->bytes.size()), MPI_BYTE, rank, tag,
+              MPI_COMM_WORLD, &part->request);
+    leaving_.push_back(std::move(part));  // until it is done, which receive() looks after
 }
 
 std::optional<Message> Mailbox::receive() {

@@ -60,6 +60,7 @@ public:
 private:
     struct Transfer;
 
+    void post(int rank, int tag, std::string bytes);
     void startReceiving();
     void dropSent();
 

@@ -23,7 +23,7 @@ constexpr unsigned kMostAtOnce = 64;
 
 /// What the work of this rank has thrown, as all are told of it.
 Failure failureOfWork(const std::exception_ptr& error, const Team& team) {
-    const Failure failure = failureOf(error);
+    Failure failure = failureOf(error);
     if (!team.isFirst() || team.size() == 1) return failure;  // rank 0 adds the others' ranks
     return {failure.status(), std::string("rank 0: ") + failure.what()};
 }

@@ -102,7 +102,7 @@ SourceReport PieceMaking::readPart(const SourcePart& part, const FileStamp& stam
         openPart(options_, part, set_, listener_.onUnreadable);
     std::uint64_t toldWeight = 0;
     std::uint64_t untold = 0;
-    const SourceReport report = source->visit([&](std::string_view path) {
+    SourceReport report = source->visit([&](std::string_view path) {
         visitor(path);
         if (++untold < kPathsBetweenCounts) return;
         untold = 0;

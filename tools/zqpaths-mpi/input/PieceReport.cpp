@@ -52,9 +52,10 @@ std::string encodeReport(const PieceReport& report) {
 }
 
 std::optional<PieceReport> decodeReport(std::string_view text) {
-    rapidjson::Document document;
-    document.Parse<rapidjson::kParseIterativeFlag>(text.data(), text.size());
-    if (document.HasParseError() || !document.IsObject()) return std::nullopt;
+    rapidjson::Document parsed;
+    parsed.Parse<rapidjson::kParseIterativeFlag>(text.data(), text.size());
+    if (parsed.HasParseError() || !parsed.IsObject()) return std::nullopt;
+    const rapidjson::Value& document = parsed;
     const auto leftOut = document.FindMember("leftOut");
     const auto first = document.FindMember("firstUnreadable");
     PieceReport report;

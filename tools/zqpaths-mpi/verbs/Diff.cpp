@@ -90,6 +90,7 @@ private:
 
 std::vector<std::string> bytesOf(std::vector<MessageWriter>& writers) {
     std::vector<std::string> parcels;
+    parcels.reserve(writers.size());
     for (MessageWriter& writer : writers) parcels.push_back(writer.take());
     return parcels;
 }
