@@ -58,7 +58,7 @@ public:
 
     /// Gives all paths of a set the next numbers, those that are gone as gone ones, by copying its
     /// segments as they are; paths that were added before are coded first. What it remembers of
-    /// directories stays behind. Throws Error kDamaged, with the name of the file, for a segment
+    /// directories is left out. Throws Error kDamaged, with the name of the file, for a segment
     /// whose sum does not hold, and the writer then takes no more; what is missing of a set that
     /// was opened by PathSet::openPartial, and the writer is as it was; else as add. O(bytes of the
     /// file).
