@@ -51,7 +51,7 @@ make_set_of_sets() {
         zqpaths verify -q all.zqs
         cp former all.zqs
     done
-    rm -r all.zqs.d
+    rm -rf all.zqs.d
     zqpaths add -q all.zqs --list more
     [ "$(zqpaths list all.zqs | sha256sum)" = "$after" ]
     [ "$(ls -A all.zqs.d)" = added-1.zqp ]
