@@ -50,7 +50,10 @@ TEST(PlanText, tellsWhatIsNotTheSame) {
               "/a: has changed since the run began" + end);
     EXPECT_EQ(refusalAfter([](InputPlan& plan) { plan.sources[0].name = "/c"; }),
               "/c: the run was begun with /a in its place" + end);
-    EXPECT_EQ(refusalAfter([](InputPlan& plan) { plan.sources.pop_back(); }),
+    EXPECT_EQ(refusalAfter([](InputPlan& plan) {
+                  plan.sources.pop_back();
+                  plan.pieces.pop_back();  // which is of it
+              }),
               "all.zqs.d: the run was begun with other files or directories" + end);
     EXPECT_EQ(refusalAfter([](InputPlan& plan) { plan.pieceSize = 11; }),
               "all.zqs.d: the run was begun with another --piece-size" + end);
