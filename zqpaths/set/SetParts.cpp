@@ -61,15 +61,15 @@ std::size_t SetParts::ofPresent(std::uint64_t place) const noexcept {
 }
 
 std::vector<std::size_t> SetParts::ofFile(std::size_t file) const {
-    const std::vector<std::size_t>& order = byFile_.get([this] {
+    const auto fileOf = [this](std::size_t i) { return parts_[i].row.file; };
+    const std::vector<std::size_t>& order = byFile_.get([&] {
         std::vector<std::size_t> parts(parts_.size());
         for (std::size_t i = 0; i < parts.size(); ++i) parts[i] = i;
-        std::ranges::stable_sort(parts, {}, [this](std::size_t i) { return parts_[i].row.file; });
+        std::ranges::stable_sort(parts, {}, fileOf);
         return parts;
     });
-    const auto found = std::ranges::equal_range(
-        order, file, {}, [this](std::size_t i) { return parts_[i].row.file; });
-    return {found.begin(), found.end()};
+    return {std::ranges::lower_bound(order, file, {}, fileOf),
+            std::ranges::upper_bound(order, file, {}, fileOf)};
 }
 
 }  // namespace zqpaths
