@@ -12,6 +12,11 @@ target_compile_options(zq_warnings INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     target_compile_options(zq_warnings INTERFACE -Wno-restrict -Wno-stringop-overread)
 endif()
+# Where sources are compiled together, g++ takes them for headers of one another, and what one of them
+# names is hidden by another.
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(zq_warnings INTERFACE -Wno-subobject-linkage -Wno-shadow)
+endif()
 
 add_library(zq_options INTERFACE)
 target_compile_features(zq_options INTERFACE cxx_std_20)

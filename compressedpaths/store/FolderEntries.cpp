@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint64_t kExisted = 1;
 constexpr std::uint64_t kHasRun = 2;   // else folder and position of the first file follow
 constexpr std::uint64_t kHasSkip = 4;  // of the run; follows its distance
-constexpr unsigned kCountShift = 3;
+constexpr unsigned kPathCountShift = 3;
 constexpr std::size_t kMaxEntrySize = 3 * kMaxVarintSize;
 
 std::uint64_t zigzag(PathArena::Link from, PathArena::Link to) noexcept {
@@ -55,7 +55,7 @@ void FolderEntries::write(const Entry& entry) noexcept {
     const bool hasRun = place.run != PathArena::kNone;
     std::array<std::uint8_t, kMaxEntrySize> out;
     std::uint8_t* end =
-        writeVarint(entry.pathCount << kCountShift | (hasRun && place.skip > 0 ? kHasSkip : 0) |
+        writeVarint(entry.pathCount << kPathCountShift | (hasRun && place.skip > 0 ? kHasSkip : 0) |
                         (hasRun ? kHasRun : 0) | (place.existed ? kExisted : 0),
                     out.data());
     if (hasRun) {
@@ -123,7 +123,7 @@ void FolderEntries::read(Cursor& cursor) const {
         return number;
     };
     const std::uint64_t head = readNumber(~std::uint64_t{0});
-    cursor.entry = {head >> kCountShift, {}};
+    cursor.entry = {head >> kPathCountShift, {}};
     Place& place = cursor.entry.place;
     place.existed = (head & kExisted) != 0;
     if ((head & kHasRun) != 0) {

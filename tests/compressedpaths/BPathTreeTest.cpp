@@ -14,7 +14,7 @@ namespace {
 using testing::ThrowsMessage;
 
 constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
-constexpr const char* kNoTree = "Cannot traverse an empty tree for a path.";
+constexpr const char* kNothingToWalk = "Cannot traverse an empty tree for a path.";
 constexpr const char* kEmptyTrack = "Cannot traverse an tree for an empty path track.";
 constexpr const char* kBadTrack = "The track leads to no node of the tree.";
 constexpr const char* kBadFile = "The file number leads to no file of the folder.";
@@ -200,7 +200,7 @@ TEST(BPathTree, refusesToTraverseAnEmptyTreeWhateverTheTrack) {
     Path components = path("-");
     for (const Track& track : {Track{}, Track{0}}) {
         EXPECT_THAT([&] { tree.traversePath(track, components); },
-                    ThrowsMessage<NoTreeToTraverseException>(kNoTree));
+                    ThrowsMessage<NoTreeToTraverseException>(kNothingToWalk));
     }
     EXPECT_EQ(components, path("-"));
 }

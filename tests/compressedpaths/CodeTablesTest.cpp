@@ -13,7 +13,7 @@ namespace {
 
 using Bits = std::vector<bool>;
 using Bytes = std::vector<std::uint8_t>;
-using Names = FlatArray<std::uint8_t>;
+using NameBytes = FlatArray<std::uint8_t>;
 
 /// A coding tree, and what its tables are compared with: one bit, one character at a time.
 struct SlowCode {
@@ -145,13 +145,13 @@ std::string slowBytes(const std::u16string& text) {
 Bytes stored(const Bits& bits) {
     Bytes key;
     sixpacks::boolVecToBytes(key, bits);
-    Names names;
+    NameBytes names;
     appendStoredName(key, names);
     return {names.data(), names.end()};
 }
 
 Bytes coded(const CodeTables& tables, std::u16string_view text) {
-    Names names;
+    NameBytes names;
     tables.appendCode(text, names);
     return {names.data(), names.end()};
 }
@@ -190,7 +190,7 @@ void expectTexts(const CodeTables& tables, const NameView& name, const std::u16s
 
 void expectRoundTrip(const SlowCode& code, const CodeTables& tables, const std::u16string& text) {
     const Bits bits = code.bitsOf(text);
-    Names names;
+    NameBytes names;
     const std::size_t codeBytes = tables.appendCode(text, names);
     ASSERT_EQ(Bytes(names.data(), names.end()), stored(bits));
     ASSERT_EQ(codeBytes, bits.size() / 8 + 2);
@@ -215,7 +215,7 @@ std::vector<SlowCode> variedCodes() {
 
 TEST(CodeTables, codeAndDecodeALookedUpExample) {
     const CodeTables tables = SlowCode(u".a.bc").tables();  // a is 0, b 10, c 11
-    Names names;
+    NameBytes names;
     EXPECT_EQ(tables.appendCode(u"abc", names), 2U);
     EXPECT_EQ(Bytes(names.data(), names.end()), (Bytes{5, 0b11010}));
 
@@ -312,7 +312,7 @@ TEST(CodeTables, giveARepeatedCharacterTheWordOfItsFirstLeaf) {
 
 TEST(CodeTables, ofASingleLeafCodeToNoBytesAndDecodeNothing) {
     const CodeTables tables = SlowCode(u"x").tables();
-    Names names;
+    NameBytes names;
     EXPECT_EQ(tables.appendCode(u"xxx", names), 0U);
     EXPECT_EQ(Bytes(names.data(), names.end()), (Bytes{kAnyKey, 0}));
     EXPECT_THROW(tables.appendCode(u"xy", names), CodeNotFoundException);
@@ -323,7 +323,7 @@ TEST(CodeTables, ofASingleLeafCodeToNoBytesAndDecodeNothing) {
 
 TEST(CodeTables, withoutACodeNeitherCodeNorDecode) {
     const CodeTables tables;
-    Names names;
+    NameBytes names;
     EXPECT_THROW(tables.appendCode(u"", names), NoCodeForEmptyString);
     EXPECT_THROW(tables.appendCode(u"a", names), CodeNotFoundException);
     std::u16string text;
@@ -342,7 +342,7 @@ TEST(CodeTables, forDecodingCodeNothing) {
 TEST(CodeTables, leaveTheNamesAloneWhenACharacterHasNoWord) {
     const SlowCode code = comb(units(100, u'A'));
     const CodeTables tables = code.tables();
-    Names names;
+    NameBytes names;
     tables.appendCode(u"ABC", names);
     const Bytes before(names.data(), names.end());
     const std::u16string longWord(3, u'A' + 99);
@@ -357,7 +357,7 @@ TEST(CodeTables, leaveTheNamesAloneWhenACharacterHasNoWord) {
 TEST(CodeTables, appendNamesAfterOneAnother) {
     const SlowCode code = balanced(units(26, u'a'));
     const CodeTables tables = code.tables();
-    Names names;
+    NameBytes names;
     const std::vector<std::u16string> texts{u"one", u"two", std::u16string(100, u'z'), u"four"};
     for (const std::u16string& text : texts) tables.appendCode(text, names);
     const std::uint8_t* next = names.data();
@@ -374,7 +374,7 @@ TEST(CodeTables, writeHalvesOfPairsRawBytesAndPairsAsTheyAre) {
     const SlowCode code = balanced(all);
     const CodeTables tables = code.tables();
     const auto bytesOf = [&](const std::u16string& text) {
-        Names names;
+        NameBytes names;
         tables.appendCode(text, names);
         return decoded<std::string>(tables, viewName(names.data(), names.end()));
     };
@@ -397,7 +397,7 @@ TEST(CodeTables, joinNoPairAcrossTwoNames) {
     const CodeTables tables = code.tables();
     std::string text;
     for (const char16_t unit : {char16_t{0xDE00}, char16_t{0xD83D}, char16_t{0xDE00}}) {
-        Names names;
+        NameBytes names;
         tables.appendCode(std::u16string(1, unit), names);
         tables.appendText(viewName(names.data(), names.end()), text);
     }
@@ -416,7 +416,7 @@ TEST(CodeTables, joinPairsWhereverTheyStand) {
 
 TEST(CodeTables, refuseWhatIsNoCodeBytesAndLeaveTheText) {
     const CodeTables tables = SlowCode(u".ab").tables();
-    Names names;
+    NameBytes names;
     appendStoredName(Bytes{1, 2, 9}, names);
     const NameView anyKey = viewName(names.data(), names.end());
     ASSERT_TRUE(anyKey.isAnyKey);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "tests/compressedpaths/CodingTexts.hpp"
 #include "tests/support/PathSets.hpp"
 #include "tests/support/Peers.hpp"
 #include "tests/support/SavedBodies.hpp"
@@ -16,9 +17,6 @@ using testing::ThrowsMessage;
 
 constexpr const char* kIncomplete =
     "The shape or the characters of the coding tree end before the tree is complete.";
-constexpr const char* kBuiltAlready = "The coding tree has been built already.";
-constexpr const char* kTooLong = "The code words of the coding tree are too long.";
-
 void loadShape(HuffmanPathTree& tree, const std::vector<bool>& shape) {
     SavedBody body;
     body.shape(shape).emptyTrie();
@@ -104,8 +102,7 @@ TEST(CodingTreeForms, ofASingleLeafCodeToNothingAndCannotBeDecoded) {
                     "The code bytes lead to no character of the coding tree."));
     for (const Bytes& code : {Bytes{0, 1}, Bytes{1, 0}, Bytes{255, 0, 0}}) {
         EXPECT_THAT([&] { tree.generatePathFrom(code); },
-                    ThrowsMessage<NoUsableCodingTreeException>(
-                        "There is no usable coding tree to decode with."));
+                    ThrowsMessage<NoUsableCodingTreeException>(kNoTree));
     }
 }
 

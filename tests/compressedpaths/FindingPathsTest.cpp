@@ -11,13 +11,13 @@ using FolderId = HuffmanPathTree::FolderId;
 using NumberRange = HuffmanPathTree::NumberRange;
 using Numbers = std::vector<std::size_t>;
 
-const TextEntries kEntries{{{u"a"}, {u"x", u"y"}},        // 1, 2
-                           {{u"a", u"b"}, {u"x"}},        // 3
-                           {{u"c"}, {u"x", u"x"}},        // 4, 5
-                           {{u"a"}, {u"z", u"x", u"q"}},  // 6 to 8
-                           {{u"a", u"y"}, {u"deep"}},     // 9; y was a file
-                           {{}, {u"top"}},                // 10
-                           {{u"a", u"d", u"e"}, {}}};
+const TextEntries kSearchedEntries{{{u"a"}, {u"x", u"y"}},        // 1, 2
+                                   {{u"a", u"b"}, {u"x"}},        // 3
+                                   {{u"c"}, {u"x", u"x"}},        // 4, 5
+                                   {{u"a"}, {u"z", u"x", u"q"}},  // 6 to 8
+                                   {{u"a", u"y"}, {u"deep"}},     // 9; y was a file
+                                   {{}, {u"top"}},                // 10
+                                   {{u"a", u"d", u"e"}, {}}};
 
 FolderId folder(const HuffmanPathTree& set, const Names& components) {
     const auto found = set.folderOf(components);
@@ -33,7 +33,7 @@ Names namesIn(const HuffmanPathTree& set, FolderId id) {
 
 TEST(FindingPaths, leadsToFoldersByTheirComponents) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSearchedEntries);
     EXPECT_EQ(folder(set, {}), FolderId{0});
     EXPECT_EQ(set.nameOf(folder(set, {u"a", u"d", u"e"})), u"e");
     EXPECT_EQ(set.parentOf(folder(set, {u"a", u"b"})), folder(set, {u"a"}));
@@ -44,7 +44,7 @@ TEST(FindingPaths, leadsToFoldersByTheirComponents) {
 
 TEST(FindingPaths, leadsNowhereWithoutSuchAFolder) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSearchedEntries);
     for (const Names& components :
          {Names{u"b"}, Names{u"a", u"x"}, Names{u"a", u"b", u"x"}, Names{u"a", u"b", u"b"},
           Names{u"ab"}, Names{u""}, Names{u"a", u""}, Names{u"\u00E9"}, Names{u"top"}})
@@ -65,7 +65,7 @@ TEST(FindingPaths, leadsToAFileOnceItIsAFolder) {
 
 TEST(FindingPaths, listsTheFoldersInAFolderInTheOrderOfTheirMaking) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSearchedEntries);
     EXPECT_EQ(namesIn(set, FolderId{0}), (Names{u"a", u"c"}));
     EXPECT_EQ(namesIn(set, folder(set, {u"a"})), (Names{u"b", u"y", u"d"}));
     EXPECT_EQ(namesIn(set, folder(set, {u"c"})), Names{});
@@ -75,7 +75,7 @@ TEST(FindingPaths, listsTheFoldersInAFolderInTheOrderOfTheirMaking) {
 
 TEST(FindingPaths, givesTheNumbersOfTheFilesThatWereAddedToAFolder) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSearchedEntries);
     using Ranges = std::vector<NumberRange>;
     EXPECT_EQ(set.entriesOf(folder(set, {u"a"})), (Ranges{{1, 2}, {6, 8}}));
     EXPECT_EQ(set.entriesOf(folder(set, {u"a", u"y"})), (Ranges{{9, 9}}));
@@ -88,7 +88,7 @@ TEST(FindingPaths, givesTheNumbersOfTheFilesThatWereAddedToAFolder) {
 
 TEST(FindingPaths, givesTheLowestNumberOfAName) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSearchedEntries);
     const FolderId a = folder(set, {u"a"});
     EXPECT_EQ(set.numberOf(a, u"x"), 1U);
     EXPECT_EQ(set.numberOf(a, u"y"), 2U);
@@ -164,10 +164,10 @@ TEST(FoldersNamed, needNoCodeForTheFiller) {
 
 TEST(FindingPaths, findsInALoadedSetWhatItFoundBefore) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSearchedEntries);
     HuffmanPathTree loaded;
     reload(set, loaded);
-    for (const TextEntry& entry : kEntries) {
+    for (const TextEntry& entry : kSearchedEntries) {
         if (entry.files.empty()) continue;  // a folder with nothing in it is saved as a leaf
         const FolderId id = folder(loaded, entry.folder);
         EXPECT_EQ(namesIn(loaded, id).size(), namesIn(set, folder(set, entry.folder)).size());
@@ -214,7 +214,7 @@ std::vector<VisitedEntry> entriesIn(const HuffmanPathTree& set, NumberRange rang
 
 TEST(EachEntry, isGivenInTheOrderOfTheNumbers) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSearchedEntries);
     const FolderId a = folder(set, {u"a"});
     const std::vector<VisitedEntry> all{
         {a, {1, 2}}, {folder(set, {u"a", u"b"}), {3, 3}}, {folder(set, {u"c"}), {4, 5}},
@@ -228,7 +228,7 @@ TEST(EachEntry, isGivenInTheOrderOfTheNumbers) {
 
 TEST(EachEntry, isRefusedForNumbersThatThereAreNot) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSearchedEntries);
     EXPECT_THROW(entriesIn(set, {0, 3}), InvalidPathNumberException);
     EXPECT_THROW(entriesIn(set, {3, 11}), InvalidPathNumberException);
     EXPECT_THROW(entriesIn(HuffmanPathTree(), {1, 1}), InvalidPathNumberException);
@@ -280,7 +280,7 @@ TEST(NamesWith, areThoseOfTheFilesAlone) {
 
 TEST(NamesWith, areAllForNoTextAndNoneForOneThatTheCodeCannotWrite) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSearchedEntries);
     EXPECT_EQ(numbersWith(set, u""), (Numbers{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
     EXPECT_EQ(numbersWith(set, u"\u00E9"), Numbers{});
     EXPECT_EQ(numbersWith(set, u"x\u00E9"), Numbers{});

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "compressedpaths/HuffmanPathTree.hpp"
+#include "tests/compressedpaths/CodingTexts.hpp"
 #include "tests/support/PathSets.hpp"
 #include "tests/support/Peers.hpp"
 
@@ -12,14 +13,6 @@ namespace compressedpaths {
 namespace {
 
 using testing::ThrowsMessage;
-
-constexpr const char* kTooSmall = "An alphabet needs at least two characters.";
-constexpr const char* kBuiltAlready = "The coding tree has been built already.";
-constexpr const char* kEmptyString = "No code for an empty string.";
-constexpr const char* kNoCode = "Code for the character not found.";
-constexpr const char* kTooLong = "The code words of the coding tree are too long.";
-constexpr const char* kNoTree = "There is no usable coding tree to decode with.";
-constexpr const char* kInvalidCode = "The code bytes lead to no character of the coding tree.";
 
 std::deque<bool> wordOf(const HuffmanPathTree& tree, char16_t character) {
     return HuffmanPathTreePeer::codes(tree).at(character);

@@ -12,11 +12,11 @@
 namespace compressedpaths {
 namespace {
 
-const TextEntries kEntries{{{u"/"}, {u"b", u"c"}},
-                           {{u"/", u"usr", u"lib"}, {u"a.so", u"b.so"}},
-                           {{}, {u"readme"}},
-                           {{u"/", u"usr"}, {u"x"}},
-                           {{u"/", u"b"}, {u"y", u"z"}}};
+const TextEntries kTextEntries{{{u"/"}, {u"b", u"c"}},
+                               {{u"/", u"usr", u"lib"}, {u"a.so", u"b.so"}},
+                               {{}, {u"readme"}},
+                               {{u"/", u"usr"}, {u"x"}},
+                               {{u"/", u"b"}, {u"y", u"z"}}};
 const std::vector<std::string> kTexts{"/b",     "/c",     "/usr/lib/a.so", "/usr/lib/b.so",
                                       "readme", "/usr/x", "/b/y",          "/b/z"};
 
@@ -58,7 +58,7 @@ Numbered textsBetween(const HuffmanPathTree& set, std::size_t first, std::size_t
 
 TEST(PathTexts, haveNoSeparatorAfterTheFirstComponent) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kTextEntries);
     for (std::size_t number = 1; number <= kTexts.size(); ++number) {
         EXPECT_EQ(textOf(set, number), kTexts[number - 1]);
         EXPECT_EQ(unitsOf(set, number),
@@ -80,7 +80,7 @@ TEST(PathTexts, haveAnySeparatorBetweenTheOtherComponents) {
 
 TEST(PathTexts, goToTheEndOfWhatIsThere) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kTextEntries);
     std::string text = "see ";
     set.appendText(1, "/", text);
     set.appendText(2, "/", text);
@@ -117,7 +117,7 @@ TEST(PathTexts, makeNoPairOfTwoComponents) {
 
 TEST(PathTexts, leaveTheTextAsItWasWithoutSuchANumber) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kTextEntries);
     addSinglePath(set, {u"new"});
     const std::size_t beyond = kTexts.size() + 2;
     for (const std::size_t number : {std::size_t{0}, kTexts.size() + 1, beyond, ~std::size_t{0}}) {
@@ -132,7 +132,7 @@ TEST(PathTexts, leaveTheTextAsItWasWithoutSuchANumber) {
 
 TEST(PathTexts, leaveTheTextAsItWasWhereNoCodeIsToDecodeWith) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kTextEntries);
     HuffmanPathTree loaded;
     Bytes saved = savedForm(set);
     loaded.deserialize(saved, false);
@@ -143,7 +143,7 @@ TEST(PathTexts, leaveTheTextAsItWasWhereNoCodeIsToDecodeWith) {
 
 TEST(PathTexts, comeInTheOrderOfTheirNumbers) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kTextEntries);
     for (std::size_t first = 1; first <= kTexts.size(); ++first) {
         for (std::size_t last = first - 1; last <= kTexts.size(); ++last) {
             Numbered expected;
@@ -156,7 +156,7 @@ TEST(PathTexts, comeInTheOrderOfTheirNumbers) {
 
 TEST(PathTexts, areNoneOfARangeThatLeavesTheSet) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kTextEntries);
     EXPECT_THROW(textsBetween(set, 0, 3), InvalidPathNumberException);
     EXPECT_THROW(textsBetween(set, 1, kTexts.size() + 1), InvalidPathNumberException);
     EXPECT_TRUE(textsBetween(set, 5, 4).empty());
@@ -175,7 +175,7 @@ Numbered textsOf(const HuffmanPathTree& set, const Numbers& numbers) {
 
 TEST(PathTexts, comeInTheOrderOfAnyNumbers) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kTextEntries);
     for (const Numbers& numbers : {Numbers{}, Numbers{5}, Numbers{8, 1, 4, 4, 4, 2, 7, 8, 3, 6}}) {
         Numbered expected;
         for (const std::size_t number : numbers) expected.emplace_back(number, kTexts[number - 1]);
@@ -212,7 +212,7 @@ TEST(PathTexts, ofAnyNumbersAreThoseOfEach) {
 
 TEST(PathTexts, ofNumbersThatThereAreNotAreRefused) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kTextEntries);
     for (const std::size_t number : {std::size_t{0}, kTexts.size() + 1, ~std::size_t{0}})
         EXPECT_THROW(textsOf(set, {1, number}), InvalidPathNumberException);
     addSinglePath(set, {u"new"});
@@ -265,7 +265,7 @@ void expectSameWalk(const TextEntries& entries, const std::vector<TextPath>& aga
 }
 
 TEST(PathTexts, ofTheWalkAreThoseOfItsPaths) {
-    expectSameWalk(kEntries, {}, {});
+    expectSameWalk(kTextEntries, {}, {});
 }
 
 TEST(PathTexts, ofTheWalkHoldPathsAddedAgainAtTheirNumbers) {
@@ -276,8 +276,8 @@ TEST(PathTexts, ofTheWalkGoOnAsItsPathsDoWhenAWalkIsAddedTo) {
     const TextEntries more{{{u"/", u"usr", u"lib"}, {u"new"}}, {{u"/", u"c"}, {u"new"}}};
     for (std::size_t at = 0; at < kTexts.size(); ++at) {
         SCOPED_TRACE(at);
-        expectSameWalk(kEntries, {{u"/", u"usr"}}, {{at, more}});
-        expectSameWalk(kEntries, {{u"/", u"c"}}, {{at, more}, {at + 1, more}});
+        expectSameWalk(kTextEntries, {{u"/", u"usr"}}, {{at, more}});
+        expectSameWalk(kTextEntries, {{u"/", u"c"}}, {{at, more}, {at + 1, more}});
     }
 }
 
@@ -299,7 +299,7 @@ TEST(PathTexts, ofTheWalkMixWithItsPathsAndWithOtherSeparators) {
 
 TEST(PathTexts, areReadByManyThreadsAtOnce) {
     HuffmanPathTree set;
-    TextEntries entries = kEntries;
+    TextEntries entries = kTextEntries;
     TextEntry many{{u"many"}, {}};
     for (std::size_t i = 0; i < 100; ++i) many.files.push_back(u"n" + std::u16string(i % 7, u'x'));
     entries.push_back(many);

@@ -14,14 +14,6 @@ namespace {
 
 using sixpacks::PrematureEndException;
 
-/// Keys of one character each, x for false.
-Bytes x() {
-    return {0, 1};
-}
-Bytes y() {
-    return {1, 1};
-}
-
 /// The folder x with the files x and y.
 SavedBody twoFiles() {
     SavedBody body;

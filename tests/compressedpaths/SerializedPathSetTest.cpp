@@ -17,16 +17,8 @@ using sixpacks::PrematureEndException;
 using testing::ThrowsMessage;
 
 const std::vector<bool> kShape{false, true, true};  // of the characters x and y
-const TextEntries kEntries{
+const TextEntries kSavedEntries{
     {{u"a"}, {u"b", u"c"}}, {{u"a"}, {u"d"}}, {{u"e", u"f"}, {u"g"}}, {{u"a"}, {}}};
-
-/// Keys of one character each, x for false.
-Bytes x() {
-    return {0, 1};
-}
-Bytes y() {
-    return {1, 1};
-}
 
 SavedBody twoFilesInAFolder() {
     SavedBody body;
@@ -58,14 +50,14 @@ TEST(SerializedPathSet, writesTheBytesOfTheForm) {
 
 TEST(SerializedPathSet, hasAFolderSectionAloneForFolderEntries) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSavedEntries);
     HuffmanPathTree loaded;
     reload(set, loaded);
     EXPECT_EQ(HuffmanPathTreePeer::pathCount(loaded), 4U);
     EXPECT_EQ(HuffmanPathTreePeer::partitionEnds(loaded), (std::vector<std::size_t>{2, 3, 4, 4}));
     EXPECT_EQ(HuffmanPathTreePeer::folderTracks(loaded), HuffmanPathTreePeer::folderTracks(set));
     EXPECT_TRUE(HuffmanPathTreePeer::pathTracks(loaded).empty());
-    EXPECT_EQ(pathsByNumber(loaded, 4), pathsOf(kEntries));
+    EXPECT_EQ(pathsByNumber(loaded, 4), pathsOf(kSavedEntries));
     EXPECT_EQ(walkedPaths(loaded), walkedPaths(set));
 }
 
@@ -117,7 +109,7 @@ TEST(SerializedPathSet, keepsTheLaterOfTwoTracksWithOneNumber) {
 
 TEST(SerializedPathSet, isTheSameBodyCompressedOrNot) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSavedEntries);
     const Bytes plain = savedForm(set, false);
     Bytes compressed = savedForm(set, true);
     const Bytes length(plain.begin(), plain.begin() + 8);
@@ -143,7 +135,7 @@ TEST(SerializedPathSet, ignoresWhatFollowsAnUnknownSection) {
 
 TEST(SerializedPathSet, isAppendedToWhatIsThere) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSavedEntries);
     for (const bool compress : {false, true}) {
         Bytes bytes{1, 2, 3};
         set.serialize(bytes, compress);
@@ -169,7 +161,7 @@ TEST(SerializedPathSet, ofAnEmptySetLoadsAsAnEmptySet) {
 
 TEST(SerializedPathSet, holdsNeitherCharactersNorFrequencies) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSavedEntries);
     HuffmanPathTree loaded;
     Bytes bytes = savedForm(set);
     loaded.deserialize(bytes, false);
@@ -180,7 +172,7 @@ TEST(SerializedPathSet, holdsNeitherCharactersNorFrequencies) {
 
 TEST(SerializedPathSet, countsItsMaximaAnew) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSavedEntries);
     const std::size_t longestInAPath = HuffmanPathTreePeer::maxCodeBytes(set);
     set.generateCodeFor(std::u16string(1000, u'a'));  // coded, but in no path
     HuffmanPathTree loaded;
@@ -311,7 +303,7 @@ TEST(SerializedPathSet, refusesCountsBeyondTheBytesThatAreLeft) {
 
 TEST(SerializedPathSet, refusesALengthThatItsStreamCannotReach) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSavedEntries);
     const Bytes form = savedForm(set, true);
     const std::uint64_t streamSize = form.size() - 8;
     for (const std::uint64_t length :
@@ -330,7 +322,7 @@ TEST(SerializedPathSet, refusesALengthThatItsStreamCannotReach) {
 
 TEST(SerializedPathSet, losesNoPathInSilenceWhenItsEndIsCutOff) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSavedEntries);
     const Bytes form = savedForm(set, true);
     for (std::size_t length = 8; length < form.size(); ++length) {
         SCOPED_TRACE(length);
@@ -342,7 +334,7 @@ TEST(SerializedPathSet, losesNoPathInSilenceWhenItsEndIsCutOff) {
 
 TEST(SerializedPathSet, refusesEveryDamageToTheStreamThatChangesWhatItHolds) {
     HuffmanPathTree set;
-    buildSet(set, kEntries);
+    buildSet(set, kSavedEntries);
     const Bytes form = savedForm(set, true);
     for (std::size_t position = 8; position < form.size(); ++position) {
         for (unsigned bit = 0; bit < 8; ++bit) {

@@ -240,14 +240,6 @@ TEST(TrackEnds, tellsTheEndsApartInEveryShortHistoryOfTwoLevels) {
     EXPECT_EQ(count, 42U + 42U * 42U + 42U * 42U * 42U);
 }
 
-/// Keys of one character each, x for false.
-Bytes x() {
-    return {0, 1};
-}
-Bytes y() {
-    return {1, 1};
-}
-
 /// The folder x with the file x, the folder y with x and y in it, and the file y.
 SavedBody nestedFolders() {
     SavedBody body;

@@ -15,6 +15,14 @@
 
 namespace compressedpaths {
 
+/// Keys of one character each, x for false and y for true.
+inline Bytes x() {
+    return {0, 1};
+}
+inline Bytes y() {
+    return {1, 1};
+}
+
 class SavedBody {
 public:
     SavedBody& byte(unsigned value) {

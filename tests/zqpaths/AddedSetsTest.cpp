@@ -6,7 +6,6 @@
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -56,16 +55,6 @@ protected:
     test_support::TemporaryTree tree_;
     std::string out_ = tree_.pathOf("out.zqp");
 };
-
-Error errorOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const Error& error) {
-        return error;
-    }
-    ADD_FAILURE() << "nothing is thrown";
-    return {ErrorKind::kSystem, "", ""};
-}
 
 TEST_F(AddedSets, followEachOtherWithTheirBytesAsTheyAre) {
     const Paths odd = randomPaths(500, 1);
@@ -147,11 +136,11 @@ TEST_F(AddedSets, areNotTakenWithoutPathsThatAreDamaged) {
     writeContent(set, bytes);
     PathSetWriter writer(out_);
     const PathSet damaged = PathSet::open(set);
-    const Error error = errorOf([&] { writer.addSet(damaged); });
-    EXPECT_EQ(error.kind(), ErrorKind::kDamaged);
-    EXPECT_THAT(error.what(), HasSubstr(set + ": segment 2 at byte"));
-    EXPECT_EQ(errorOf([&] { writer.add("x"); }).kind(), ErrorKind::kDamaged);
-    EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kDamaged);
+    const Refusal error = refusalOf([&] { writer.addSet(damaged); });
+    EXPECT_EQ(error.kind, ErrorKind::kDamaged);
+    EXPECT_THAT(error.text, HasSubstr(set + ": segment 2 at byte"));
+    EXPECT_EQ(refusalOf([&] { writer.add("x"); }).kind, ErrorKind::kDamaged);
+    EXPECT_EQ(refusalOf([&] { writer.commit(); }).kind, ErrorKind::kDamaged);
     EXPECT_FALSE(std::filesystem::exists(out_));
 }
 
@@ -162,9 +151,9 @@ TEST_F(AddedSets, areNotTakenWithGoneMarksThatAreDamaged) {
     writeContent(set, bytes);
     PathSetWriter writer(out_);
     const PathSet damaged = PathSet::open(set);
-    const Error error = errorOf([&] { writer.addSet(damaged); });
-    EXPECT_EQ(error.kind(), ErrorKind::kDamaged);
-    EXPECT_THAT(error.what(), HasSubstr(set + ": the gone paths"));
+    const Refusal error = refusalOf([&] { writer.addSet(damaged); });
+    EXPECT_EQ(error.kind, ErrorKind::kDamaged);
+    EXPECT_THAT(error.text, HasSubstr(set + ": the gone paths"));
 }
 
 TEST_F(AddedSets, areNotTakenOfAFileThatWasCutMeanwhile) {
@@ -172,16 +161,16 @@ TEST_F(AddedSets, areNotTakenOfAFileThatWasCutMeanwhile) {
     const PathSet opened = PathSet::open(set);
     std::filesystem::resize_file(set, 5000);
     PathSetWriter writer(out_);
-    const Error error = errorOf([&] { writer.addSet(opened); });
-    EXPECT_EQ(error.kind(), ErrorKind::kDamaged);
-    EXPECT_THAT(error.what(), HasSubstr(set + ": has 5000 bytes"));
+    const Refusal error = refusalOf([&] { writer.addSet(opened); });
+    EXPECT_EQ(error.kind, ErrorKind::kDamaged);
+    EXPECT_THAT(error.text, HasSubstr(set + ": has 5000 bytes"));
 }
 
 TEST_F(AddedSets, areNotTakenAfterACommit) {
     const std::string set = made("a.zqp", {"p"});
     PathSetWriter writer(out_);
     writer.commit();
-    EXPECT_EQ(errorOf([&] { writer.addSet(PathSet::open(set)); }).kind(), ErrorKind::kWrongUse);
+    EXPECT_EQ(refusalOf([&] { writer.addSet(PathSet::open(set)); }).kind, ErrorKind::kWrongUse);
 }
 
 TEST_F(AddedSets, leaveTheFileAsItWasWhereTheyHaveNoRoom) {
@@ -192,8 +181,8 @@ TEST_F(AddedSets, leaveTheFileAsItWasWhereTheyHaveNoRoom) {
         const FileSizeLimit limit(before.size() + 8192);
         PathSetWriter writer(out_, Mode::kAppend);
         const PathSet added = PathSet::open(set);
-        EXPECT_EQ(errorOf([&] { writer.addSet(added); }).kind(), ErrorKind::kSystem);
-        EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kSystem);
+        EXPECT_EQ(refusalOf([&] { writer.addSet(added); }).kind, ErrorKind::kSystem);
+        EXPECT_EQ(refusalOf([&] { writer.commit(); }).kind, ErrorKind::kSystem);
     }
     EXPECT_EQ(contentOf(out_), before);
 }
@@ -211,7 +200,7 @@ TEST_F(AddedSets, areTakenInPiecesWithTheirMarks) {
     writer.addSegments(added, 1, 1);
     writer.addSegments(added, 0, 0);
     writer.addSegments(added, 0, 1);
-    EXPECT_EQ(errorOf([&] { writer.addSegments(added, 1, 2); }).kind(), ErrorKind::kWrongUse);
+    EXPECT_EQ(refusalOf([&] { writer.addSegments(added, 1, 2); }).kind, ErrorKind::kWrongUse);
     writer.commit();
     EXPECT_EQ(savedPaths(out_), (Paths{"s", "t", "p", "q", "r"}));
     EXPECT_EQ(goneNow(), (Numbers{2, 3, 5}));
@@ -239,9 +228,9 @@ TEST_F(AddedSets, areTakenFromSetsOfSetsButNotWithoutAFileOfTheirs) {
     std::filesystem::remove(second);
     PathSetWriter writer(tree_.pathOf("other.zqp"));
     const PathSet partial = PathSet::openPartial(all);
-    const Error error = errorOf([&] { writer.addSet(partial); });
-    EXPECT_EQ(error.kind(), ErrorKind::kNotFound);
-    EXPECT_THAT(error.what(), HasSubstr(second));
+    const Refusal error = refusalOf([&] { writer.addSet(partial); });
+    EXPECT_EQ(error.kind, ErrorKind::kNotFound);
+    EXPECT_THAT(error.text, HasSubstr(second));
     writer.add("x");
     writer.commit();
     EXPECT_EQ(savedPaths(tree_.pathOf("other.zqp")), Paths{"x"});

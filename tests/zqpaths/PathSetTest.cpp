@@ -28,12 +28,6 @@ constexpr SegmentForm kImage = SegmentForm::kImage;
 constexpr SegmentForm kPacked = SegmentForm::kPacked;
 
 /// Six paths in three segments.
-SegmentedSet sample() {
-    return SegmentedSet({{kImage, {"/usr/bin/a", "/usr/bin/b"}},
-                         {kPacked, {"plain", "/usr/lib/caf\xC3\xA9\xFF"}},
-                         {kImage, {"/usr/bin/b", "a//b/"}}});
-}
-
 /// As many paths that threads are used, and whole pieces of them.
 SegmentedSet manyPaths() {
     std::vector<SegmentContent> segments;
@@ -58,7 +52,7 @@ void expectRefusal(const Refusal& refusal, const Refusal& expected) {
 }
 
 TEST(PathSet, givesThePathsByTheirNumbers) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const PathSet set = made.open();
     ASSERT_EQ(set.size(), 6U);
     EXPECT_EQ(set.file(), made.file());
@@ -70,7 +64,7 @@ TEST(PathSet, givesThePathsByTheirNumbers) {
 }
 
 TEST(PathSet, hasTheFingerprintOfItsFileAndOfCopies) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const PathSet set = made.open();
     EXPECT_EQ(made.open().fingerprint(), set.fingerprint());
     const PathSet sameSet = set;
@@ -81,7 +75,7 @@ TEST(PathSet, hasTheFingerprintOfItsFileAndOfCopies) {
 }
 
 TEST(PathSet, hasAnotherFingerprintAfterAnAppend) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const PathSet before = made.open();
     PathSetWriter(made.file(), PathSetWriter::Mode::kAppend).commit();  // of nothing
     EXPECT_EQ(made.open().fingerprint(), before.fingerprint());
@@ -94,7 +88,7 @@ TEST(PathSet, hasAnotherFingerprintAfterAnAppend) {
 
 // Each has as many paths and bytes as the one before, so that only sums tell them apart.
 TEST(PathSet, hasAnotherFingerprintForOtherPathsInItsPlace) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     std::set<std::uint64_t> fingerprints;
     for (const Paths& paths : {Paths{"a/b", "a/c"}, Paths{"a/c", "a/b"}, Paths{"a/b", "a/d"}}) {
         PathSetWriter writer(made.file(), PathSetWriter::Mode::kReplace);
@@ -106,7 +100,7 @@ TEST(PathSet, hasAnotherFingerprintForOtherPathsInItsPlace) {
 }
 
 TEST(PathSet, givesPathsInTheOrderOfTheNumbersGiven) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const Numbers numbers{6, 1, 2, 3, 4, 4, 3, 2, 5};
     std::vector<Numbered> expected;
     for (const std::uint64_t number : numbers)
@@ -149,7 +143,7 @@ TEST(PathSet, givesManyPathsByNumberOnTheCallingThread) {
 }
 
 TEST(PathSet, givesRangesUpAndDown) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const PathSet set = made.open();
     std::vector<Numbered> all = numberedWhere(made.paths(), [](std::string_view) { return true; });
     EXPECT_EQ(visitedBy([&](auto visit) { set.forEach(visit); }), all);
@@ -228,7 +222,7 @@ TEST(PathSet, passesOnWhatTheVisitorThrows) {
 }
 
 TEST(PathSet, refusesNumbersThatThereAreNotBeforeTheFirstVisit) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const PathSet set = made.open();
     const auto fail = [](std::uint64_t, std::string_view) { ADD_FAILURE(); };
     expectRefusal(refusalOf([&] { set.path(0); }), noPath(made, "0"));
@@ -243,7 +237,7 @@ TEST(PathSet, refusesNumbersThatThereAreNotBeforeTheFirstVisit) {
 }
 
 TEST(PathSet, findsTheLowestNumberOfAPath) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const PathSet set = made.open();
     EXPECT_EQ(set.numberOf("/usr/bin/b"), 2U);
     EXPECT_EQ(set.numberOf("plain"), 3U);
@@ -284,7 +278,7 @@ TEST(PathSet, mayBeEmpty) {
 }
 
 TEST(PathSet, tellsItsSegments) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const auto segments = made.open().segments();
     ASSERT_EQ(segments.size(), 3U);
     EXPECT_TRUE(segments[1].isPacked);
@@ -297,7 +291,7 @@ TEST(PathSet, tellsItsSegments) {
 }
 
 TEST(PathSet, isSharedByItsCopies) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     PathSet set = made.open();
     const PathSet copy = set;
     set = SegmentedSet({}).open();
@@ -307,7 +301,7 @@ TEST(PathSet, isSharedByItsCopies) {
 }
 
 TEST(PathSet, isReadByManyThreads) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const PathSet set = made.open();
     std::vector<std::thread> threads;
     for (unsigned i = 0; i < 8; ++i)
@@ -331,12 +325,12 @@ void changeByte(const std::string& file, std::uint64_t offset) {
 }
 
 TEST(PathSet, isVerifiedWhole) {
-    EXPECT_TRUE(sample().open().verify().empty());
+    EXPECT_TRUE(sampleSet().open().verify().empty());
     EXPECT_TRUE(manyPaths().open().verify().empty());
 }
 
 TEST(PathSet, tellsHowFarItIsVerified) {
-    for (const auto& make : {sample, manyPaths}) {
+    for (const auto& make : {sampleSet, manyPaths}) {
         const SegmentedSet made = make();
         const PathSet set = made.open();
         std::uint64_t size = 0;
@@ -354,7 +348,7 @@ TEST(PathSet, tellsHowFarItIsVerified) {
 }
 
 TEST(PathSet, namesTheSegmentsThatAreDamaged) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const auto segments = made.open().segments();
     changeByte(made.file(), segments[1].offset + segments[1].size - 10);
     changeByte(made.file(), segments[2].offset + 450);
@@ -378,7 +372,7 @@ TEST(PathSet, namesTheSegmentsThatAreDamaged) {
 }
 
 TEST(PathSet, refusesAFileThatHasBecomeShorter) {
-    const SegmentedSet made = sample();
+    const SegmentedSet made = sampleSet();
     const PathSet set = made.open();
     const auto segments = set.segments();
     std::filesystem::resize_file(made.file(), segments[2].offset);

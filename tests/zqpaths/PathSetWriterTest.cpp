@@ -6,7 +6,6 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "tests/support/FileSizeLimit.hpp"
+#include "tests/support/SetFiles.hpp"
 #include "tests/support/TemporaryTree.hpp"
 #include "tests/zqpaths/SavedPaths.hpp"
 #include "tests/zqpaths/set/OddPaths.hpp"
@@ -53,17 +53,6 @@ protected:
     std::string file_ = tree_.pathOf("s.zqp");
 };
 
-/// The error of a call.
-Error errorOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const Error& error) {
-        return error;
-    }
-    ADD_FAILURE() << "nothing is thrown";
-    return {ErrorKind::kSystem, "", ""};
-}
-
 TEST_F(PathSetWriterTest, makesAFileOfPathsInTheirOrder) {
     write({"/usr/bin/env", "b", "a/c", "b"}, Mode::kCreate);
     EXPECT_EQ(savedPaths(file_), (Paths{"/usr/bin/env", "b", "a/c", "b"}));
@@ -80,7 +69,7 @@ TEST_F(PathSetWriterTest, makesAnEmptySet) {
 
 TEST_F(PathSetWriterTest, refusesAFileThatIsThere) {
     write({"a"}, Mode::kCreate);
-    EXPECT_EQ(errorOf([&] { write({"b"}, Mode::kCreate); }).kind(), ErrorKind::kExists);
+    EXPECT_EQ(refusalOf([&] { write({"b"}, Mode::kCreate); }).kind, ErrorKind::kExists);
     EXPECT_EQ(savedPaths(file_), Paths{"a"});
 }
 
@@ -101,7 +90,7 @@ TEST_F(PathSetWriterTest, appendsToWhatIsThere) {
 }
 
 TEST_F(PathSetWriterTest, appendsToNoFileThatIsNotThere) {
-    EXPECT_EQ(errorOf([&] { write({"a"}, Mode::kAppend); }).kind(), ErrorKind::kNotFound);
+    EXPECT_EQ(refusalOf([&] { write({"a"}, Mode::kAppend); }).kind, ErrorKind::kNotFound);
     expectAlone(0);
 }
 
@@ -192,9 +181,9 @@ TEST_F(PathSetWriterTest, refusesToMarkWhatThereIsNot) {
     PathSetWriter writer(file_);
     writer.add("a");
     for (const std::uint64_t number : {0U, 2U}) {
-        const Error error = errorOf([&] { writer.markGone(number); });
-        EXPECT_EQ(error.kind(), ErrorKind::kWrongUse);
-        EXPECT_THAT(error.what(), HasSubstr("there is no path number"));
+        const Refusal error = refusalOf([&] { writer.markGone(number); });
+        EXPECT_EQ(error.kind, ErrorKind::kWrongUse);
+        EXPECT_THAT(error.text, HasSubstr("there is no path number"));
     }
     writer.markGone(1);
     writer.commit();
@@ -238,12 +227,12 @@ TEST_F(PathSetWriterTest, countsThePathsThatWereThere) {
 TEST_F(PathSetWriterTest, refusesAnEmptyPathAndOneWithNulAndGoesOn) {
     PathSetWriter writer(file_);
     writer.add("a");
-    const Error empty = errorOf([&] { writer.add(""); });
-    EXPECT_EQ(empty.kind(), ErrorKind::kWrongUse);
-    EXPECT_STREQ(empty.what(), (file_ + ": an empty path").c_str());
-    const Error nul = errorOf([&] { writer.add(std::string_view("ab\0c", 4)); });
-    EXPECT_EQ(nul.kind(), ErrorKind::kWrongUse);
-    EXPECT_STREQ(nul.what(), (file_ + ": a path with NUL at byte 2").c_str());
+    const Refusal empty = refusalOf([&] { writer.add(""); });
+    EXPECT_EQ(empty.kind, ErrorKind::kWrongUse);
+    EXPECT_EQ(empty.text, file_ + ": an empty path");
+    const Refusal nul = refusalOf([&] { writer.add(std::string_view("ab\0c", 4)); });
+    EXPECT_EQ(nul.kind, ErrorKind::kWrongUse);
+    EXPECT_EQ(nul.text, file_ + ": a path with NUL at byte 2");
     writer.add("b");
     writer.commit();
     EXPECT_EQ(savedPaths(file_), (Paths{"a", "b"}));
@@ -253,8 +242,8 @@ TEST_F(PathSetWriterTest, takesNothingAfterACommit) {
     PathSetWriter writer(file_);
     writer.add("a");
     writer.commit();
-    EXPECT_EQ(errorOf([&] { writer.add("b"); }).kind(), ErrorKind::kWrongUse);
-    EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kWrongUse);
+    EXPECT_EQ(refusalOf([&] { writer.add("b"); }).kind, ErrorKind::kWrongUse);
+    EXPECT_EQ(refusalOf([&] { writer.commit(); }).kind, ErrorKind::kWrongUse);
     EXPECT_EQ(savedPaths(file_), Paths{"a"});
 }
 
@@ -362,10 +351,10 @@ TEST_F(PathSetWriterTest, doesNotJoinWhatIsDamaged) {
     const std::string before = bytes();
     PathSetWriter writer(file_, Mode::kAppend);
     writer.add("more");
-    const Error error = errorOf([&] { writer.commit(); });
-    EXPECT_EQ(error.kind(), ErrorKind::kDamaged);
-    EXPECT_THAT(error.what(), HasSubstr(file_ + ": segment 4"));
-    EXPECT_EQ(errorOf([&] { writer.add("a"); }).kind(), ErrorKind::kDamaged);
+    const Refusal error = refusalOf([&] { writer.commit(); });
+    EXPECT_EQ(error.kind, ErrorKind::kDamaged);
+    EXPECT_THAT(error.text, HasSubstr(file_ + ": segment 4"));
+    EXPECT_EQ(refusalOf([&] { writer.add("a"); }).kind, ErrorKind::kDamaged);
     EXPECT_EQ(bytes().substr(0, before.size()), before);
 }
 
@@ -379,9 +368,9 @@ TEST_F(PathSetWriterTest, saysLaterWhatWentWrongOnOtherThreads) {
             for (std::size_t i = 0; i < 3 * CollectedPaths::kMaxPaths; ++i)
                 writer.add("f" + std::to_string(i));
         };
-        EXPECT_EQ(errorOf(addTooMuch).kind(), ErrorKind::kSystem);
-        EXPECT_EQ(errorOf([&] { writer.add("x"); }).kind(), ErrorKind::kSystem);
-        EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kSystem);
+        EXPECT_EQ(refusalOf(addTooMuch).kind, ErrorKind::kSystem);
+        EXPECT_EQ(refusalOf([&] { writer.add("x"); }).kind, ErrorKind::kSystem);
+        EXPECT_EQ(refusalOf([&] { writer.commit(); }).kind, ErrorKind::kSystem);
     }
     EXPECT_EQ(savedPaths(file_), Paths{"a"});
     write({"b"}, Mode::kAppend);
@@ -394,8 +383,8 @@ TEST_F(PathSetWriterTest, throwsWhatWentWrongWhileItCommits) {
         const test_support::FileSizeLimit limit(bytes().size());
         PathSetWriter writer(file_, Mode::kAppend);
         writer.add("b");
-        EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kSystem);
-        EXPECT_EQ(errorOf([&] { writer.commit(); }).kind(), ErrorKind::kSystem);
+        EXPECT_EQ(refusalOf([&] { writer.commit(); }).kind, ErrorKind::kSystem);
+        EXPECT_EQ(refusalOf([&] { writer.commit(); }).kind, ErrorKind::kSystem);
     }
     EXPECT_EQ(savedPaths(file_), Paths{"a"});
 }

@@ -69,6 +69,13 @@ private:
 /// A path with its number.
 using Numbered = std::pair<std::uint64_t, std::string>;
 
+/// Three segments of both forms, with a path that is there twice, and one that is no text.
+inline SegmentedSet sampleSet() {
+    return SegmentedSet({{SegmentForm::kImage, {"/usr/bin/a", "/usr/bin/b"}},
+                         {SegmentForm::kPacked, {"plain", "/usr/lib/caf\xC3\xA9\xFF"}},
+                         {SegmentForm::kImage, {"/usr/bin/b", "a//b/"}}});
+}
+
 /// What `visitAll(visitor)` visits, in its order.
 template <class VisitAll>
 std::vector<Numbered> visitedBy(VisitAll visitAll) {

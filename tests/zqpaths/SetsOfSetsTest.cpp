@@ -218,17 +218,6 @@ protected:
         writer.commit();
     }
 
-    template <class Work>
-    static Error refusalOf(Work work) {
-        try {
-            work();
-        } catch (const Error& error) {
-            return error;
-        }
-        ADD_FAILURE() << "nothing was refused";
-        return {ErrorKind::kSystem, {}, {}};
-    }
-
 private:
     test_support::TemporaryTree tree_;
 };
@@ -238,10 +227,10 @@ TEST_F(BrokenSetsOfSets, nameAFileThatIsMissingWhenItIsNeeded) {
     const PathSet set = PathSet::open(manifest());
     EXPECT_EQ(set.path(10), "part0/9");
     EXPECT_EQ(set.path(21), "part2/0");
-    const Error refusal = refusalOf([&] { set.path(11); });
-    EXPECT_EQ(refusal.kind(), ErrorKind::kNotFound);
-    EXPECT_EQ(refusal.what(), manifest() + ": " + file(1) + ": No such file or directory");
-    EXPECT_EQ(refusalOf([&] { set.forEach([](auto, auto) {}); }).kind(), ErrorKind::kNotFound);
+    const Refusal refusal = refusalOf([&] { set.path(11); });
+    EXPECT_EQ(refusal.kind, ErrorKind::kNotFound);
+    EXPECT_EQ(refusal.text, manifest() + ": " + file(1) + ": No such file or directory");
+    EXPECT_EQ(refusalOf([&] { set.forEach([](auto, auto) {}); }).kind, ErrorKind::kNotFound);
     ASSERT_EQ(set.verify().size(), 1U);
     EXPECT_EQ(set.verify()[0].kind(), ErrorKind::kNotFound);
 }
@@ -249,9 +238,9 @@ TEST_F(BrokenSetsOfSets, nameAFileThatIsMissingWhenItIsNeeded) {
 TEST_F(BrokenSetsOfSets, nameAFileThatWasChanged) {
     write(2, 11);
     const PathSet set = PathSet::open(manifest());
-    const Error refusal = refusalOf([&] { set.path(30); });
-    EXPECT_EQ(refusal.kind(), ErrorKind::kDamaged);
-    EXPECT_EQ(refusal.what(),
+    const Refusal refusal = refusalOf([&] { set.path(30); });
+    EXPECT_EQ(refusal.kind, ErrorKind::kDamaged);
+    EXPECT_EQ(refusal.text,
               manifest() + ": " + file(2) + ": was changed since the set was made of it");
     EXPECT_EQ(set.verifyFile(2, {}).size(), 1U);
     EXPECT_TRUE(set.verifyFile(1, {}).empty());
@@ -259,10 +248,10 @@ TEST_F(BrokenSetsOfSets, nameAFileThatWasChanged) {
 
 TEST_F(BrokenSetsOfSets, nameAFileThatIsNoSet) {
     writeContent(file(0), "a file of somebody else");
-    EXPECT_EQ(refusalOf([&] { PathSet::open(manifest()).path(1); }).kind(), ErrorKind::kNotASet);
+    EXPECT_EQ(refusalOf([&] { PathSet::open(manifest()).path(1); }).kind, ErrorKind::kNotASet);
     std::filesystem::copy_file(manifest(), file(0),
                                std::filesystem::copy_options::overwrite_existing);
-    EXPECT_EQ(refusalOf([&] { PathSet::open(manifest()).path(1); }).kind(), ErrorKind::kNotASet);
+    EXPECT_EQ(refusalOf([&] { PathSet::open(manifest()).path(1); }).kind, ErrorKind::kNotASet);
 }
 
 TEST_F(BrokenSetsOfSets, refuseRowsThatTheirFileHasNot) {
@@ -272,7 +261,7 @@ TEST_F(BrokenSetsOfSets, refuseRowsThatTheirFileHasNot) {
         manifestRead.rows[0] = row;
         writeContent(manifest(), encodeManifest(manifestRead));
         const PathSet set = PathSet::open(manifest());
-        EXPECT_EQ(refusalOf([&] { set.path(1); }).kind(), ErrorKind::kDamaged);
+        EXPECT_EQ(refusalOf([&] { set.path(1); }).kind, ErrorKind::kDamaged);
         EXPECT_EQ(set.verify().size(), 1U);
         EXPECT_EQ(PathSet::openPartial(manifest()).missing().size(), 1U);
     }
@@ -298,9 +287,9 @@ TEST_F(BrokenSetsOfSets, giveWhatIsThereIfThatIsAskedFor) {
     EXPECT_EQ(set.presentCount(), 20U);
     EXPECT_EQ(set.presentNumber(0), 11U);
     EXPECT_EQ(set.path(11), "part1/0");
-    EXPECT_EQ(refusalOf([&] { set.path(10); }).kind(), ErrorKind::kNotFound);
+    EXPECT_EQ(refusalOf([&] { set.path(10); }).kind, ErrorKind::kNotFound);
     const std::array<std::uint64_t, 2> numbers{30, 1};
-    EXPECT_EQ(refusalOf([&] { set.paths(numbers, [](auto, auto) { FAIL(); }); }).kind(),
+    EXPECT_EQ(refusalOf([&] { set.paths(numbers, [](auto, auto) { FAIL(); }); }).kind,
               ErrorKind::kNotFound);
     EXPECT_TRUE(set.verify().empty());
     EXPECT_EQ(set.numberOf("part2/3"), 24U);
@@ -337,16 +326,16 @@ TEST_F(BrokenSetsOfSets, areOpenedWholeIfNothingIsMissing) {
     EXPECT_TRUE(PathSet::openPartial(manifest()).missing().empty());
     EXPECT_TRUE(PathSet::openPartial(file(0)).missing().empty());
     std::filesystem::remove(file(0));
-    EXPECT_EQ(refusalOf([&] { PathSet::openPartial(file(0)); }).kind(), ErrorKind::kNotFound);
+    EXPECT_EQ(refusalOf([&] { PathSet::openPartial(file(0)); }).kind, ErrorKind::kNotFound);
 }
 
 TEST_F(BrokenSetsOfSets, refuseAManifestThatIsCutShort) {
     const std::string text = contentOf(manifest());
     for (const std::size_t size : {std::size_t{12}, text.size() / 2, text.size() - 3}) {
         writeContent(manifest(), text.substr(0, size));
-        const Error refusal = refusalOf([&] { PathSet::open(manifest()); });
-        EXPECT_EQ(refusal.kind(), ErrorKind::kDamaged);
-        EXPECT_TRUE(std::string(refusal.what()).starts_with(manifest() + ": "));
+        const Refusal refusal = refusalOf([&] { PathSet::open(manifest()); });
+        EXPECT_EQ(refusal.kind, ErrorKind::kDamaged);
+        EXPECT_TRUE(refusal.text.starts_with(manifest() + ": "));
     }
 }
 
@@ -366,8 +355,8 @@ TEST_F(PlacesOfFiles, areBesideTheManifestThatALinkLeadsTo) {
     std::filesystem::create_symlink(manifest(), other.pathOf("link.zqs"));
     EXPECT_EQ(PathSet::open(other.pathOf("link.zqs")).path(11), "part1/0");
     std::filesystem::remove(file(1));
-    const Error refusal = refusalOf([&] { PathSet::open(other.pathOf("link.zqs")).path(11); });
-    EXPECT_NE(std::string(refusal.what()).find(file(1)), std::string::npos);
+    const Refusal refusal = refusalOf([&] { PathSet::open(other.pathOf("link.zqs")).path(11); });
+    EXPECT_NE(refusal.text.find(file(1)), std::string::npos);
 }
 
 TEST_F(PlacesOfFiles, stayWhereTheyWereWhenTheProcessGoesElsewhere) {

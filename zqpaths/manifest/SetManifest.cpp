@@ -22,7 +22,7 @@ namespace zqpaths {
 namespace {
 
 constexpr const char* kVersionKey = "zqs";
-constexpr std::uint64_t kVersion = 1;
+constexpr std::uint64_t kManifestVersion = 1;
 constexpr int kSumDigits = 16;
 
 /// What has no memory throws, where the library's own allocator gives null and nobody looks.
@@ -125,7 +125,7 @@ void requireVersion(const Value& manifest) {
     const Value* const version = manifest.IsObject() ? memberOf(manifest, kVersionKey) : nullptr;
     if (version == nullptr || !version->IsUint64())
         refuseNoManifest("it has no version \"" + std::string(kVersionKey) + "\"");
-    if (version->GetUint64() != kVersion) refuseNewer();
+    if (version->GetUint64() != kManifestVersion) refuseNewer();
 }
 
 // --- Writing.
@@ -196,7 +196,7 @@ std::string encodeManifest(const SetManifest& manifest) {
     writer.SetIndent(' ', 1);
     writer.StartObject();
     writer.Key(kVersionKey);
-    writer.Uint64(kVersion);
+    writer.Uint64(kManifestVersion);
     writer.Key("files");
     writer.StartArray();
     for (const ManifestFile& file : manifest.files) putFile(writer, file);

@@ -19,10 +19,6 @@ bool isAsciiLetterOrDigit(char character) {
     return (byte >= '0' && byte <= '9') || ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
 }
 
-bool isAscii(char character) {
-    return static_cast<unsigned char>(character) < 0x80;
-}
-
 /// Keeps the longest of the texts that stand between separators and other breaks.
 class LongestText {
 public:

@@ -11,10 +11,6 @@ namespace {
 constexpr std::size_t kCharacterCount = std::size_t{std::numeric_limits<char16_t>::max()} + 1;
 constexpr std::size_t kLeastCharacters = 2;
 
-constexpr bool isAscii(char byte) {
-    return static_cast<unsigned char>(byte) < 0x80;
-}
-
 }  // namespace
 
 CharacterCounts::CharacterCounts() : counts_(kCharacterCount) {}

@@ -35,6 +35,11 @@ ZQPATHS_EXPORT std::size_t utf8Prefix(std::string_view bytes);
 
 ZQPATHS_EXPORT bool isUtf8(std::string_view bytes);
 
+/// Whether a byte is a character by itself, which is one unit of UTF-16 with the same number.
+constexpr bool isAscii(char byte) noexcept {
+    return static_cast<unsigned char>(byte) < 0x80;
+}
+
 /// Appends `bytes` as UTF-8 for people to read: U+FFFD for each byte that appendUtf16 would not
 /// convert. Throws only std::bad_alloc; part may have been appended then. O(bytes).
 ZQPATHS_EXPORT void appendReadable(std::string_view bytes, std::string& text);

@@ -20,7 +20,6 @@ static bool operator==(const FolderEntries::Entry& a, const FolderEntries::Entry
 namespace {
 
 using Entry = FolderEntries::Entry;
-using Place = FolderEntries::Place;
 
 Entry inRun(std::uint64_t pathCount, PathArena::Link run, std::uint32_t skip = 0,
             bool existed = false) {

@@ -14,7 +14,6 @@ namespace compressedpaths {
 namespace {
 
 using Id = PathArena::Id;
-using Place = PathArena::Place;
 using Transaction = PathArena::Transaction;
 
 TEST(PathArena, hasARootWithNothingInItAtFirst) {
@@ -55,7 +54,7 @@ TEST(PathArena, findsEveryNameOfRunsOfAnySize) {
             EXPECT_EQ(run.hasWideSamples, count > 16 && length * count > 0xFFFF);
             for (std::uint32_t i = 0; i < count; ++i) {
                 ASSERT_EQ(textOf(arena.nameAt(arena.nameOffset(run, i))), names[i]);
-                ASSERT_EQ(arena.positionOf(Place{link, i}), i + 1);
+                ASSERT_EQ(arena.positionOf(PathArena::Place{link, i}), i + 1);
             }
             EXPECT_EQ(childrenOf(arena, PathArena::kRoot).size(), count + 2);
         }
@@ -97,8 +96,8 @@ TEST(PathArena, keepsAFileThatBecomesAFolderInItsPlace) {
         const Id folder = adding.makeFolderOf({run, 1});
         append(adding, folder, {"x"});
         adding.commit();
-        EXPECT_EQ(arena.folderAt(Place{run, 1}), folder);
-        EXPECT_EQ(arena.folderAt(Place{run, 0}), PathArena::kNone);
+        EXPECT_EQ(arena.folderAt(PathArena::Place{run, 1}), folder);
+        EXPECT_EQ(arena.folderAt(PathArena::Place{run, 0}), PathArena::kNone);
         EXPECT_EQ(arena.positionOf(folder), 1U);
         EXPECT_EQ(textOf(arena.nameOf(folder)), "n1");
         EXPECT_EQ(find(arena, PathArena::kRoot, "n1").folder, folder);
@@ -121,7 +120,7 @@ TEST(PathArena, findsTheFirstChildOfANameInNarrowAndWideFolders) {
         for (std::uint32_t i = 0; i < count; ++i) {
             const auto found = find(arena, PathArena::kRoot, names[i]);
             ASSERT_EQ(found.folder, PathArena::kNone);
-            ASSERT_EQ(found.file, (Place{first, i}));
+            ASSERT_EQ(found.file, (PathArena::Place{first, i}));
         }
         EXPECT_EQ(find(arena, PathArena::kRoot, "folder").folder, folder);
         EXPECT_FALSE(find(arena, PathArena::kRoot, "n").isThere());
@@ -137,7 +136,7 @@ TEST(PathArena, findsInAWideFolderWhatIsAddedBetweenSearches) {
         ASSERT_FALSE(find(arena, PathArena::kRoot, name).isThere());
         const auto [run, skip] = addFiles(arena, PathArena::kRoot, {name});
         if (i % 3 == 0) makeFolder(arena, PathArena::kRoot, "folder" + name);
-        ASSERT_EQ(find(arena, PathArena::kRoot, name).file, (Place{run, skip}));
+        ASSERT_EQ(find(arena, PathArena::kRoot, name).file, (PathArena::Place{run, skip}));
     }
     for (int i = 100; i < 300; ++i)
         EXPECT_EQ(find(arena, PathArena::kRoot, "foldern" + std::to_string(i)).isThere(),
@@ -175,7 +174,8 @@ TEST(PathArena, refusesFoldersAndItemsThatThereAreNot) {
     EXPECT_THROW(arena.nameOf(Id{0}), InvalidImageException);
     EXPECT_THROW(arena.runAt(1000), InvalidImageException);
     EXPECT_THROW(arena.nameAt(1000), InvalidImageException);
-    EXPECT_THROW(arena.nameOf(Place{PathArena::kFolderLink | 9, 0}), InvalidImageException);
+    EXPECT_THROW(arena.nameOf(PathArena::Place{PathArena::kFolderLink | 9, 0}),
+                 InvalidImageException);
 }
 
 /// The leaf X, then the folder X with Y in it, as a saved form can hold them.

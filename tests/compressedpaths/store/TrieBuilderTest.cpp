@@ -29,14 +29,14 @@ struct Shape {
     TrieBuilder builder() const { return {structure, keys.size()}; }
 };
 
-std::string listing(const PathArena& arena, PathArena::Id folder = PathArena::kRoot) {
+std::string decodedListing(const PathArena& arena, PathArena::Id folder = PathArena::kRoot) {
     std::string line;
     std::uint32_t left = arena.childCount(folder);
     if (left == 0) return line;
     for (auto child = arena.firstChild(folder);; arena.advance(child)) {
         line += static_cast<char>(keyOf(arena.nameOf(child))[0]);
         const PathArena::Id inside = arena.folderAt(child);
-        if (inside != PathArena::kNone) line += '[' + listing(arena, inside) + ']';
+        if (inside != PathArena::kNone) line += '[' + decodedListing(arena, inside) + ']';
         if (--left == 0) return line;
     }
 }
@@ -52,7 +52,7 @@ TEST(TrieBuilder, buildsTheTrieOfTheShape) {
     EXPECT_EQ(builder.error(), TrieBuilder::Error::kNone);
     EXPECT_EQ(builder.nodeCount(), 7U);
     EXPECT_EQ(builder.leafCount(), 5U);
-    EXPECT_EQ(listing(*builder.build(TrieBuilder::Keys(shape.keys))), "a[bc[de]f]g");
+    EXPECT_EQ(decodedListing(*builder.build(TrieBuilder::Keys(shape.keys))), "a[bc[de]f]g");
 }
 
 TEST(TrieBuilder, buildsAnEmptyTrieFromNoBytes) {
@@ -61,7 +61,7 @@ TEST(TrieBuilder, buildsAnEmptyTrieFromNoBytes) {
     EXPECT_EQ(builder.error(), TrieBuilder::Error::kNone);
     const auto arena = builder.build(TrieBuilder::Keys(shape.keys));
     EXPECT_EQ(arena->folderCount(), 1U);
-    EXPECT_EQ(listing(*arena), "");
+    EXPECT_EQ(decodedListing(*arena), "");
 }
 
 TEST(TrieBuilder, takesKeysAfterTheirLengths) {
@@ -69,7 +69,8 @@ TEST(TrieBuilder, takesKeysAfterTheirLengths) {
     TrieBuilder builder = shape.builder();
     const Bytes bytes{0xEE, 1, 0, 'x', 1, 0, 'y'};
     const std::vector<std::uint64_t> lengthAt{1, 4};
-    EXPECT_EQ(listing(*builder.build(TrieBuilder::Keys(bytes.data(), lengthAt.data(), 2))), "xy");
+    EXPECT_EQ(decodedListing(*builder.build(TrieBuilder::Keys(bytes.data(), lengthAt.data(), 2))),
+              "xy");
 }
 
 TEST(TrieBuilder, followsTracksBeforeAnythingIsBuilt) {
@@ -108,7 +109,7 @@ TEST(TrieBuilder, putsFilesThatAreFoldersNowInOneRun) {
     TrieBuilder builder = shape.builder();
     builder.markFiles(0, 0, 2);
     const auto arena = builder.build(TrieBuilder::Keys(shape.keys));
-    EXPECT_EQ(listing(*arena), "a[bc[de]f]g");
+    EXPECT_EQ(decodedListing(*arena), "a[bc[de]f]g");
     const PathArena::Link run = builder.placeOf(0, 0).link;
     EXPECT_EQ(builder.placeOf(0, 1), (PathArena::Place{run, 1}));
     EXPECT_EQ(arena->runAt(run).count, 3U);  // f follows them
@@ -143,7 +144,7 @@ TEST(TrieBuilder, putsManyMarkedFoldersInOneRunWithSamples) {
     EXPECT_EQ(builder.placeOf(TrieBuilder::kRootNode, 39), (PathArena::Place{run, 29}));
     std::string expected;
     for (std::size_t i = 0; i < kCount; ++i) expected += "A[x]";
-    EXPECT_EQ(listing(*arena), expected);
+    EXPECT_EQ(decodedListing(*arena), expected);
 }
 
 TEST(TrieBuilder, ignoresMarksBeyondTheChildren) {
@@ -155,7 +156,7 @@ TEST(TrieBuilder, ignoresMarksBeyondTheChildren) {
     builder.markFiles(1, 0, 5);
     builder.markFiles(0, 0, 0);
     const auto arena = builder.build(TrieBuilder::Keys(shape.keys));
-    EXPECT_EQ(listing(*arena), "a[bc[de]f]g");
+    EXPECT_EQ(decodedListing(*arena), "a[bc[de]f]g");
     EXPECT_EQ(builder.placeOf(0, 1).index, 1U);
 }
 
@@ -165,7 +166,7 @@ TEST(TrieBuilder, makesAFolderOfALeafThatIsMarkedAsOne) {
     builder.markFolder(6);
     builder.markFolder(6);
     const auto arena = builder.build(TrieBuilder::Keys(shape.keys));
-    EXPECT_EQ(listing(*arena), "a[bc[de]f]g[]");
+    EXPECT_EQ(decodedListing(*arena), "a[bc[de]f]g[]");
     EXPECT_EQ(keyOf(arena->nameOf(builder.folderOf(6))), key('g'));
     EXPECT_EQ(arena->childCount(builder.folderOf(6)), 0U);
 }
@@ -175,7 +176,7 @@ TEST(TrieBuilder, buildsWhatStandsBeforeAnUnknownNode) {
     TrieBuilder builder = shape.builder();
     EXPECT_EQ(builder.error(), TrieBuilder::Error::kUnknownNodeType);
     EXPECT_EQ(builder.nodeCount(), 3U);
-    EXPECT_EQ(listing(*builder.build(TrieBuilder::Keys(shape.keys))), "a[bc]");
+    EXPECT_EQ(decodedListing(*builder.build(TrieBuilder::Keys(shape.keys))), "a[bc]");
     EXPECT_THROW(TrieBuilder::raise(builder.error()), UnknownNodeTypeException);
 }
 
@@ -189,7 +190,8 @@ TEST(TrieBuilder, buildsWhatThereIsOfAShapeThatEnds) {
             const auto structure = std::span(whole.structure).first(cutsKeys ? 7 : size);
             TrieBuilder builder(structure, keyCount);
             EXPECT_EQ(builder.error(), TrieBuilder::Error::kIncomplete);
-            EXPECT_EQ(listing(*builder.build(TrieBuilder::Keys(whole.keys))), expected[size]);
+            EXPECT_EQ(decodedListing(*builder.build(TrieBuilder::Keys(whole.keys))),
+                      expected[size]);
         }
     }
     EXPECT_THROW(TrieBuilder::raise(TrieBuilder::Error::kIncomplete), IncompleteTrieException);
@@ -199,7 +201,7 @@ TEST(TrieBuilder, leavesOutWhatFollowsTheLastNode) {
     const Shape shape({kLast, kLast, 9}, "abc");
     TrieBuilder builder = shape.builder();
     EXPECT_EQ(builder.error(), TrieBuilder::Error::kNone);
-    EXPECT_EQ(listing(*builder.build(TrieBuilder::Keys(shape.keys))), "a");
+    EXPECT_EQ(decodedListing(*builder.build(TrieBuilder::Keys(shape.keys))), "a");
 }
 
 TEST(TrieBuilder, buildsADeepTrieWithoutACallForEachLevel) {

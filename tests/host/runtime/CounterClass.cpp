@@ -20,7 +20,7 @@ using kobj::COSInterfacePtr;
 
 namespace {
 
-constexpr const char* kFullName = "korvex.tests.Counter";
+constexpr const char* kCounterName = "korvex.tests.Counter";
 
 struct Counter {
     double total = 0;
@@ -36,7 +36,7 @@ struct Counter {
 };
 
 Counter& counterOf(const kobj::COSInterface& object) {
-    return *static_cast<Counter*>(object.getInstanceData(kFullName));
+    return *static_cast<Counter*>(object.getInstanceData(kCounterName));
 }
 
 Counter& counterOf(const kxArray* object) {
@@ -59,7 +59,7 @@ double address(const kxArray* array) {
 
 // --- Methods.
 
-void construct(Call call) {
+void constructCounter(Call call) {
     Counter& counter = counterOf(call.outputs[0]);
     if (call.inputCount > 0) counter.setTotal(kxGetNumber(call.inputs[0], 0));
     if (call.inputCount > 1) counter.unit = matrix::get_ustring(call.inputs[1]);
@@ -153,9 +153,9 @@ void CounterClassInfo::initializeClass(kobj::COSClass* newClass, const kobj::COS
                                LibraryMethod::Parameters outputs, LibraryMethod::Body body) {
         newClass->addMethod(new LibraryMethod(name, std::move(inputs), std::move(outputs), body));
     };
-    const kobj::COSParameter self{kFullName, "counter"};
+    const kobj::COSParameter self{kCounterName, "counter"};
     addMethod("Counter", {{"double scalar", "total", true}, {"char", "unit", true}},
-              {{kFullName, "counter"}}, construct);
+              {{kCounterName, "counter"}}, constructCounter);
     addMethod("add", {self, {"double vector", "amounts"}}, {{"double scalar", "total"}}, add);
     addMethod("addressesOf", {self, {"cell", "texts"}, {"double", "numbers"}, {"any", ""}},
               {{"any", "texts"}, {"any", "numbers"}, {"any", ""}}, addressesOf);

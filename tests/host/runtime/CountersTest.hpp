@@ -49,6 +49,10 @@ inline Array number(double value) {
     return numbers(std::vector<double>{value});
 }
 
+inline double numberIn(const Array& array) {
+    return kxGetNumber(array.get(), 0);
+}
+
 template <class... Arrays>
 Array cellOf(Arrays... elements) {
     std::vector<Array> all;

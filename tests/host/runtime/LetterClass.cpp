@@ -7,16 +7,16 @@
 namespace counters {
 namespace {
 
-constexpr const char* kFullName = "korvex.tests.Letter";
+constexpr const char* kLetterName = "korvex.tests.Letter";
 
 /// The saved text, shared with whoever gave it: a letter only reads it.
 using Letter = kobj::COSValue;
 
 Letter& letterOf(const kobj::COSInterface& object) {
-    return *static_cast<Letter*>(object.getInstanceData(kFullName));
+    return *static_cast<Letter*>(object.getInstanceData(kLetterName));
 }
 
-void construct(Call call) {
+void constructLetter(Call call) {
     if (call.inputCount == 0) return;
     letterOf(*kobj::omGetArrayElement(call.outputs[0], 0)) =
         Letter(kxArrayPtr(kxDuplicateArray(call.inputs[0])));
@@ -36,10 +36,10 @@ void isSameAs(Call call) {
 void LetterClassInfo::initializeClass(kobj::COSClass* newClass, const kobj::COSClient*) {
     using Parameters = LibraryMethod::Parameters;
     newClass->addMethod(new LibraryMethod("Letter", Parameters{{"char", "text", true}},
-                                          Parameters{{kFullName, ""}}, construct));
-    newClass->addMethod(new LibraryMethod("isSameAs",
-                                          Parameters{{kFullName, "letter"}, {kFullName, "other"}},
-                                          Parameters{{"logical scalar", ""}}, isSameAs));
+                                          Parameters{{kLetterName, ""}}, constructLetter));
+    newClass->addMethod(
+        new LibraryMethod("isSameAs", Parameters{{kLetterName, "letter"}, {kLetterName, "other"}},
+                          Parameters{{"logical scalar", ""}}, isSameAs));
 }
 
 void* LetterClassInfo::allocateInstance(kobj::COSInterface*) {

@@ -11,10 +11,6 @@
 namespace korvex {
 namespace {
 
-double numberIn(const Array& array) {
-    return kxGetNumber(array.get(), 0);
-}
-
 double addressOf(const Array& array) {
     return static_cast<double>(std::bit_cast<std::uintptr_t>(array.get()));
 }

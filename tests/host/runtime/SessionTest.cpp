@@ -14,10 +14,6 @@
 namespace korvex {
 namespace {
 
-double numberIn(const Array& array) {
-    return kxGetNumber(array.get(), 0);
-}
-
 Failure failureOfLoading(const std::string& path) {
     return failureOf([&] { Session().loadLibrary(path); });
 }

@@ -25,12 +25,6 @@ using testing::HasSubstr;
 using Numbers = std::vector<std::uint64_t>;
 
 /// Six paths in three segments.
-SegmentedSet sample() {
-    return SegmentedSet({{SegmentForm::kImage, {"/usr/bin/a", "/usr/bin/b"}},
-                         {SegmentForm::kPacked, {"plain", "/usr/lib/caf\xC3\xA9\xFF"}},
-                         {SegmentForm::kImage, {"/usr/bin/b", "a//b/"}}});
-}
-
 class CSets : public testing::Test {
 protected:
     void expectFailure(zqp_status status, zqp_status expected, const std::string& text) const {
@@ -43,7 +37,7 @@ protected:
                       made_.file() + ": there is no path number " + number + ", the set has 6");
     }
 
-    SegmentedSet made_ = sample();
+    SegmentedSet made_ = sampleSet();
     OpenedByC opened_{made_.file()};
     const zqp_set* set_ = opened_.get();
 };

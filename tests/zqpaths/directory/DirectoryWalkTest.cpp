@@ -16,6 +16,7 @@
 
 #include "tests/support/OrdinaryUser.hpp"
 #include "tests/support/TemporaryTree.hpp"
+#include "tests/zqpaths/directory/Walked.hpp"
 
 namespace zqpaths {
 namespace {
@@ -24,21 +25,6 @@ using test_support::OrdinaryUser;
 using test_support::TemporaryTree;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-struct Walked {
-    std::vector<std::string> paths;
-    std::vector<std::string> errors;  // "PATH: REASON"
-};
-
-Walked walk(const std::string& root, const WalkOptions& options = {}) {
-    Walked walked;
-    walkDirectory(
-        root, options, [&](std::string_view path) { walked.paths.emplace_back(path); },
-        [&](std::string_view path, std::string_view reason) {
-            walked.errors.push_back(std::string(path).append(": ").append(reason));
-        });
-    return walked;
-}
 
 /// What was walked in a tree, without the tree's own path.
 std::vector<std::string> below(const TemporaryTree& tree, const Walked& walked) {
@@ -54,7 +40,7 @@ TEST(DirectoryWalk, givesFilesInByteOrderBeforeSubdirectories) {
     const TemporaryTree tree;
     for (const char* name : {"b/z", "b/a/q", "a/x", "z", "B", "a.txt", "\xFF", "\x01"})
         tree.addFile(name);
-    const Walked walked = walk(tree.path());
+    const Walked walked = walkWhole(tree.path());
     EXPECT_THAT(below(tree, walked),
                 ElementsAre("\x01", "B", "a.txt", "z", "\xFF", "a/x", "b/z", "b/a/q"));
     EXPECT_THAT(walked.errors, IsEmpty());
@@ -63,7 +49,7 @@ TEST(DirectoryWalk, givesFilesInByteOrderBeforeSubdirectories) {
 TEST(DirectoryWalk, givesNothingForAnEmptyDirectory) {
     const TemporaryTree tree;
     tree.addDirectory("a/b");
-    const Walked walked = walk(tree.path());
+    const Walked walked = walkWhole(tree.path());
     EXPECT_THAT(walked.paths, IsEmpty());
     EXPECT_THAT(walked.errors, IsEmpty());
 }
@@ -74,7 +60,7 @@ TEST(DirectoryWalk, givesNamesOfAnyBytes) {
     for (const std::string& name : {std::string("new\nline"), std::string("\xC3("), longest,
                                     std::string("-rf"), std::string("\xF0\x9F\x98\x80")})
         tree.addFile(name);
-    EXPECT_THAT(below(tree, walk(tree.path())),
+    EXPECT_THAT(below(tree, walkWhole(tree.path())),
                 ElementsAre("-rf", longest, "new\nline", "\xC3(", "\xF0\x9F\x98\x80"));
 }
 
@@ -83,25 +69,25 @@ TEST(DirectoryWalk, givesSymbolicLinksWithoutFollowingThem) {
     tree.addFile("a/x");
     tree.addSymbolicLink("loop", ".");
     tree.addSymbolicLink("nowhere", "none");
-    EXPECT_THAT(below(tree, walk(tree.path())), ElementsAre("loop", "nowhere", "a/x"));
+    EXPECT_THAT(below(tree, walkWhole(tree.path())), ElementsAre("loop", "nowhere", "a/x"));
 }
 
 TEST(DirectoryWalk, followsTheRootAndEndsItWithOneSeparator) {
     const TemporaryTree tree;
     tree.addFile("a/x");
     tree.addSymbolicLink("link", "a");
-    EXPECT_THAT(walk(tree.pathOf("link")).paths, ElementsAre(tree.pathOf("link/x")));
-    EXPECT_THAT(walk(tree.pathOf("a/")).paths, ElementsAre(tree.pathOf("a/x")));
-    EXPECT_THAT(walk(tree.pathOf("a//")).paths, ElementsAre(tree.pathOf("a//x")));
+    EXPECT_THAT(walkWhole(tree.pathOf("link")).paths, ElementsAre(tree.pathOf("link/x")));
+    EXPECT_THAT(walkWhole(tree.pathOf("a/")).paths, ElementsAre(tree.pathOf("a/x")));
+    EXPECT_THAT(walkWhole(tree.pathOf("a//")).paths, ElementsAre(tree.pathOf("a//x")));
 }
 
 TEST(DirectoryWalk, reportsARootThatIsNoDirectory) {
     const TemporaryTree tree;
     const std::string file = tree.addFile("file");
-    EXPECT_THAT(walk(file).errors, ElementsAre(file + ": Not a directory"));
+    EXPECT_THAT(walkWhole(file).errors, ElementsAre(file + ": Not a directory"));
     const std::string none = tree.pathOf("none");
-    EXPECT_THAT(walk(none).errors, ElementsAre(none + ": No such file or directory"));
-    EXPECT_THAT(walk("").errors, ElementsAre(": No such file or directory"));
+    EXPECT_THAT(walkWhole(none).errors, ElementsAre(none + ": No such file or directory"));
+    EXPECT_THAT(walkWhole("").errors, ElementsAre(": No such file or directory"));
 }
 
 TEST(DirectoryWalk, goesThreeThousandLevelsDownAndBackWithFewOpenFiles) {
@@ -114,8 +100,8 @@ TEST(DirectoryWalk, goesThreeThousandLevelsDownAndBackWithFewOpenFiles) {
     rlimit few = before;
     few.rlim_cur = 100;
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
-    const Walked walked = walk(tree.path(), {.jobs = 4});
-    const Walked alone = walk(tree.path());
+    const Walked walked = walkWhole(tree.path(), {.jobs = 4});
+    const Walked alone = walkWhole(tree.path());
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
     EXPECT_EQ(walked.paths, alone.paths);
 
@@ -136,7 +122,7 @@ TEST(DirectoryWalk, goesThroughAPathOfHundredsOfKilobytes) {
     constexpr std::size_t kLevels = 1000;
     const TemporaryTree tree;
     tree.addDeepLevels(kLevels, std::string(255, 'a'), "b");
-    const Walked walked = walk(tree.path());
+    const Walked walked = walkWhole(tree.path());
     EXPECT_THAT(walked.errors, IsEmpty());
     ASSERT_EQ(walked.paths.size(), kLevels + 1);
     EXPECT_EQ(walked.paths[0].size(), tree.path().size() + kLevels * 256 + 2);
@@ -149,7 +135,7 @@ TEST(DirectoryWalk, reportsAnUnreadableDirectoryAndGoesOn) {
     const OrdinaryUser user;
     if (::geteuid() == 0) GTEST_SKIP() << "root reads every directory, and cannot step down here";
 
-    const Walked walked = walk(tree.path());
+    const Walked walked = walkWhole(tree.path());
     EXPECT_THAT(below(tree, walked), ElementsAre("a/x", "z/x"));
     EXPECT_THAT(walked.errors, ElementsAre(tree.pathOf("closed") + ": Permission denied"));
 }
@@ -161,7 +147,7 @@ TEST(DirectoryWalk, listsADirectoryThatCannotBeEntered) {
     const OrdinaryUser user;
     if (::geteuid() == 0) GTEST_SKIP() << "root enters every directory, and cannot step down here";
 
-    const Walked walked = walk(tree.path());
+    const Walked walked = walkWhole(tree.path());
     EXPECT_THAT(below(tree, walked), ElementsAre("z", "listed/x"));
     EXPECT_THAT(walked.errors, ElementsAre(tree.pathOf("listed/sub") + ": Permission denied"));
 }
@@ -177,10 +163,10 @@ TEST(DirectoryWalk, givesTheSameForAnyNumberOfThreads) {
     }
     tree.allow("b", 0);
     const OrdinaryUser user;
-    const Walked alone = walk(tree.path());
+    const Walked alone = walkWhole(tree.path());
     ASSERT_GT(alone.paths.size(), 1000U);
     for (const unsigned jobs : {0U, 2U, 3U, 8U, 1000U}) {
-        const Walked together = walk(tree.path(), {.jobs = jobs});
+        const Walked together = walkWhole(tree.path(), {.jobs = jobs});
         EXPECT_EQ(together.paths, alone.paths) << jobs;
         EXPECT_EQ(together.errors, alone.errors) << jobs;
     }
@@ -204,8 +190,8 @@ TEST(DirectoryWalk, leavesOutHiddenNamesBelowTheRoot) {
     for (const char* name : {".root/.x", ".root/.a/y", ".root/b/z", ".root/b/.z", ".root/..."})
         tree.addFile(name);
     const std::string root = tree.pathOf(".root");
-    EXPECT_THAT(walk(root, {.skipHidden = true}).paths, ElementsAre(root + "/b/z"));
-    EXPECT_EQ(walk(root).paths.size(), 5U);
+    EXPECT_THAT(walkWhole(root, {.skipHidden = true}).paths, ElementsAre(root + "/b/z"));
+    EXPECT_EQ(walkWhole(root).paths.size(), 5U);
 }
 
 TEST(DirectoryWalk, followsLinksToDirectoriesInTheOrderOfTheirNames) {
@@ -214,7 +200,7 @@ TEST(DirectoryWalk, followsLinksToDirectoriesInTheOrderOfTheirNames) {
     tree.addSymbolicLink("root/b", "../other");
     tree.addSymbolicLink("root/file", "a/x");
     tree.addSymbolicLink("root/nowhere", "none");
-    const Walked walked = walk(tree.pathOf("root"), {.follow = true, .jobs = 2});
+    const Walked walked = walkWhole(tree.pathOf("root"), {.follow = true, .jobs = 2});
     EXPECT_THAT(below(tree, walked),
                 ElementsAre("root/file", "root/nowhere", "root/a/x", "root/b/y", "root/c/x"));
     EXPECT_THAT(walked.errors, IsEmpty());
@@ -226,7 +212,7 @@ TEST(DirectoryWalk, reportsALoopOfLinksAndGoesOn) {
     tree.addSymbolicLink("a/root/self", ".");
     tree.addSymbolicLink("a/root/up", "..");
     const std::string root = tree.pathOf("a/root");
-    const Walked walked = walk(root, {.follow = true});
+    const Walked walked = walkWhole(root, {.follow = true});
     EXPECT_THAT(below(tree, walked), ElementsAre("a/root/x", "a/root/z/x"));
     EXPECT_THAT(walked.errors,
                 ElementsAre(root + "/self: is " + root + ", in which it is: a loop",
@@ -238,7 +224,7 @@ TEST(DirectoryWalk, reportsALinkThatLeadsBackBelowTheRoot) {
     tree.addFile("a/b/x");
     tree.addSymbolicLink("a/b/up", "..");
     const std::string a = tree.pathOf("a");
-    const Walked walked = walk(tree.path(), {.follow = true});
+    const Walked walked = walkWhole(tree.path(), {.follow = true});
     EXPECT_THAT(below(tree, walked), ElementsAre("a/b/x"));
     EXPECT_THAT(walked.errors, ElementsAre(a + "/b/up: is " + a + ", in which it is: a loop"));
 }
@@ -248,7 +234,7 @@ TEST(DirectoryWalk, givesWhatTwoLinksLeadToTwice) {
     tree.addFile("data/x");
     tree.addSymbolicLink("one", "data");
     tree.addSymbolicLink("two", "data");
-    const Walked walked = walk(tree.path(), {.follow = true});
+    const Walked walked = walkWhole(tree.path(), {.follow = true});
     EXPECT_THAT(below(tree, walked), ElementsAre("data/x", "one/x", "two/x"));
     EXPECT_THAT(walked.errors, IsEmpty());
 }
@@ -263,10 +249,10 @@ TEST(DirectoryWalk, staysOnTheFileSystemOfTheRoot) {
     tree.addFile("a/x");
     tree.addSymbolicLink("other", "/proc/self/fd");
     const WalkOptions options{.follow = true, .oneFileSystem = true};
-    const Walked walked = walk(tree.path(), options);
+    const Walked walked = walkWhole(tree.path(), options);
     EXPECT_THAT(below(tree, walked), ElementsAre("a/x"));
     EXPECT_THAT(walked.errors, IsEmpty());
-    EXPECT_GT(walk(tree.path(), {.follow = true}).paths.size(), 1U);
+    EXPECT_GT(walkWhole(tree.path(), {.follow = true}).paths.size(), 1U);
 }
 
 TEST(DirectoryWalk, reportsDirectoriesThatVanishDuringTheWalkAndGoesOn) {

@@ -10,6 +10,7 @@
 
 #include "tests/support/OrdinaryUser.hpp"
 #include "tests/support/TemporaryTree.hpp"
+#include "tests/zqpaths/directory/Walked.hpp"
 #include "zqpaths/directory/DirectoryWalk.hpp"
 
 namespace zqpaths {
@@ -19,28 +20,6 @@ using test_support::OrdinaryUser;
 using test_support::TemporaryTree;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-struct Walked {
-    std::vector<std::string> paths;
-    std::vector<std::string> errors;  // "PATH: REASON"
-    LeftOutNames leftOut;
-
-    bool operator==(const Walked&) const = default;
-};
-
-WalkVisitors into(Walked& walked) {
-    return {.onError =
-                [&walked](std::string_view path, std::string_view reason) {
-                    walked.errors.push_back(std::string(path).append(": ").append(reason));
-                },
-            .onPath = [&walked](std::string_view path) { walked.paths.emplace_back(path); }};
-}
-
-Walked walkWhole(const std::string& root, const WalkOptions& options) {
-    Walked walked;
-    walked.leftOut = walkDirectory(root, options, into(walked));
-    return walked;
-}
 
 /// What is directly in a directory, or all; returns its sub-directories.
 std::vector<std::string> addPart(const std::string& root, const WalkPart& part,

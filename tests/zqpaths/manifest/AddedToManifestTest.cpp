@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -54,16 +53,6 @@ protected:
     std::string all_ = tree_.pathOf("folder/all.zqs");
 };
 
-Error errorOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const Error& error) {
-        return error;
-    }
-    ADD_FAILURE() << "nothing is thrown";
-    return {ErrorKind::kSystem, "", ""};
-}
-
 TEST_F(AddedToManifest, standInANewFileAndLeaveTheOthersAsTheyAre) {
     const std::string before = contentOf(tree_.pathOf("folder/a.zqp"));
     const PathSet opened = PathSet::open(all_);
@@ -85,10 +74,9 @@ TEST_F(AddedToManifest, haveTheNumbersAfterAllOthersAndMayBeMarked) {
     writer.add("w");
     EXPECT_EQ(writer.size(), 4U);
     writer.markGone(4);
-    const Error error = errorOf([&] { writer.markGone(2); });
-    EXPECT_EQ(error.kind(), ErrorKind::kWrongUse);
-    EXPECT_STREQ(error.what(),
-                 (all_ + ": is a set of sets, which cannot mark the paths of its files").c_str());
+    const Refusal error = refusalOf([&] { writer.markGone(2); });
+    EXPECT_EQ(error.kind, ErrorKind::kWrongUse);
+    EXPECT_EQ(error.text, all_ + ": is a set of sets, which cannot mark the paths of its files");
     EXPECT_THROW(writer.markGone(5), Error);
     writer.commit();
     const PathSet set = PathSet::open(all_);
@@ -154,7 +142,7 @@ TEST_F(AddedToManifest, keepRowsWhoseFilesAreMissing) {
     std::filesystem::rename(tree_.pathOf("folder/a.zqp"), elsewhere);
     add(all_, {"z"});
     EXPECT_EQ(PathSet::open(all_).path(3), "z");
-    EXPECT_EQ(errorOf([&] { static_cast<void>(PathSet::open(all_).path(1)); }).kind(),
+    EXPECT_EQ(refusalOf([&] { static_cast<void>(PathSet::open(all_).path(1)); }).kind,
               ErrorKind::kNotFound);
     std::filesystem::rename(elsewhere, tree_.pathOf("folder/a.zqp"));
     EXPECT_EQ(paths(), (Paths{"x", "y", "z"}));
@@ -164,9 +152,9 @@ TEST_F(AddedToManifest, areNotTakenByADamagedManifest) {
     std::string text = contentOf(all_);
     text.resize(text.size() - 5);
     writeContent(all_, text);
-    const Error error = errorOf([&] { PathSetWriter(all_, Mode::kAppend); });
-    EXPECT_EQ(error.kind(), ErrorKind::kDamaged);
-    EXPECT_THAT(error.what(), HasSubstr(all_ + ": "));
+    const Refusal error = refusalOf([&] { PathSetWriter(all_, Mode::kAppend); });
+    EXPECT_EQ(error.kind, ErrorKind::kDamaged);
+    EXPECT_THAT(error.text, HasSubstr(all_ + ": "));
     EXPECT_EQ(contentOf(all_), text);
     EXPECT_THAT(names(), testing::UnorderedElementsAre("a.zqp", "all.zqs"));
 }

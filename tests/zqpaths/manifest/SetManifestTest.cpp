@@ -42,7 +42,7 @@ std::string withMembers(const std::string& files, const std::string& rows) {
 }
 const std::string kOneFile = R"([{"path": "a", "sum": "0123456789abcdef"}])";
 
-Error refusalOf(const std::string& text) {
+Error refusalOfText(const std::string& text) {
     try {
         decodeManifest(text);
     } catch (const Error& error) {
@@ -71,12 +71,12 @@ TEST(SetManifest, mayBeLaidOutOtherwiseAndHaveMembersOfItsOwner) {
 TEST(SetManifest, refusesWhatIsNone) {
     for (const char* const text :
          {"", "{", "[]", "{}", R"({"zqs": "1"})", R"({"files": []})", "nul"})
-        EXPECT_EQ(refusalOf(text).kind(), ErrorKind::kNotASet) << text;
-    EXPECT_STREQ(refusalOf("{}").what(), "is no set of sets: it has no version \"zqs\"");
+        EXPECT_EQ(refusalOfText(text).kind(), ErrorKind::kNotASet) << text;
+    EXPECT_STREQ(refusalOfText("{}").what(), "is no set of sets: it has no version \"zqs\"");
 }
 
 TEST(SetManifest, refusesALaterVersion) {
-    const Error refusal = refusalOf(R"({"zqs": 2, "files": 7})");
+    const Error refusal = refusalOfText(R"({"zqs": 2, "files": 7})");
     EXPECT_EQ(refusal.kind(), ErrorKind::kNotASet);
     EXPECT_STREQ(refusal.what(), "is a set that needs a newer version of this program");
 }
@@ -110,7 +110,7 @@ TEST(SetManifest, saysWhatCannotBeAndWhere) {
         std::pair{withMembers(kOneFile, "[[0, 0, 1, 4611686018427387903, 0], [0, 1, 1, 1, 0]]"),
                   "row 1 has counts that cannot be"}};
     for (const auto& [text, reason] : cases) {
-        const Error refusal = refusalOf(text);
+        const Error refusal = refusalOfText(text);
         EXPECT_EQ(refusal.kind(), ErrorKind::kDamaged) << text;
         EXPECT_STREQ(refusal.what(), reason) << text;
     }

@@ -128,7 +128,7 @@ void answer(Member& member, const OwnSegments& own) {
         member.send(0, own.numbersOf(batch));
 }
 
-ExitStatus number(Team& team, const NumberOptions& options) {
+ExitStatus numberPaths(Team& team, const NumberOptions& options) {
     if (options.paths.empty() && !options.list) throw wrongUse("PATH or --list is required");
     const PathSet set = openOnAll(team, options.set, options.partial);
     Output output(options.output,
@@ -180,7 +180,7 @@ Verb numberVerb(Team& team) {
         .options = rows(setArgument(options->set), std::move(paths), std::move(list),
                         std::move(nulDelimited), partialOption(options->partial),
                         outputOptions(options->output), messageOptions(options->messages)),
-        .run = [&team, options] { return number(team, *options); }};
+        .run = [&team, options] { return numberPaths(team, *options); }};
 }
 
 }  // namespace zqpaths::program::mpi

@@ -42,7 +42,7 @@ private:
 };
 
 /// The character at the front of `units`, which is removed.
-char32_t takeCharacter(std::u16string_view& units) {
+char32_t takeCodePoint(std::u16string_view& units) {
     constexpr char16_t kFirstHigh = 0xD800;
     constexpr char16_t kFirstLow = 0xDC00;
     constexpr char32_t kFirstOfPairs = 0x10000;
@@ -100,7 +100,7 @@ std::size_t cellsOf(std::string_view text) {
     appendUtf16(text, units);
     std::size_t cells = 0;
     for (std::u16string_view rest = units; !rest.empty();)
-        cells += Utf8Locale::cellsOf(takeCharacter(rest));
+        cells += Utf8Locale::cellsOf(takeCodePoint(rest));
     return cells;
 }
 
@@ -115,7 +115,7 @@ std::string cutToCells(std::string_view text, std::size_t width, const DrawingSt
     std::u16string_view rest = units;
     std::size_t kept = 0;
     for (std::size_t cells = 0; !rest.empty(); kept = units.size() - rest.size()) {
-        cells += Utf8Locale::cellsOf(takeCharacter(rest));
+        cells += Utf8Locale::cellsOf(takeCodePoint(rest));
         if (cells + markCells > width) break;
     }
     std::string cut;

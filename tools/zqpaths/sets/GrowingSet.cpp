@@ -13,8 +13,10 @@ namespace zqpaths::program {
 namespace {
 
 // Measured with the lists that bench/RESULTS.md names. Most paths are coded while others are read.
-enum Phase : std::size_t { kReading, kCoding, kWriting };
-std::vector<WorkPhase> phases() {
+struct GrowingPhase {
+    enum : std::size_t { kReading, kCoding, kWriting };
+};
+std::vector<WorkPhase> growingPhases() {
     return {{"reading", WorkUnit::kPaths, 5},
             {"coding", WorkUnit::kPaths, 4},
             {"writing", WorkUnit::kPaths, 1}};
@@ -32,7 +34,7 @@ void tellSizeOfSet(const std::string& file, std::uint64_t size) {
 GrowingSet::GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::string work,
                        const MessageOptions& messages, std::optional<std::uint64_t> total,
                        PathSetWriter::Form form)
-    : GrowingSet(file, mode, std::move(work), messages, form, phases()) {
+    : GrowingSet(file, mode, std::move(work), messages, form, growingPhases()) {
     if (total) progress_.expect(*total);
 }
 
@@ -55,7 +57,7 @@ GrowingSet::GrowingSet(const std::string& file, PathSetWriter::Mode mode, std::s
     writer_.emplace(file, mode, form);
     sizeBefore_ = writer_->size();
     writer_->watch([this](WorkStep step, std::uint64_t items) {
-        if (step == WorkStep::kCoding) progress_.advancePhase(kCoding, items);
+        if (step == WorkStep::kCoding) progress_.advancePhase(GrowingPhase::kCoding, items);
         if (step == WorkStep::kSumming) progress_.advance(items);
         if (step == WorkStep::kSyncing) progress_.begin(lastPhase_);
     });
@@ -68,7 +70,8 @@ void GrowingSet::save() {
 
 void GrowingSet::saveQuietly() {
     DeferredSignals::throwIfOneCame();
-    if (lastPhase_ > kCoding) progress_.begin(kCoding, writer_->size() - sizeBefore_);
+    if (lastPhase_ > GrowingPhase::kCoding)
+        progress_.begin(GrowingPhase::kCoding, writer_->size() - sizeBefore_);
     writer_->commit();
 }
 

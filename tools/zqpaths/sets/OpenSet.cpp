@@ -15,7 +15,7 @@ namespace zqpaths::program {
 namespace {
 
 /// "12 paths are missing, numbers 4 to 15"; where others stand between them "among the numbers".
-std::string textOf(const MissingFile& file) {
+std::string lineAbout(const MissingFile& file) {
     const auto [first, last] = file.numbers;
     if (file.count == 1) return "1 path is missing, number " + groupDigits(first);
     return groupDigits(file.count) + " paths are missing, " +
@@ -50,7 +50,7 @@ PathSet openSet(const std::string& file, bool isPartial) {
     if (!isPartial) return PathSet::open(file);
     PathSet set = PathSet::openPartial(file);
     for (const MissingFile& missing : missingFilesOf(set))
-        tell(printableText(missing.reason->what()) + "; " + textOf(missing));
+        tell(printableText(missing.reason->what()) + "; " + lineAbout(missing));
     return set;
 }
 

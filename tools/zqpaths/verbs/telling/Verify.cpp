@@ -29,10 +29,12 @@ struct VerifyOptions {
     MessageOptions messages;
 };
 
-enum Phase : std::size_t { kSumming, kReading, kComparing };
+struct VerifyPhase {
+    enum : std::size_t { kSumming, kReading, kComparing };
+};
 
 /// Measured with the lists that bench/RESULTS.md names, in memory.
-std::vector<WorkPhase> phases(bool isDiskCompared) {
+std::vector<WorkPhase> verifyPhases(bool isDiskCompared) {
     std::vector<WorkPhase> phases{{"summing", WorkUnit::kBytes, 1},
                                   {"reading", WorkUnit::kPaths, 9}};
     if (isDiskCompared) phases.push_back({"comparing with the disk", WorkUnit::kPaths, 40});
@@ -54,9 +56,10 @@ std::vector<Error> damagesOf(const PathSet& set, Progress& progress) {
     if (const std::optional<std::uint64_t> size = bytesToSum(set)) progress.expect(*size);
     const std::uint64_t pathCount = set.size() - missingPathCountOf(set);
     return set.verify([&](WorkStep step, std::uint64_t items) {
-        if (step == WorkStep::kReading) progress.begin(kReading, pathCount);
+        if (step == WorkStep::kReading) progress.begin(VerifyPhase::kReading, pathCount);
         // Of several files one is summed after another has been read.
-        progress.advancePhase(step == WorkStep::kReading ? kReading : kSumming, items);
+        progress.advancePhase(
+            step == WorkStep::kReading ? VerifyPhase::kReading : VerifyPhase::kSumming, items);
     });
 }
 
@@ -69,7 +72,7 @@ struct DiskResult {
 DiskResult compareWithDisk(const PathSet& set, Output& output, Progress& progress) {
     DiskResult result;
     const WantedPaths wanted(set, false);
-    progress.begin(kComparing, set.size() - missingPathCountOf(set));
+    progress.begin(VerifyPhase::kComparing, set.size() - missingPathCountOf(set));
     set.forEach([&](std::uint64_t number, std::string_view path) {
         if (!wanted.has(number)) return;
         try {
@@ -94,7 +97,7 @@ ExitStatus statusOf(const DiskResult& result) {
 ExitStatus verify(const VerifyOptions& options) {
     const PathSet set = openSet(options.set, options.partial);
     Output output(options.output, {.isQuiet = options.messages.quiet});
-    Progress progress("verifying", phases(options.disk), options.messages);
+    Progress progress("verifying", verifyPhases(options.disk), options.messages);
     VerifiedSet verified{options.set, set.size()};
     if (options.partial) verified.unreadCount = missingPathCountOf(set);
     requireNoDamage(verified, damagesOf(set, progress), options.output, output);

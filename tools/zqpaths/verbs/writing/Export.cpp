@@ -28,10 +28,12 @@ struct ExportOptions {
     MessageOptions messages;
 };
 
-enum Phase : std::size_t { kReading, kCoding, kPacking, kWriting };
+struct ExportPhase {
+    enum : std::size_t { kReading, kCoding, kPacking, kWriting };
+};
 
 /// Measured with the lists that bench/RESULTS.md names; packing cannot be counted.
-std::vector<WorkPhase> phases() {
+std::vector<WorkPhase> exportPhases() {
     return {{"reading", WorkUnit::kPaths, 4},
             {"coding", WorkUnit::kPaths, 10},
             {"packing", WorkUnit::kPaths, 90},
@@ -53,14 +55,14 @@ ExitStatus exportSet(const ExportOptions& options) {
     if (!options.force)
         for (const std::string& file : {files.treeString, files.pathTree}) requireFree(file);
     const PathSet set = openSet(options.set);
-    Progress progress("exporting", phases(), options.messages);
+    Progress progress("exporting", exportPhases(), options.messages);
     progress.expect(set.size());
     const SavedPieces pieces = exportPieces(set, [&](WorkStep step, std::uint64_t items) {
-        if (step == WorkStep::kPacking) progress.begin(kPacking);
-        if (step == WorkStep::kCoding) progress.begin(kCoding, set.size());
+        if (step == WorkStep::kPacking) progress.begin(ExportPhase::kPacking);
+        if (step == WorkStep::kCoding) progress.begin(ExportPhase::kCoding, set.size());
         progress.advance(items);
     });
-    progress.begin(kWriting);
+    progress.begin(ExportPhase::kWriting);
     writeWholeFiles({{files.treeString, pieces.treeString}, {files.pathTree, pieces.pathTree}},
                     options.force);
     if (set.goneCount() > 0 && !options.messages.quiet)
