@@ -101,9 +101,28 @@ void SystemFile::takeRightsOf(const struct stat& other) {
 }
 
 bool SystemFile::tryLock() {
-    if (uninterrupted([&] { return ::flock(number(), LOCK_EX | LOCK_NB); }) == 0) return true;
+    if (uninterrupted([&] { return ::flock(number(), LOCK_EX | LOCK_NB); }) == 0) {
+        lockedBy_ = ::getpid();
+        return true;
+    }
     if (errno == EWOULDBLOCK) return false;
     throw systemError(name_, errno);
+}
+
+void SystemFile::close() noexcept {
+    // A forked child has the file open, too, and the lock with it: closing alone would leave it
+    // there, and a child that closes must not take it from its parent.
+    if (lockedBy_ != 0 && lockedBy_ == ::getpid()) ::flock(number(), LOCK_UN);
+    lockedBy_ = 0;
+    descriptor_.close();
+}
+
+SystemFile& SystemFile::operator=(SystemFile&& other) noexcept {
+    close();
+    descriptor_ = std::move(other.descriptor_);
+    name_ = std::move(other.name_);
+    lockedBy_ = std::exchange(other.lockedBy_, 0);
+    return *this;
 }
 
 void requireRegularFile(const SystemFile& file) {

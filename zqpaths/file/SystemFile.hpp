@@ -9,11 +9,13 @@
 // Threads: reading may go on on any number of threads; all else belongs to one thread at a time.
 
 #include <sys/stat.h>
+#include <sys/types.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "zqpaths/file/FileDescriptor.hpp"
 
@@ -23,6 +25,9 @@ class SystemFile {
 public:
     /// Of no open file.
     SystemFile() noexcept = default;
+    SystemFile(SystemFile&& other) noexcept { *this = std::move(other); }
+    SystemFile& operator=(SystemFile&& other) noexcept;
+    ~SystemFile() { close(); }
 
     /// Opens with flags of open(2), besides O_CLOEXEC. A new file may be read and written by those
     /// whom the mask of the process allows it. Throws Error.
@@ -56,14 +61,15 @@ public:
     void takeRightsOf(const struct stat& other);
 
     /// Locks the file for this one among all that are open, in any process; false if another has
-    /// it. The lock goes when the file is closed.
+    /// it. The lock goes when this process closes the file, or ends with all that it forked since.
     bool tryLock();
 
-    void close() noexcept { descriptor_.close(); }
+    void close() noexcept;
 
 private:
     FileDescriptor descriptor_;
     std::string name_;
+    pid_t lockedBy_ = 0;  // by none of this
 };
 
 /// Throws Error kNotASet if it is a directory, a device or a pipe.

@@ -3,8 +3,11 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -80,6 +83,58 @@ TEST_F(AFileLock, saysWhoHasIt) {
     const std::string holder = program + " (process " + std::to_string(::getpid()) + ")";
     EXPECT_EQ(holderOf(*first), holder);
     EXPECT_EQ(refusalOf([&] { lock(); }).text, "f: is held by " + holder);
+}
+
+/// A forked process that does something and lives until this goes.
+class Child {
+public:
+    template <class Work>
+    explicit Child(Work work) {
+        std::array<int, 2> done{};
+        EXPECT_EQ(::pipe(done.data()), 0);
+        process_ = ::fork();
+        if (process_ == 0) {
+            work();
+            ::close(done[1]);
+            while (true) ::pause();
+        }
+        ::close(done[1]);
+        char none = 0;
+        EXPECT_EQ(::read(done[0], &none, 1), 0);  // until the child has closed its end
+        ::close(done[0]);
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child() {
+        ::kill(process_, SIGKILL);
+        ::waitpid(process_, nullptr, 0);
+    }
+
+private:
+    pid_t process_ = 0;
+};
+
+TEST_F(AFileLock, isGivenUpThoughAForkedChildHasTheFileOpen) {
+    auto first = lock();
+    const Child child([] {});
+    EXPECT_EQ(refusalOf([&] { lock(); }).kind, ErrorKind::kHeld);
+    first.reset();
+    EXPECT_TRUE(lock());
+}
+
+TEST_F(AFileLock, isKeptWhenAForkedChildClosesTheFile) {
+    auto first = lock();
+    const Child child([&] { first.reset(); });
+    EXPECT_EQ(refusalOf([&] { lock(); }).kind, ErrorKind::kHeld);
+}
+
+TEST_F(AFileLock, isGivenUpWhenAnotherFileTakesItsPlace) {
+    auto file = lock();
+    ASSERT_TRUE(file);
+    SystemFile moved = std::move(*file);
+    EXPECT_EQ(refusalOf([&] { lock(); }).kind, ErrorKind::kHeld);
+    moved = SystemFile();
+    EXPECT_TRUE(lock());
 }
 
 TEST_F(AFileLock, isHeldByAnotherProgramIfTheSystemDoesNotTell) {
