@@ -2,19 +2,11 @@
 // in slots that say where they belong, so that the result does not depend on who is done first.
 // Nothing else stands here: a program that codes batches itself is not linked with oneTBB.
 
-#ifdef ZQ_PLAIN_THREADS
-#include <atomic>
-#include <exception>
-#include <thread>
-#else
-#include <oneapi/tbb/blocked_range.h>
-#include <oneapi/tbb/parallel_for.h>
-#endif
-
 #include <algorithm>
 #include <memory>
 
 #include "compressedpaths/HuffmanPathTree.hpp"
+#include "compressedpaths/ParallelLoop.hpp"
 
 namespace compressedpaths {
 namespace {
@@ -24,47 +16,6 @@ using Names = std::vector<std::u16string>;
 /// Entries and names of a batch that a thread codes sooner than it wakes others.
 constexpr std::size_t kFewEntries = 64;
 constexpr std::size_t kFewNames = 512;
-
-#ifdef ZQ_PLAIN_THREADS
-
-/// Calls `code(first, end)` for parts of 0 to count, on plain threads: the thread sanitizer cannot
-/// see how the library that is used otherwise orders its work.
-template <class Code>
-void codeInParallel(std::size_t count, Code code) {
-    const std::size_t threads = std::max(2U, std::thread::hardware_concurrency());
-    const std::size_t size = std::max<std::size_t>(1, count / (4 * threads));
-    std::atomic<std::size_t> next{0};
-    std::vector<std::exception_ptr> errors(threads);
-    {
-        std::vector<std::jthread> workers;
-        for (std::exception_ptr& error : errors)
-            workers.emplace_back([&next, &error, &code, count, size] {
-                try {
-                    for (std::size_t i = next.fetch_add(size); i < count; i = next.fetch_add(size))
-                        code(i, std::min(i + size, count));
-                } catch (...) {
-                    error = std::current_exception();
-                }
-            });
-    }
-    for (const std::exception_ptr& error : errors)
-        if (error) std::rethrow_exception(error);
-}
-
-#else
-
-/// Calls `code(first, end)` for parts of 0 to count, which together are all of it. The first
-/// exception of a worker stops the others and is thrown here.
-template <class Code>
-void codeInParallel(std::size_t count, const Code& code) {
-    using Range = tbb::blocked_range<std::size_t>;
-    tbb::task_group_context context;
-    tbb::parallel_for(
-        Range(0, count, 1), [&code](const Range& range) { code(range.begin(), range.end()); },
-        tbb::auto_partitioner(), context);
-}
-
-#endif
 
 bool hasFewNames(const std::vector<Names>& folders, const std::vector<Names>& files) noexcept {
     if (folders.size() >= kFewEntries) return false;
@@ -111,7 +62,7 @@ void HuffmanPathTree::generateCodeAsyncAndAddPaths(
         if (hasFewNames(folders, files))
             code(0, folders.size());
         else
-            codeInParallel(folders.size(), code);
+            inParallel(folders.size(), code);
 
         std::vector<const CodedBatch*> batches;
         for (const std::unique_ptr<CodedBatch>& batch : slots)

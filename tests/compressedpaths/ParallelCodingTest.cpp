@@ -1,10 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#ifndef ZQ_PLAIN_THREADS
 #include <oneapi/tbb/global_control.h>
 #include <oneapi/tbb/task_arena.h>
-#endif
 
 #include "tests/support/PathSets.hpp"
 #include "tests/support/Peers.hpp"
@@ -53,8 +51,6 @@ TEST(ParallelCoding, givesTheBytesOfSerialCoding) {
               HuffmanPathTreePeer::maxCodeBytes(serial));
 }
 
-#ifndef ZQ_PLAIN_THREADS
-
 TEST(ParallelCoding, givesTheSameBytesWhateverTheNumberOfThreads) {
     HuffmanPathTree serial;
     makeCode(serial);
@@ -71,8 +67,6 @@ TEST(ParallelCoding, givesTheSameBytesWhateverTheNumberOfThreads) {
         });
     }
 }
-
-#endif
 
 TEST(ParallelCoding, addsEntriesInTheirOrder) {
     HuffmanPathTree set;
