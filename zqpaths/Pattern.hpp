@@ -28,7 +28,8 @@ public:
     enum class Case { kRespect, kIgnore };
 
     /// Throw Error kWrongUse, with the reason, if a pattern is not well formed or too large. RE2
-    /// compiles them, which is not made for a lack of memory: there is no going on after one here.
+    /// compiles all but texts whose case counts, and is not made for a lack of memory: there is no
+    /// going on after one then.
     static Pattern text(std::string_view text, Case letterCase = Case::kRespect);
     static Pattern glob(std::string_view glob, Case letterCase = Case::kRespect);
     static Pattern regex(std::string_view regex, Case letterCase = Case::kRespect);

@@ -86,6 +86,36 @@ TEST(FailingMemory, isAStatusOfASet) {
     EXPECT_GT(failEverywhere([&] { return readOne(file); }), 20U);
 }
 
+/// Everything that visits paths or tells of damage, with a visitor that counts.
+zqp_status visitAll(const std::string& file) {
+    zqp_set* set = nullptr;
+    zqp_status status = zqp_open(file.c_str(), &set);
+    int visits = 0;
+    const auto count = [](void* visited, std::uint64_t, const char*, std::size_t) {
+        ++*static_cast<int*>(visited);
+        return 0;
+    };
+    if (status == ZQP_OK) status = zqp_for_each(set, count, &visits);
+    if (status == ZQP_OK) status = zqp_for_range(set, 1, 1, count, &visits);
+    if (status == ZQP_OK) status = zqp_under(set, "usr", 3, count, &visits);
+    if (status == ZQP_OK) status = zqp_find(set, "bin", 3, ZQP_TEXT, count, &visits);
+    if (status == ZQP_OK) status = zqp_walk(set, count, &visits);
+    int isGone = 1;
+    if (status == ZQP_OK) status = zqp_is_gone(set, 1, &isGone);
+    const auto report = [](void*, const char* damage) { ADD_FAILURE() << damage; };
+    if (status == ZQP_OK) status = zqp_verify(set, report, nullptr);
+    EXPECT_TRUE(status != ZQP_OK || visits == 5) << visits;
+    zqp_close(set);
+    return status;
+}
+
+TEST(FailingMemory, isAStatusOfAllThatVisits) {
+    const test_support::TemporaryTree tree;
+    const std::string file = tree.pathOf("s.zqp");
+    ASSERT_EQ(writeOne(file), ZQP_OK);
+    EXPECT_GT(failEverywhere([&] { return visitAll(file); }), 50U);
+}
+
 TEST(FailingMemory, leavesATextForEachFailure) {
     const FailingHeap heap(1, Refused::kAllAfter);
     zqp_set* set = nullptr;
