@@ -19,6 +19,7 @@
 #include "tests/support/FailingSystemCalls.hpp"
 #include "tests/support/RecordedDisk.hpp"
 #include "tests/support/TemporaryTree.hpp"
+#include "tests/zqpaths/SavedPaths.hpp"
 #include "tests/zqpaths/file/SetFileChanges.hpp"
 #include "zqpaths/PathSetWriter.hpp"
 #include "zqpaths/manifest/SetManifestWriter.hpp"
@@ -231,24 +232,14 @@ Texts withMany(Texts paths) {
     return paths;
 }
 
-/// All paths; those that are gone in parentheses.
-SetFileContent pathsIn(const std::string& file) {
-    if (!std::filesystem::exists(file)) return std::nullopt;
-    const PathSet set = PathSet::open(file);
-    Texts paths;
-    for (const Error& damage : set.verify()) paths.emplace_back(damage.what());
-    set.forEach([&](std::uint64_t number, std::string_view path) {
-        paths.push_back(set.isGone(number) ? "(" + std::string(path) + ")" : std::string(path));
-        return true;
-    });
-    return paths;
-}
-
 Change changeOfPaths(const std::string& name, const std::string& file, Texts names) {
     Change change;
     change.name = name;
     change.names = std::move(names);
-    change.read = [=](const std::string& folder) { return pathsIn(folder + file); };
+    change.read = [=](const std::string& folder) {
+        if (std::filesystem::exists(folder + file)) expectWhole(folder + file);
+        return answeredPaths(folder + file);
+    };
     change.addNext = [=](const std::string& folder) {
         const bool isThere = std::filesystem::exists(folder + file);
         addPaths(folder + file,
