@@ -102,7 +102,7 @@ void RecordedDisk::putContent(const std::string& folder, const Content& content)
     for (const auto& entry : std::filesystem::directory_iterator(folder))
         std::filesystem::remove_all(entry.path());
     for (const auto& [name, bytes] : content) {
-        const std::string path = folder + "/" + name;
+        const auto path = std::filesystem::path(folder) / name;
         if (!bytes)
             std::filesystem::create_directory(path);
         else
