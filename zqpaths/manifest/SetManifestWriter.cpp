@@ -61,9 +61,11 @@ public:
         if (isCommitted_)
             throw Error(ErrorKind::kWrongUse, name_, "the writer has committed its sets already");
         const std::string text = encodeManifest(manifest_);
-        file_.commit([&text](SystemFile& file) {
+        file_.commit([&](SystemFile& file) {
             file.writeAt(0, std::as_bytes(std::span(text)));
             file.sync();
+            // A folder beside it that was made for the set files is there before they are named.
+            syncDirectoryOf(withoutLinks(name_), name_);
         });
         isCommitted_ = true;
     }

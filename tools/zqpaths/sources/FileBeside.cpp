@@ -53,6 +53,10 @@ void FileBeside::takePlace(bool mayReplace) {
     temporaryPath_.clear();
 }
 
+void FileBeside::takeBack() noexcept {
+    ::unlink(path_.c_str());
+}
+
 bool isSpecialFile(const std::string& path) {
     struct stat file {};
     return ::stat(path.c_str(), &file) == 0 && !S_ISREG(file.st_mode);

@@ -36,6 +36,9 @@ public:
     /// Gives the file its path, in the place of one that is there if it may replace it.
     void takePlace(bool mayReplace);
 
+    /// Removes a file that has taken its place and replaced none.
+    void takeBack() noexcept;
+
 private:
     std::string path_;
     std::string temporaryPath_;

@@ -23,6 +23,17 @@ FileDescriptor openFile(const std::string& path, int flags) {
     return file;
 }
 
+/// Gives all files their places. If one cannot have its own, none has that replaced nothing.
+void takePlaces(std::deque<FileBeside>& files, bool mayReplace) {
+    std::size_t taken = 0;
+    try {
+        for (; taken < files.size(); ++taken) files[taken].takePlace(mayReplace);
+    } catch (...) {
+        while (!mayReplace && taken > 0) files[--taken].takeBack();
+        throw;
+    }
+}
+
 }  // namespace
 
 std::vector<std::uint8_t> readWholeFile(const std::string& path) {
@@ -53,7 +64,7 @@ void writeWholeFiles(const std::vector<WholeFile>& files, bool mayReplace) {
         if (isSpecialFile(file.path))
             writeAll(openFile(file.path, O_WRONLY).number(), file.bytes.data(), file.bytes.size(),
                      file.path);
-    for (FileBeside& file : beside) file.takePlace(mayReplace);
+    takePlaces(beside, mayReplace);
 }
 
 }  // namespace zqpaths::program

@@ -20,7 +20,8 @@ struct WholeFile {
 
 /// Writes files that belong together. What is there is replaced, if it may be, when all new ones
 /// are whole, and nothing else is left also if a signal comes meanwhile; pipes and devices stay
-/// what they are and take the bytes. Throws Failure kFailed, as a rule before anything is replaced.
+/// what they are and take the bytes. Throws Failure kFailed, and where nothing may be replaced
+/// there is then no file; elsewhere as a rule before anything is replaced.
 void writeWholeFiles(const std::vector<WholeFile>& files, bool mayReplace);
 
 }  // namespace zqpaths::program
