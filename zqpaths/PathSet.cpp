@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "zqpaths/directory/ScanRecord.hpp"
 #include "zqpaths/search/PathsUnder.hpp"
 #include "zqpaths/search/PatternSearch.hpp"
 #include "zqpaths/set/OpenedSet.hpp"
@@ -97,6 +98,13 @@ void addDamage(std::vector<Error>& damages, Work work) {
     } catch (const Error& damage) {
         damages.push_back(damage);
     }
+}
+
+/// Of bytes whose sum does not hold, that is all there is to say.
+void verifyScans(const SetFile& file) {
+    const auto& block = file.state().directory.scans;
+    const std::span<const std::byte> record = file.bytesOf(block);
+    if (block && sumOf(record) == block->sum) decodeScans(record);
 }
 
 void verifySegments(const OpenedPart& part, const WorkWatcher& watch, std::vector<Error>& damages) {
@@ -363,6 +371,7 @@ std::vector<Error> PathSet::verifyFile(std::size_t place, const WorkWatcher& wat
         const std::shared_ptr<const SetFile> file = opened_->file(place);
         damages = file->verifySums(watch);
         addDamage(damages, [&] { file->naming([&] { gonePathsOf(*file).verify(); }); });
+        addDamage(damages, [&] { file->naming([&] { verifyScans(*file); }); });
     } catch (const Error& error) {
         // A set file that was opened and cannot be read is no damage; one that the set lacks is.
         if (opened_->onlyFile() != nullptr && error.kind() != ErrorKind::kDamaged) throw;

@@ -16,6 +16,7 @@
 #include "tests/zqpaths/SegmentedSets.hpp"
 #include "tests/zqpaths/set/OddPaths.hpp"
 #include "zqpaths/PathSetWriter.hpp"
+#include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths {
 namespace {
@@ -429,6 +430,22 @@ TEST(PathSet, refusesSegmentsThatAreNotWhatTheDirectorySays) {
     ASSERT_EQ(set.verify().size(), 1U);
     EXPECT_EQ(set.verify().front().what(),
               file + ": segment 1: its paths are 8 bytes of text, the directory says 100");
+}
+
+TEST(PathSet, verifiesWhatItRemembersOfDirectories) {
+    const test_support::TemporaryTree tree;
+    const std::string file = tree.pathOf("s.zqp");
+    ScanWriter scan({"/usr", 1, {}});
+    scan.add({});
+    EncodedScan damaged = std::move(scan).finish();
+    damaged.tree.assign(9, std::byte{0xFF});
+    PathSetWriter writer(file);
+    writer.add("/usr/a");
+    recordScans(writer, {damaged});
+    writer.commit();
+    const PathSet set = PathSet::open(file);
+    ASSERT_EQ(set.verify().size(), 1U);
+    EXPECT_EQ(set.verify().front().what(), refusalOf([&] { scansOf(set); }).text);
 }
 
 TEST(PathSet, isNotOpenedWithoutAFile) {

@@ -164,9 +164,10 @@ void putRow(Writer& writer, const ManifestRow& row) {
 
 SetManifest decodeManifest(std::string_view text) {
     // Names within names can be so deep that a parser which calls itself would need too much stack.
-    constexpr unsigned kFlags = rapidjson::kParseIterativeFlag |
-                                rapidjson::kParseValidateEncodingFlag |
-                                rapidjson::kParseFullPrecisionFlag;
+    // Fractions stand nowhere, so they need not be precise: the parser shifts a zero too far for
+    // that.
+    constexpr unsigned kFlags =
+        rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
     Document document;
     document.Parse<kFlags>(text.data(), text.size());
     if (document.HasParseError()) {
