@@ -13,11 +13,13 @@ TEST(Hashing, hasOneSeedInAProcess) {
 }
 
 TEST(HashingDeathTest, hasAnotherSeedInEachProcess) {
+    // One thread alone. NOLINTBEGIN(concurrency-mt-unsafe)
     GTEST_FLAG_SET(death_test_style, "threadsafe");  // which starts the program anew
     ::setenv("ZQ_FIRST_SEED", std::to_string(processSeed()).c_str(), 0);  // the second keeps it
     EXPECT_EXIT(std::exit(std::getenv("ZQ_FIRST_SEED") == std::to_string(processSeed()) ? 1 : 0),
                 ::testing::ExitedWithCode(0), "");
     ::unsetenv("ZQ_FIRST_SEED");
+    // NOLINTEND(concurrency-mt-unsafe)
 }
 
 TEST(Hashing, dependsOnTheSeed) {
