@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <barrier>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -61,6 +62,16 @@ TEST_F(SessionTest, terminatesItsLibrariesAtItsEnd) {
         EXPECT_EQ(terminations(), before);
     }
     EXPECT_EQ(terminations(), before + 1);
+}
+
+TEST_F(SessionTest, terminatesTheLibraryFirstThatWasLoadedLast) {
+    {
+        Session other;
+        other.loadLibrary(ZQ_FIRST_LIBRARY);
+        other.loadLibrary(ZQ_SECOND_LIBRARY);
+    }
+    EXPECT_STREQ(std::getenv("ZQ_ENDED"), "second;first;");  // NOLINT(concurrency-mt-unsafe)
+    ::unsetenv("ZQ_ENDED");                                  // NOLINT(concurrency-mt-unsafe)
 }
 
 TEST_F(SessionTest, leavesClassesAndObjectsOfALibraryUsableAfterItsEnd) {

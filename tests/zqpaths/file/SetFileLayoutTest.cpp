@@ -172,6 +172,18 @@ TEST(SetFileDirectory, comesBack) {
     EXPECT_EQ(stateOf(fileOf({})).directory, Directory{});
 }
 
+TEST(SetFileDirectory, hasTheFieldsOfASegmentInTheOrderOfTheFormat) {
+    const std::vector<std::byte> bytes =
+        encodeDirectory({{{SegmentForm::kPacked, 4096, 12, 3, 40, 8, 77}}, {}});
+    auto reader =
+        readerOf(std::span(bytes).subspan(16));  // past tag, flags and size of the section
+    EXPECT_EQ(reader.readInteger(4), 2U);        // the form, and four bytes that are kept
+    EXPECT_EQ(reader.readInteger(4), 0U);
+    for (const std::uint64_t field : {4096U, 12U, 3U, 40U, 8U, 77U})
+        EXPECT_EQ(reader.readInteger(8), field);
+    EXPECT_TRUE(reader.isAtEnd());
+}
+
 /// A directory of a segment with ten paths, and of a block for each thing that there can be.
 Directory directoryWithBlocks() {
     return {{{SegmentForm::kImage, 4096, 10, 10, 40, 0, 77}},

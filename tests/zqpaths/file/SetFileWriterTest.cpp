@@ -11,6 +11,7 @@
 #include <numeric>
 #include <thread>
 
+#include "tests/support/FileSizeLimit.hpp"
 #include "tests/support/SetFileSums.hpp"
 #include "tests/support/SetFiles.hpp"
 #include "tests/support/TemporaryTree.hpp"
@@ -56,6 +57,20 @@ TEST_F(ASetFileWriter, makesAFileThatIsThereWhenItIsWhole) {
 TEST_F(ASetFileWriter, makesASmallFileOfASmallSet) {
     write(Mode::kCreate, {std::string(3900, 'x')});
     EXPECT_LT(std::filesystem::file_size(path_), 8192U);
+}
+
+TEST_F(ASetFileWriter, listsNoSegmentThatCouldNotBeWritten) {
+    SetFileWriter writer(path_, Mode::kCreate);
+    writer.append(segmentOf("one"));
+    {
+        const test_support::FileSizeLimit limit(16384);
+        EXPECT_EQ(refusalOf([&] { writer.append(segmentOf(std::string(100'000, 'x'))); }).kind,
+                  ErrorKind::kSystem);
+    }
+    EXPECT_EQ(writer.segments().size(), 1U);
+    writer.append(segmentOf("two"));
+    writer.commit();
+    EXPECT_THAT(segmentsOf(path_), ElementsAre("one", "two"));
 }
 
 TEST_F(ASetFileWriter, discardsWhatIsNotCommitted) {
