@@ -10,12 +10,12 @@
 #include <filesystem>
 #include <functional>
 #include <iostream>
-#include <random>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "tests/support/DiskStates.hpp"
 #include "tests/support/FailingSystemCalls.hpp"
 #include "tests/support/RecordedDisk.hpp"
 #include "tests/support/TemporaryTree.hpp"
@@ -29,7 +29,6 @@ namespace {
 
 using Content = RecordedDisk::Content;
 using Remains = RecordedDisk::Remains;
-using ::testing::ElementsAreArray;
 
 std::size_t lossCount() {
     constexpr std::size_t kFewLosses = 200;
@@ -37,77 +36,6 @@ std::size_t lossCount() {
     const char* const count = std::getenv("ZQ_POWER_LOSSES");
     return count == nullptr ? kFewLosses : std::stoul(count);
 }
-
-/// The states of a disk after each operation, as many as `most` in all or all that there are;
-/// `look` is given each once, and whether the change had returned by then. Returns how many.
-class DiskStates {
-public:
-    using Look = std::function<void(const Content& content, bool hasReturned)>;
-
-    DiskStates(const RecordedDisk& disk, std::size_t most) : disk_(disk), most_(most) {}
-
-    std::size_t lookAtAll(const Look& look) {
-        const std::size_t last = disk_.operationCount();
-        std::size_t sum = 1;
-        for (std::size_t done = 0; done <= last; ++done) sum += disk_.unsureCount(done);
-        for (std::size_t done = 0; done <= last; ++done) {
-            met_.clear();
-            share_ = std::max<std::size_t>(most_ * disk_.unsureCount(done) / sum, 4);
-            lookAfter(done, [&](const Content& content) { look(content, done == last); });
-        }
-        return count_;
-    }
-
-private:
-    /// All ways to lose something, if they are not too many; else the two extremes, and others at
-    /// random.
-    void lookAfter(std::size_t done, const std::function<void(const Content&)>& look) {
-        const std::size_t unsure = disk_.unsureCount(done);
-        constexpr std::size_t kFew = 16;
-        if (unsure < kFew && std::size_t{3} << unsure <= share_) {
-            for (std::size_t choice = 0; choice < std::size_t{3} << unsure; ++choice)
-                lookAt(done, choice, bitsOf(choice / 3), look);
-            return;
-        }
-        for (std::size_t choice = 0; choice < share_; ++choice) {
-            if (choice < 2)
-                lookAt(
-                    done, choice, [&] { return choice == 1; }, look);
-            else if (choice % 3 == 0)
-                lookAt(done, random_(), allButOneOf(unsure), look);
-            else
-                lookAt(done, random_(), manyOrFew(), look);
-        }
-    }
-
-    static RecordedDisk::Choice bitsOf(std::size_t bits) {
-        return [bits]() mutable { return (std::exchange(bits, bits / 2) & 1) != 0; };
-    }
-
-    RecordedDisk::Choice allButOneOf(std::size_t unsure) {
-        return [left = random_() % unsure]() mutable { return left-- != 0; };
-    }
-
-    RecordedDisk::Choice manyOrFew() {
-        return [this, odds = 1 + random_() % 7] { return random_() % 8 < odds; };
-    }
-
-    void lookAt(std::size_t done, std::size_t remains, const RecordedDisk::Choice& isKept,
-                const std::function<void(const Content&)>& look) {
-        Content content = disk_.stateAfter(done, isKept, static_cast<Remains>(remains % 3));
-        if (met_.insert(content).second) {
-            ++count_;
-            look(content);
-        }
-    }
-
-    const RecordedDisk& disk_;
-    std::size_t most_;
-    std::size_t share_ = 0;  // of those, after this operation
-    std::size_t count_ = 0;
-    std::set<Content> met_;  // after this operation
-    std::mt19937_64 random_;
-};
 
 /// A change of a set, from one state to another, in a folder.
 struct Change {
