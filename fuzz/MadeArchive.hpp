@@ -47,6 +47,8 @@ inline std::string madeArchive(const ArchiveKind& kind, const std::vector<std::s
     require(archive_write_add_filter(writer.get(), kind.filter));
     if (kind.filter == ARCHIVE_FILTER_XZ || kind.filter == ARCHIVE_FILTER_ZSTD)
         require(archive_write_set_filter_option(writer.get(), nullptr, "compression-level", "1"));
+    // Zeros after what is compressed would make some of them damaged.
+    require(archive_write_set_bytes_in_last_block(writer.get(), 1));
     const auto append = [](archive*, void* to, const void* from, std::size_t size) {
         static_cast<std::string*>(to)->append(static_cast<const char*>(from), size);
         return static_cast<la_ssize_t>(size);

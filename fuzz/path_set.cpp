@@ -1,12 +1,17 @@
 // Any bytes as a saved path set and any tree string beside it. What loads is walked, fetched and
 // decoded; saved and loaded again it is the same set, whichever of the two forms it is saved in.
+//
+// The body of a compressed form is changed as it is before it is compressed.
 
 #include <map>
 
 #include "compressedpaths/HuffmanPathTree.hpp"
+#include "compressedpaths/SavedForm.hpp"
 #include "compressedpaths/sixpacks/ByteReader.hpp"
+#include "compressedpaths/sixpacks/CompressedBlocks.hpp"
 #include "compressedpaths/sixpacks/PackedIntegers.hpp"
 #include "fuzz/InputScript.hpp"
+#include "fuzz/Mutation.hpp"
 #include "fuzz/Require.hpp"
 #include "tests/support/Peers.hpp"
 
@@ -95,6 +100,32 @@ void requireLoadsAsSaved(HuffmanPathTree& set, bool compress) {
 }
 
 }  // namespace
+
+/// A larger body is changed where it stands, compressed.
+constexpr std::size_t kMaxBodySize = 1 << 16;
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                               std::size_t maxSize, unsigned seed) {
+    fuzzing::Random random(seed);
+    InputScript script(data, size);
+    const bool compressed = script.byte() % 2 == 1;
+    script.bytes(2 * std::size_t{script.byte()});
+    const std::uint64_t bodySize = script.integer(kCount8Size);
+    Bytes block = script.rest();
+    if (!compressed || block.empty() || bodySize > kMaxBodySize || fuzzing::below(8, random) == 0)
+        return LLVMFuzzerMutate(data, size, maxSize);
+
+    const std::size_t blockAt = size - block.size();
+    Bytes body = sixpacks::decompressUint8(block.begin(), block.size(), bodySize);
+    const std::size_t before = body.size();
+    body.resize(before + 64);
+    body.resize(LLVMFuzzerMutate(body.data(), before, body.size()));
+    const Bytes changed = sixpacks::compressUint8(body);
+    if (changed.size() > maxSize - blockAt) return size;
+    sixpacks::writeInteger(body.size(), kCount8Size, data + blockAt - kCount8Size);
+    std::copy(changed.begin(), changed.end(), data + blockAt);
+    return blockAt + changed.size();
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     InputScript script(data, size);
