@@ -75,5 +75,30 @@ TEST(CompressedBlocks, expandNoFurtherThanTheLimit) {
     EXPECT_LE(zeros.size(), block.size() * kMaxExpansion);
 }
 
+TEST(InflatedBlock, hasNoMoreBytesThanTheLimit) {
+    for (const std::size_t size : {1U, 100U, 4096U, 5000U, 300'000U}) {
+        Bytes bytes = noise(size);
+        const Bytes block = compressUint8(bytes);
+        for (const std::size_t limit : {std::size_t{0}, size / 2, size - 1}) {
+            const InflatedBlock cut = inflateBlock(block, limit);
+            EXPECT_EQ(cut.bytes, Bytes(bytes.begin(), bytes.begin() + std::ptrdiff_t(limit)));
+            EXPECT_FALSE(cut.isWhole);
+        }
+        for (const std::size_t limit : {size, size + 1, 10 * size}) {
+            const InflatedBlock whole = inflateBlock(block, limit);
+            EXPECT_EQ(whole.bytes, bytes);
+            EXPECT_TRUE(whole.isWhole);
+        }
+    }
+}
+
+TEST(InflatedBlock, isNotWholeIfItsChecksumDiffers) {
+    Bytes bytes = noise(1000);
+    Bytes block = compressUint8(bytes);
+    block.back() ^= 1;
+    EXPECT_EQ(inflateBlock(block, 1000).bytes, bytes);
+    EXPECT_FALSE(inflateBlock(block, 1000).isWhole);
+}
+
 }  // namespace
 }  // namespace compressedpaths::sixpacks
