@@ -17,9 +17,6 @@ constexpr std::uint64_t kNotAsciiBytes = 0x8080808080808080;
 constexpr std::uint64_t kNotAsciiUnits = 0xFF80FF80FF80FF80;
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
-constexpr bool isAscii(char16_t unit) {
-    return unit < 0x80;
-}
 constexpr bool isHighSurrogate(char16_t unit) {
     return unit >= 0xD800 && unit <= 0xDBFF;
 }

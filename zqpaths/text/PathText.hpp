@@ -35,9 +35,13 @@ ZQPATHS_EXPORT std::size_t utf8Prefix(std::string_view bytes);
 
 ZQPATHS_EXPORT bool isUtf8(std::string_view bytes);
 
-/// Whether a byte is a character by itself, which is one unit of UTF-16 with the same number.
+/// Whether a byte is a character by itself, which is one unit of UTF-16 with the same number; and
+/// whether a unit is such a character.
 constexpr bool isAscii(char byte) noexcept {
     return static_cast<unsigned char>(byte) < 0x80;
+}
+constexpr bool isAscii(char16_t unit) noexcept {
+    return unit < 0x80;
 }
 
 /// Appends `bytes` as UTF-8 for people to read: U+FFFD for each byte that appendUtf16 would not
