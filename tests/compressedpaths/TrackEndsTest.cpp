@@ -208,7 +208,7 @@ TEST(TrackEnds, findsAListingInAnyOrderThatNamesEveryFileAndFolderOnce) {
 
 TEST(TrackEnds, tellsTheEndsApartInEveryShortHistoryWithFiles) {
     HistoryLimits limits;
-    limits.entries = 3;
+    limits.entries = kMostHistoryEntries;
     limits.depth = 3;
     limits.files = 1;
     limits.leastFiles = 1;
@@ -221,12 +221,12 @@ TEST(TrackEnds, tellsTheEndsApartInEveryShortHistoryWithFiles) {
         reload(set, loaded);
         ASSERT_EQ(pathsByNumber(loaded, expected.size()), expected) << describe(entries);
     });
-    EXPECT_EQ(count, 28U + 28U * 28U + 28U * 28U * 28U);
+    EXPECT_EQ(count, historyCount(28));
 }
 
 TEST(TrackEnds, tellsTheEndsApartInEveryShortHistoryOfTwoLevels) {
     HistoryLimits limits;
-    limits.entries = 3;
+    limits.entries = kMostHistoryEntries;
     limits.depth = 2;
     limits.files = 2;
     const std::size_t count = forAllHistories(limits, [](const TextEntries& entries) {
@@ -237,7 +237,7 @@ TEST(TrackEnds, tellsTheEndsApartInEveryShortHistoryOfTwoLevels) {
         reload(set, loaded);
         ASSERT_EQ(pathsByNumber(loaded, expected.size()), expected) << describe(entries);
     });
-    EXPECT_EQ(count, 42U + 42U * 42U + 42U * 42U * 42U);
+    EXPECT_EQ(count, historyCount(42));
 }
 
 /// The folder x with the file x, the folder y with x and y in it, and the file y.
@@ -318,7 +318,7 @@ TEST(TrackEnds, areWrittenOnlyWhereTheRuleMisreadsAnEntryWithFiles) {
 
 TEST(TrackEnds, areWrittenAsThePlainSetSaysInEveryShortHistory) {
     HistoryLimits limits;
-    limits.entries = 3;
+    limits.entries = kMostHistoryEntries;
     limits.depth = 3;
     limits.files = 1;
     std::size_t sections = 0;
