@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <random>
 #include <string>
 #include <thread>
@@ -107,33 +106,6 @@ TEST(ConcurrentReaders, mayBeForkedBetweenCalls) {
         ASSERT_EQ(::waitpid(child, &status, 0), child);
         ASSERT_EQ(status, 0);
     }
-}
-
-/// The images of a set are read without locks, but for the first time: a child could wait for a
-/// thread of its parent then.
-TEST(ConcurrentReaders, ofImagesThatWereReadMayBeForkedInTheMidstOfCalls) {
-    const SegmentedSet made({{SegmentForm::kImage, madePaths()}});
-    const PathSet set = made.open();
-    ASSERT_EQ(set.path(1), made.paths().front());
-    std::atomic<bool> isDone{false};
-    std::vector<std::thread> threads;
-    for (unsigned i = 0; i < kReaders; ++i)
-        threads.emplace_back([&, i] {
-            std::mt19937 random(i);
-            while (!isDone) {
-                const std::uint64_t number = 1 + random() % kPaths;
-                ASSERT_EQ(set.path(number), made.paths()[number - 1]);
-            }
-        });
-    for (int i = 0; i < 20; ++i) {
-        const pid_t child = ::fork();
-        if (child == 0) readAndEnd(set, made.paths());
-        int status = -1;
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-        EXPECT_EQ(status, 0);
-    }
-    isDone = true;
-    for (std::thread& thread : threads) thread.join();
 }
 
 /// A child that was forked while paths are added leaves the file to its parent.
