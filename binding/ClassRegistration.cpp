@@ -1,6 +1,5 @@
 // The entries that a host calls after loading the library.
 
-#include <mutex>
 #include <string>
 
 #include "binding/ClassName.hpp"
@@ -49,8 +48,8 @@ void KVInitialize_libzqcompressedpaths() {
         InitializeLibrary();
         return;
     }
-    static std::once_flag isRegistered;
-    std::call_once(isRegistered, InitializeLibrary);
+    static const kobj::COSClass* const registered = InitializeLibrary();
+    static_cast<void>(registered);
 }
 
 /// The class stays for the life of the process.

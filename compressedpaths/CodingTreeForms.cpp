@@ -77,12 +77,14 @@ void HuffmanPathTree::takeCodingTree(HuffmanPathTree& made) const noexcept {
 /// Makes the coding tree of a set whose tables came without it.
 void HuffmanPathTree::ensureCodingTree() const {
     if (!isCodingTreeDeferred_) return;
-    std::call_once(codingTreeMade_, [this] {
+    // Not call_once, through which the C library cannot pass an exception without memory.
+    static_cast<void>(isCodingTreeMade_.get([this] {
         HuffmanPathTree inflated;
         inflated.boolTree = boolTree;
         inflated.inflateHuffman(treeString);
         takeCodingTree(inflated);
-    });
+        return true;
+    }));
 }
 
 /// Makes the tables of a code whose shape and leaves came from an image.

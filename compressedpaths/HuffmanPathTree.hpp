@@ -214,6 +214,11 @@ public:
     /// `text` are then as they were. O(characters).
     void getNextTextFromBTree(std::string_view separator, std::string& text);
 
+    /// Gives what getNextPathFromBTree would put into an empty path to `visit`, and goes on after
+    /// it. Throws as that and as `visit`; whatever is thrown but NoMorePathException, the walk
+    /// stays where it was, so that no path is lost to a caller that could not take it.
+    void visitNextPathFromBTree(const std::function<void(const Path& path)>& visit);
+
     // --- Finding. None of these looks at the whole set, but for an order of all folders and all
     // entries that a set not opened from an image makes when it is first asked, and that adding
     // drops: O(folders log folders + entries log entries).
@@ -495,7 +500,7 @@ private:
     FlatArray<std::uint32_t> repeatedOrder_;  // their positions, ascending by number
     CodeTables codeTables_;                   // derived from boolTree and treeString
     bool isCodingTreeDeferred_ = false;       // it has to be made from boolTree and treeString
-    mutable std::once_flag codingTreeMade_;
+    Lazy<bool> isCodingTreeMade_;             // from them
     Lazy<FlatArray<std::uint32_t>> entriesByFolder_;  // entries in the order of (folder, number)
     FolderText walkText_;                             // of the folder that the walk has come to
 };

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <exception>
 #include <random>
 #include <thread>
 
@@ -229,13 +230,16 @@ TEST(PathTexts, passOverPathsThatWereAddedOnTheirOwn) {
     EXPECT_TRUE(textsBetween(set, 2, 3).empty());
 }
 
-/// The walk as text, and the same by decoding each of its paths, with the same additions at the
-/// same steps.
+struct Untaken : std::exception {};
+
+/// The walk as text, the same by decoding each of its paths, and by a visitor who cannot take a
+/// path when it first comes, with the same additions at the same steps.
 void expectSameWalk(const TextEntries& entries, const std::vector<TextPath>& again,
                     const std::vector<std::pair<std::size_t, TextEntries>>& added) {
     HuffmanPathTree texts;
     HuffmanPathTree paths;
-    for (HuffmanPathTree* const set : {&texts, &paths}) {
+    HuffmanPathTree visits;
+    for (HuffmanPathTree* const set : {&texts, &paths, &visits}) {
         buildSet(*set, entries);
         for (const TextPath& path : again) addSinglePath(*set, path);
         set->resetPathsToBTree();
@@ -244,11 +248,12 @@ void expectSameWalk(const TextEntries& entries, const std::vector<TextPath>& aga
     for (; paths.hasNextPathFromBTree(); ++step) {
         for (const auto& [at, more] : added) {
             if (at != step) continue;
-            addBatch(texts, more);
-            addBatch(paths, more);
+            for (HuffmanPathTree* const set : {&texts, &paths, &visits}) addBatch(*set, more);
         }
         Path path;
         paths.getNextPathFromBTree(path);
+        ASSERT_THROW(visits.visitNextPathFromBTree([](const Path&) { throw Untaken(); }), Untaken);
+        visits.visitNextPathFromBTree([&](const Path& visited) { ASSERT_EQ(visited, path); });
         std::u16string expected;
         for (std::size_t i = 0; i < path.size(); ++i)
             expected += (i > 1 ? u"/" : u"") + paths.generatePathFrom(path[i]);
@@ -262,6 +267,7 @@ void expectSameWalk(const TextEntries& entries, const std::vector<TextPath>& aga
     std::string text = "as it was";
     EXPECT_THROW(texts.getNextTextFromBTree("/", text), NoMorePathException);
     EXPECT_EQ(text, "as it was");
+    EXPECT_THROW(visits.visitNextPathFromBTree([](const Path&) {}), NoMorePathException);
 }
 
 TEST(PathTexts, ofTheWalkAreThoseOfItsPaths) {
