@@ -12,9 +12,9 @@ HuffmanPaths_GetNextPath::HuffmanPaths_GetNextPath()
 void HuffmanPaths_GetNextPath::run(std::int32_t& /*outputCount*/, kxArray** outputs,
                                    std::int32_t /*inputCount*/, const kxArray* const* inputs) {
     compressedpaths::HuffmanPathTree& tree = pathTreeOf(inputs[0]);
-    compressedpaths::Path codedPath;
-    tree.getNextPathFromBTree(codedPath);
-    outputs[0] = matrix::to_korvex(toNameColumn(codedPath, tree));
+    tree.visitNextPathFromBTree([&](const compressedpaths::Path& codedPath) {
+        outputs[0] = matrix::to_korvex(toNameColumn(codedPath, tree));
+    });
 }
 
 }  // namespace binding

@@ -116,6 +116,7 @@ public:
     using PathVisitor =
         std::function<void(std::span<const PathArena::Id> folders, const NameView& name)>;
     void visitNextPath(const PathVisitor& visit);
+    Path keysOf(std::span<const PathArena::Id> folders, const NameView& name) const;
 
     /// Pushes the children of a node, last first, so that the first is on top; without a stack,
     /// onto one of the trie's own, which serves such walks by hand alone, as does the next one's.

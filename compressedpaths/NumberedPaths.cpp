@@ -432,6 +432,20 @@ void HuffmanPathTree::getNextPathFromBTree(Path& out) {
     });
 }
 
+void HuffmanPathTree::visitNextPathFromBTree(const std::function<void(const Path& path)>& visit) {
+    stepWalk([&](const RepeatedPath* repeated) {
+        if (repeated == nullptr) {
+            pathTree->visitNextPath([&](std::span<const Id> folders, const NameView& name) {
+                visit(pathTree->keysOf(folders, name));
+            });
+        } else {
+            Path keys;
+            arena().appendKeysOf(repeated->place, keys);
+            visit(keys);
+        }
+    });
+}
+
 void HuffmanPathTree::getNextTextFromBTree(std::string_view separator, std::string& text) {
     const auto take = [&](std::span<const Id> folders, const NameView& name) {
         setFolders(walkText_, folders, separator);

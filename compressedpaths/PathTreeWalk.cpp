@@ -35,12 +35,15 @@ void BPathTree::dropFinishedFrames() noexcept {
 
 void BPathTree::getNextPath(Path& path) {
     visitNextPath([&](std::span<const PathArena::Id> folders, const NameView& name) {
-        Path next(folders.size() + 1);
-        for (std::size_t i = 0; i < folders.size(); ++i)
-            next[i] = keyOf(arena_->nameOf(folders[i]));
-        next.back() = keyOf(name);
-        path.swap(next);
+        path = keysOf(folders, name);
     });
+}
+
+Path BPathTree::keysOf(std::span<const PathArena::Id> folders, const NameView& name) const {
+    Path keys(folders.size() + 1);
+    for (std::size_t i = 0; i < folders.size(); ++i) keys[i] = keyOf(arena_->nameOf(folders[i]));
+    keys.back() = keyOf(name);
+    return keys;
 }
 
 void BPathTree::visitNextPath(const PathVisitor& visit) {

@@ -94,18 +94,16 @@ void requireOutputs(const kobj::COSMethodInfo& method, const OutputSlots& slots,
     }
 }
 
-std::vector<Array> takeOutputs(const kobj::COSMethodInfo& method, OutputSlots& slots,
-                               std::size_t count) {
+void takeOutputs(const kobj::COSMethodInfo& method, OutputSlots& slots,
+                 std::vector<Array>& outputs) {
     const auto& declared = method.getSignature().outputs();
-    std::vector<Array> outputs(count);
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
         outputs[i] = slots.take(i);
         if (!outputs[i] || i >= declared.size()) continue;
         kxArrayPtr converted =
             convert<KORVEX::runtime::wrongOutput>(outputs[i].get(), method, declared[i], i);
         if (converted != nullptr) outputs[i] = Array(std::move(converted));
     }
-    return outputs;
 }
 
 }  // namespace
@@ -118,13 +116,17 @@ std::vector<Array> callMethod(kobj::COSMethodInfo& method, std::int32_t outputCo
                                         ? convertInputs(method, passed)
                                         : ArrayPointers();
     OutputSlots slots(std::max(signature.outputs().size(), std::size_t{1}), std::move(firstOutput));
+    // Beforehand: what the method has done must not be lost for lack of memory afterwards.
+    std::vector<Array> outputs(slots.size());
 
     std::int32_t givenCount = outputCount;
     method.call(givenCount, slots.data(), static_cast<std::int32_t>(passed.size()), passed.data());
 
     requireOutputs(method, slots, notNegative(std::max(outputCount, givenCount)));
     const std::size_t announced = std::min(notNegative(givenCount), slots.size());
-    return takeOutputs(method, slots, std::max(announced, slots.leadingCount()));
+    outputs.resize(std::max(announced, slots.leadingCount()));
+    takeOutputs(method, slots, outputs);
+    return outputs;
 }
 
 }  // namespace korvex

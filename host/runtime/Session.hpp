@@ -8,10 +8,10 @@
 //     std::vector<korvex::Array> area = circle.call("area", 1);
 //     kxGetNumber(area[0].get(), 0);
 //
-// All errors are korvex::Error. Inputs and outputs of methods and values of properties are
-// converted to their declared types; what cannot be converted is an error that names method,
-// argument and type. A call with a wrong number of inputs or outputs goes to the method as it is,
-// which refuses it before it looks at anything.
+// All errors are korvex::Error; where there is no memory even for that, std::bad_alloc. Inputs and
+// outputs of methods and values of properties are converted to their declared types; what cannot be
+// converted is an error that names method, argument and type. A call with a wrong number of inputs
+// or outputs goes to the method as it is, which refuses it before it looks at anything.
 //
 // Threads: a session and its objects belong to one thread at a time.
 
