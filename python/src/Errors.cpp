@@ -2,6 +2,8 @@
 
 #include <cerrno>
 #include <exception>
+#include <new>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -43,15 +45,41 @@ void raise(const Error& error, const py::object& file) {
     PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(exception.ptr())), exception.ptr());
 }
 
+void raiseHandled() noexcept {
+    try {
+        try {
+            throw;
+        } catch (const Error& error) {
+            raise(error);  // which may have no memory for it
+        }
+    } catch (py::error_already_set& error) {
+        error.restore();
+    } catch (const py::builtin_exception& error) {
+        error.set_error();
+    } catch (const std::bad_alloc&) {
+        PyErr_NoMemory();
+    } catch (const std::system_error& error) {
+        errno = error.code().value();
+        PyErr_SetFromErrno(PyExc_OSError);
+    } catch (const std::exception& error) {
+        // Where the interpreter could not make an object, pybind11 throws beside what that has
+        // raised.
+        if (PyErr_Occurred() == nullptr) PyErr_SetString(PyExc_RuntimeError, error.what());
+    }
+}
+
 void translateErrors() {
     py::register_local_exception_translator([](std::exception_ptr thrown) {
         try {
             if (thrown) std::rethrow_exception(std::move(thrown));
-        } catch (const Error& error) {
-            raise(error);
-        } catch (const std::system_error& error) {
-            errno = error.code().value();
-            PyErr_SetFromErrno(PyExc_OSError);
+        } catch (const Error&) {
+            raiseHandled();
+        } catch (const std::system_error&) {
+            raiseHandled();
+        } catch (const std::bad_alloc&) {
+            raiseHandled();
+        } catch (const std::runtime_error&) {
+            if (PyErr_Occurred() == nullptr) throw;
         }
     });
 }

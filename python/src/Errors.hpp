@@ -21,8 +21,13 @@ void translateErrors();
 /// The words of an error as a str. They may hold the name of a file, in any bytes.
 py::object words(const Error& error);
 
-/// Raises the exception that an error is, about `file` unless that is none.
+/// Raises the exception that an error is, about `file` unless that is none; a MemoryError if there
+/// is no memory for it.
 void raise(const Error& error, const py::object& file = py::none());
+
+/// Raises what is being handled as the exception that it is. Nothing of C++ leaves it, so that
+/// slots may end with it.
+void raiseHandled() noexcept;
 
 /// What `work()` gives. Exceptions about files get this one as their filename.
 template <class Work>

@@ -10,8 +10,6 @@
 
 #include <pybind11/pybind11.h>
 
-#include <new>
-
 #include "python/src/Errors.hpp"
 
 namespace zqpaths::python {
@@ -24,14 +22,8 @@ Result inSlot(PyObject* self, Result failed, Work work) {
     auto* instance = reinterpret_cast<py::detail::instance*>(self);
     try {
         return work(*static_cast<Class*>(instance->get_value_and_holder().value_ptr()));
-    } catch (py::error_already_set& error) {
-        error.restore();
-    } catch (const py::builtin_exception& error) {
-        error.set_error();
-    } catch (const Error& error) {
-        raise(error);
-    } catch (const std::bad_alloc&) {
-        PyErr_NoMemory();
+    } catch (...) {
+        raiseHandled();
     }
     return failed;
 }
