@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/ChosenNames.hpp"
 #include "fuzz/InputScript.hpp"
 #include "fuzz/Require.hpp"
 #include "host/foundation/LiveObjects.hpp"
@@ -16,7 +17,9 @@ using compressedpaths::Bytes;
 using compressedpaths::Path;
 using compressedpaths::PlainPathSet;
 using foundation::core::liveObjects;
+using fuzzing::chooseNames;
 using fuzzing::InputScript;
+using fuzzing::kNameCharacters;
 using fuzzing::require;
 
 namespace {
@@ -25,7 +28,6 @@ using Names = std::vector<std::u16string>;
 using Lists = std::vector<Names>;
 
 constexpr const char* kClassName = "korvex.io.datastore.internal.fileset.HuffmanPaths";
-constexpr std::u16string_view kCharacters = u"abcdefgh";
 constexpr std::size_t kMaxCalls = 40;
 
 korvex::Session& session() {
@@ -127,24 +129,12 @@ private:
 
     std::optional<Pair>& choosePair() { return pairs_[script_.byte() % pairs_.size()]; }
 
-    std::u16string chooseName() {
-        const unsigned choice = script_.byte();
-        std::u16string name(1, kCharacters[choice % kCharacters.size()]);
-        if (choice >= 192) name.push_back(kCharacters[choice / 8 % kCharacters.size()]);
-        return name;
-    }
-
-    Names chooseNames(std::size_t least) {
-        Names names(least + script_.byte() % 4);
-        for (std::u16string& name : names) name = chooseName();
-        return names;
-    }
-
     Pair made() {
         std::vector<double> frequencies;
-        for (std::size_t i = 0; i < kCharacters.size(); ++i) frequencies.push_back(script_.byte());
+        for (std::size_t i = 0; i < kNameCharacters.size(); ++i)
+            frequencies.push_back(script_.byte());
         return {session().construct(kClassName, korvex::text(u"frequencies"),
-                                    korvex::text(kCharacters), korvex::numbers(frequencies)),
+                                    korvex::text(kNameCharacters), korvex::numbers(frequencies)),
                 {}};
     }
 
@@ -152,8 +142,8 @@ private:
         Lists folders(script_.byte() % 4);
         Lists files;
         for (Names& folder : folders) {
-            folder = chooseNames(1);
-            files.push_back(chooseNames(1));
+            folder = chooseNames(script_, 1);
+            files.push_back(chooseNames(script_, 1));
             pair.plain.addEntry(codesOf(folder), codesOf(files.back()));
         }
         pair.object.call("addPaths", 0, listsOf(folders), listsOf(files));

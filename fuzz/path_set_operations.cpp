@@ -7,20 +7,22 @@
 #include <sstream>
 
 #include "compressedpaths/HuffmanPathTree.hpp"
+#include "fuzz/ChosenNames.hpp"
 #include "fuzz/InputScript.hpp"
 #include "fuzz/Require.hpp"
 #include "tests/support/PlainPathSet.hpp"
 #include "tests/support/SetComparison.hpp"
 
 using namespace compressedpaths;
+using fuzzing::chooseNames;
 using fuzzing::InputScript;
+using fuzzing::kNameCharacters;
 using fuzzing::require;
 
 namespace {
 
 using Names = std::vector<std::u16string>;
 
-constexpr std::u16string_view kCharacters = u"abcdefgh";
 constexpr std::size_t kMaxOperations = 60;
 
 /// A path set and what it should be.
@@ -32,7 +34,8 @@ struct Pair {
 class Sets {
 public:
     explicit Sets(InputScript& script) : script_(script) {
-        for (std::size_t i = 0; i < kCharacters.size(); ++i) frequencies_.push_back(script_.byte());
+        for (std::size_t i = 0; i < kNameCharacters.size(); ++i)
+            frequencies_.push_back(script_.byte());
         for (Pair& pair : pairs_) renew(pair);
     }
 
@@ -46,7 +49,7 @@ public:
                     addBatch(pair);
                     break;
                 case 1:
-                    addEntry(pair, chooseNames(0));
+                    addEntry(pair, chooseNames(script_, 0));
                     break;
                 case 2:
                     addSingle(pair);
@@ -96,32 +99,19 @@ private:
 
     Pair& choosePair() { return pairs_[script_.byte() % pairs_.size()]; }
 
-    std::u16string chooseName() {
-        const unsigned choice = script_.byte();
-        std::u16string name(1, kCharacters[choice % kCharacters.size()]);
-        if (choice >= 192) name.push_back(kCharacters[choice / 8 % kCharacters.size()]);
-        return name;
-    }
-
-    Names chooseNames(std::size_t least) {
-        Names names(least + script_.byte() % 4);
-        for (std::u16string& name : names) name = chooseName();
-        return names;
-    }
-
     /// Enough different names for a folder that the trie searches in another way.
     Names chooseManyNames() {
         Names names(60 + script_.byte() % 16);
         for (std::size_t i = 0; i < names.size(); ++i)
-            names[i] = {kCharacters[i % kCharacters.size()],
-                        kCharacters[i / kCharacters.size() % kCharacters.size()]};
+            names[i] = {kNameCharacters[i % kNameCharacters.size()],
+                        kNameCharacters[i / kNameCharacters.size() % kNameCharacters.size()]};
         return names;
     }
 
     void renew(Pair& pair) {
         pair.set = std::make_unique<HuffmanPathTree>();
         pair.plain = PlainPathSet();
-        pair.set->deflateHuffman(frequencies_.data(), std::u16string(kCharacters));
+        pair.set->deflateHuffman(frequencies_.data(), std::u16string(kNameCharacters));
     }
 
     static Path code(Pair& pair, const Names& names) {
@@ -134,8 +124,8 @@ private:
         std::vector<Names> folders(script_.byte() % 4);
         std::vector<Names> files;
         for (Names& folder : folders) {
-            folder = chooseNames(1);
-            files.push_back(chooseNames(0));
+            folder = chooseNames(script_, 1);
+            files.push_back(chooseNames(script_, 0));
             pair.plain.addEntry(code(pair, folder), code(pair, files.back()));
         }
         pair.set->generateCodeAsyncAndAddPaths(folders, files);
@@ -143,7 +133,7 @@ private:
     }
 
     void addEntry(Pair& pair, const Names& files) {
-        Path codedFolder = code(pair, chooseNames(0));
+        Path codedFolder = code(pair, chooseNames(script_, 0));
         std::vector<Bytes> codedFiles = code(pair, files);
         pair.plain.addEntry(codedFolder, codedFiles);
         pair.set->addPathToBTree(codedFolder, codedFiles);
@@ -151,15 +141,15 @@ private:
     }
 
     void addSingle(Pair& pair) {
-        Path coded = code(pair, chooseNames(1));
+        Path coded = code(pair, chooseNames(script_, 1));
         pair.plain.addSingle(coded);
         pair.set->addPathToBTree(coded);
         requireSame(pair);
     }
 
     void refuseBatch(Pair& pair) {
-        std::vector<Names> folders{chooseNames(1), chooseNames(1)};
-        std::vector<Names> files{chooseNames(0), chooseNames(0)};
+        std::vector<Names> folders{chooseNames(script_, 1), chooseNames(script_, 1)};
+        std::vector<Names> files{chooseNames(script_, 0), chooseNames(script_, 0)};
         files.back().push_back(script_.byte() % 2 == 0 ? u"" : u"?");
         const bool taken = fuzzing::succeeds<NoCodeForEmptyString, CodeNotFoundException>(
             [&] { pair.set->generateCodeAsyncAndAddPaths(folders, files); });

@@ -14,6 +14,7 @@
 #include "fuzz/InputScript.hpp"
 #include "fuzz/Require.hpp"
 #include "fuzz/TemporaryFolder.hpp"
+#include "tests/support/AppliedChange.hpp"
 #include "zqpaths/PathSet.hpp"
 #include "zqpaths/PathSetWriter.hpp"
 #include "zqpaths/directory/ScanOptions.hpp"
@@ -166,7 +167,7 @@ public:
         SetUpdate update(
             set, roots,
             {.onChange = [&](PathChange change, std::uint64_t number,
-                             std::string_view path) { apply(change, number, path, writer); },
+                             std::string_view path) { applyChange(change, number, path, writer); },
              .onError = refuseErrors,
              .onStep = [] {}});
         recordScans(writer,
@@ -178,21 +179,6 @@ public:
 private:
     static void refuseErrors(std::string_view /*path*/, std::string_view /*reason*/) {
         require(false, "all directories can be read");
-    }
-
-    static void apply(PathChange change, std::uint64_t number, std::string_view path,
-                      PathSetWriter& writer) {
-        switch (change) {
-            case PathChange::kAdded:
-                writer.add(path);
-                require(writer.size() == number, "a path that is added has the next number");
-                break;
-            case PathChange::kGone:
-                writer.markGone(number);
-                break;
-            case PathChange::kBack:
-                writer.markPresent(number);
-        }
     }
 
     /// A scan that seems to have begun later takes all directories for settled, which else takes

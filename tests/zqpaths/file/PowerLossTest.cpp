@@ -93,31 +93,31 @@ Change changeByMuch(const SetFileStep& step, SetFileWriter::Mode mode) {
     return change;
 }
 
-/// Appending to what a writer left that was killed: bytes past the end, that no superblock names.
-Change appendingAfterATail() {
+/// Appending to a file with other bytes than its writer left.
+Change appendingTo(const char* name, const std::function<std::string(std::string)>& changed) {
     SetFileStep step = stepNamed("appending");
     Change change = changeOf(step);
-    change.name = "appending after a tail";
-    change.prepare = [step](const std::string& folder) {
-        step.prepare(folder + "/s.zqp");
-        const std::string whole = contentOf(folder + "/s.zqp");
-        writeContent(folder + "/s.zqp", whole + std::string(9000, 't'));
+    change.name = name;
+    change.prepare = [=](const std::string& folder) {
+        const std::string file = folder + "/s.zqp";
+        step.prepare(file);
+        writeContent(file, changed(contentOf(file)));
     };
     return change;
 }
 
+/// Appending to what a writer left that was killed: bytes past the end, that no superblock names.
+Change appendingAfterATail() {
+    return appendingTo("appending after a tail",
+                       [](std::string bytes) { return bytes + std::string(9000, 't'); });
+}
+
 /// Appending to a file whose latest superblock is half written, so that the one at its end counts.
 Change appendingToARepairedFile() {
-    SetFileStep step = stepNamed("appending");
-    Change change = changeOf(step);
-    change.name = "appending to a repaired file";
-    change.prepare = [step](const std::string& folder) {
-        step.prepare(folder + "/s.zqp");
-        std::string bytes = contentOf(folder + "/s.zqp");
+    return appendingTo("appending to a repaired file", [](std::string bytes) {
         bytes[kSuperblockOffsets[1]] ^= 1;  // of a file that is new, the second one counts
-        writeContent(folder + "/s.zqp", bytes);
-    };
-    return change;
+        return bytes;
+    });
 }
 
 const char* callThatFailed = nullptr;

@@ -20,6 +20,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/AppliedChange.hpp"
 #include "tests/support/TemporaryTree.hpp"
 #include "zqpaths/PathSet.hpp"
 #include "zqpaths/PathSetWriter.hpp"
@@ -67,7 +68,7 @@ public:
                          {.onChange =
                               [&](PathChange change, std::uint64_t number, std::string_view path) {
                                   told.push_back(textOf(change) + ' ' + shortened(path));
-                                  apply(change, number, path, writer);
+                                  applyChange(change, number, path, writer);
                               },
                           .onError =
                               [&](std::string_view path, std::string_view reason) {
@@ -124,21 +125,6 @@ private:
         const std::string folder = folderOfRoot(roots_.front());
         if (path.starts_with(folder)) path.remove_prefix(folder.size());
         return std::string(path);
-    }
-
-    static void apply(PathChange change, std::uint64_t number, std::string_view path,
-                      PathSetWriter& writer) {
-        switch (change) {
-            case PathChange::kAdded:
-                writer.add(path);
-                EXPECT_EQ(writer.size(), number);
-                break;
-            case PathChange::kGone:
-                writer.markGone(number);
-                break;
-            case PathChange::kBack:
-                writer.markPresent(number);
-        }
     }
 
     test_support::TemporaryTree own_;
