@@ -16,6 +16,8 @@
 namespace compressedpaths {
 namespace {
 
+using Peer = HuffmanPathTreePeer;
+
 /// Room for an image, so that only the set asks for memory.
 class FixedBuffer : public std::streambuf {
 public:
