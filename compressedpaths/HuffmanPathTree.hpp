@@ -48,10 +48,10 @@
 #include <vector>
 
 #include "compressedpaths/BPathTree.hpp"
-#include "compressedpaths/CodeTables.hpp"
-#include "compressedpaths/CodedBatch.hpp"
-#include "compressedpaths/FrequencyHeap.hpp"
 #include "compressedpaths/HuffmanPathTreeExceptions.hpp"
+#include "compressedpaths/coding/CodeTables.hpp"
+#include "compressedpaths/coding/CodedBatch.hpp"
+#include "compressedpaths/coding/FrequencyHeap.hpp"
 #include "compressedpaths/store/FolderEntries.hpp"
 
 namespace compressedpaths {

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "compressedpaths/HuffmanPathTree.hpp"
-#include "compressedpaths/ParallelLoop.hpp"
+#include "compressedpaths/coding/ParallelLoop.hpp"
 
 namespace compressedpaths {
 namespace {

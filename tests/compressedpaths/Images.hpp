@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "compressedpaths/CodedBatch.hpp"
 #include "compressedpaths/Image.hpp"
+#include "compressedpaths/coding/CodedBatch.hpp"
 #include "tests/support/PathSets.hpp"
 
 namespace compressedpaths {

@@ -15,8 +15,8 @@
 #include <span>
 #include <sstream>
 
-#include "compressedpaths/CodedBatch.hpp"
 #include "compressedpaths/HuffmanPathTree.hpp"
+#include "compressedpaths/coding/CodedBatch.hpp"
 #include "tests/support/PathSets.hpp"
 #include "tests/support/PlainPathSet.hpp"
 #include "tests/support/SetComparison.hpp"

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "compressedpaths/ParallelLoop.hpp"
+#include "compressedpaths/coding/ParallelLoop.hpp"
 #include "tests/zqpaths/SegmentedSets.hpp"
 
 namespace {

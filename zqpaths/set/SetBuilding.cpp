@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "compressedpaths/CodedBatch.hpp"
+#include "compressedpaths/coding/CodedBatch.hpp"
 #include "zqpaths/set/OrderedWork.hpp"
 #include "zqpaths/text/PathComponents.hpp"
 #include "zqpaths/text/PathText.hpp"

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "compressedpaths/CodedBatch.hpp"
+#include "compressedpaths/coding/CodedBatch.hpp"
 #include "tests/compressedpaths/failing/FailingSets.hpp"
 
 namespace compressedpaths {

@@ -1,4 +1,4 @@
-#include "compressedpaths/ParallelLoop.hpp"
+#include "compressedpaths/coding/ParallelLoop.hpp"
 
 #include <oneapi/tbb/blocked_range.h>
 #include <oneapi/tbb/parallel_for.h>

@@ -1,4 +1,4 @@
-#include "compressedpaths/ParallelLoop.hpp"
+#include "compressedpaths/coding/ParallelLoop.hpp"
 
 #include <gtest/gtest.h>
 

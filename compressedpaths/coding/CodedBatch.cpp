@@ -1,4 +1,4 @@
-#include "compressedpaths/CodedBatch.hpp"
+#include "compressedpaths/coding/CodedBatch.hpp"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "compressedpaths/FrequencyHeap.hpp"
+#include "compressedpaths/coding/FrequencyHeap.hpp"
 
 #include <gtest/gtest.h>
 
