@@ -15,7 +15,7 @@ endif()
 # Where sources are compiled together, g++ takes them for headers of one another, and what one of them
 # names is hidden by another.
 if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_compile_options(zq_warnings INTERFACE -Wno-subobject-linkage -Wno-shadow)
+    target_compile_options(zq_warnings INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage> -Wno-shadow)
 endif()
 
 add_library(zq_options INTERFACE)
