@@ -17,6 +17,7 @@
 #include <string>
 #include <utility>
 
+#include "zqpaths/Export.hpp"
 #include "zqpaths/file/FileDescriptor.hpp"
 
 namespace zqpaths {
@@ -77,7 +78,7 @@ void requireRegularFile(const SystemFile& file);
 
 /// Puts the names in the directory of `path` on the device, where that can be done. Throws Error
 /// with `name`.
-void syncDirectoryOf(const std::string& path, const std::string& name);
+ZQPATHS_EXPORT void syncDirectoryOf(const std::string& path, const std::string& name);
 
 /// What stands before the last component of a path, with its separator; empty for a mere name.
 std::string directoryOf(const std::string& path);

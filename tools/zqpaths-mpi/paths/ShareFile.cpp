@@ -64,6 +64,7 @@ void writeShares(Team& team, const WantedPaths& wanted, std::uint64_t seed, cons
               .advance = progress.counter()});
     // All ranks have come here: all files are whole.
     file.takePlace(files.mayReplace);
+    file.syncPlace();
 }
 
 }  // namespace zqpaths::program::mpi

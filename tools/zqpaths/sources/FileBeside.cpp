@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "tools/zqpaths/Failure.hpp"
+#include "zqpaths/file/SystemFile.hpp"
 
 namespace zqpaths::program {
 namespace {
@@ -51,6 +52,10 @@ void FileBeside::takePlace(bool mayReplace) {
     if (result != 0 && errno == EEXIST) throw failureThere(path_);
     if (result != 0) throw systemFailureAt(path_, errno);
     temporaryPath_.clear();
+}
+
+void FileBeside::syncPlace() const {
+    syncDirectoryOf(path_, path_);
 }
 
 void FileBeside::takeBack() noexcept {

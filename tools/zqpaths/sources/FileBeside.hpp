@@ -7,6 +7,7 @@
 //     write(file.descriptor(), ...);
 //     file.sync();
 //     file.takePlace(false);
+//     file.syncPlace();
 //
 // Threads: an object belongs to one thread at a time; several may make the same file, the last one
 // stays.
@@ -20,8 +21,8 @@ namespace zqpaths::program {
 
 class FileBeside {
 public:
-    /// `number` tells those apart that one process makes at a time. Throws Failure kFailed, as all
-    /// calls do.
+    /// `number` tells those apart that one process makes at a time. Throws Failure kFailed or
+    /// Error, as all calls do.
     explicit FileBeside(std::string path, std::size_t number = 0);
     FileBeside(const FileBeside&) = delete;
     FileBeside& operator=(const FileBeside&) = delete;
@@ -35,6 +36,9 @@ public:
 
     /// Gives the file its path, in the place of one that is there if it may replace it.
     void takePlace(bool mayReplace);
+
+    /// Puts the path of a file that has taken its place on the device.
+    void syncPlace() const;
 
     /// Removes a file that has taken its place and replaced none.
     void takeBack() noexcept;

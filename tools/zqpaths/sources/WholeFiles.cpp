@@ -23,11 +23,13 @@ FileDescriptor openFile(const std::string& path, int flags) {
     return file;
 }
 
-/// Gives all files their places. If one cannot have its own, none has that replaced nothing.
+/// Gives all files their places, on the device. If one cannot have its own, none has that replaced
+/// nothing.
 void takePlaces(std::deque<FileBeside>& files, bool mayReplace) {
     std::size_t taken = 0;
     try {
         for (; taken < files.size(); ++taken) files[taken].takePlace(mayReplace);
+        for (const FileBeside& file : files) file.syncPlace();
     } catch (...) {
         while (!mayReplace && taken > 0) files[--taken].takeBack();
         throw;
