@@ -24,6 +24,10 @@ TEST(PathArena, hasARootWithNothingInItAtFirst) {
     EXPECT_FALSE(find(arena, PathArena::kRoot, "a").isThere());
 }
 
+TEST(PathArena, hasNoNodesAtFirst) {
+    EXPECT_EQ(countNodes(PathArena(), 0), 0U);
+}
+
 TEST(PathArena, listsFilesAndFoldersInTheOrderOfAdding) {
     PathArena arena;
     addFiles(arena, PathArena::kRoot, {"f", "g"});
