@@ -95,7 +95,7 @@ void HuffmanPathTree::buildCodeTables() {
         requireBoundedCodeWords(boolTree);
     } catch (const std::bad_alloc&) {
         throw;
-    } catch (const std::exception&) {
+    } catch (...) {
         throw InvalidImageException();
     }
     codeTables_ = CodeTables(boolTree, treeString);

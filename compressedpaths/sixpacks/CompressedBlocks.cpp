@@ -14,7 +14,7 @@ constexpr std::size_t kPieceSize = std::size_t{1} << 18;
 // A body grows in few steps: each copies what there is. It may be far smaller than what is stated.
 constexpr std::size_t kFirstSize = std::size_t{1} << 12;
 constexpr std::size_t kGrowth = 8;
-constexpr std::size_t kMaxInput = std::size_t{1} << 30;  // zlib counts in 32 bits
+constexpr std::size_t kMaxInput = std::size_t{1} << 24;  // at a time; zlib counts in 32 bits
 
 }  // namespace
 
@@ -63,7 +63,7 @@ void BlockCompressor::deflatePiece(std::span<const std::uint8_t> piece, int flus
         const uInt room = state.avail_out;
         status = deflate(&state, flush);
         size_ += room - state.avail_out;
-    } while (status == Z_OK && (state.avail_in > 0 || state.avail_out == 0 || flush == Z_FINISH));
+    } while (status == Z_OK && state.avail_out == 0);  // else it has taken the whole piece
 }
 
 void BlockCompressor::appendBlockTo(std::vector<std::uint8_t>& out) {

@@ -1,7 +1,6 @@
 #include "compressedpaths/sixpacks/PackedIntegers.hpp"
 
 #include <array>
-#include <functional>
 
 namespace compressedpaths::sixpacks {
 namespace {
@@ -98,13 +97,13 @@ unsigned byteSizeOf(PackedSizeT width) {
 }
 
 std::unique_ptr<PackerUnpackerBase<std::size_t>> makePackerOfWidth(PackedSizeT width) {
-    using Factory = std::function<std::unique_ptr<PackerUnpackerBase<std::size_t>>()>;
-    static const std::array<Factory, 4> factories{makePackerUnpacker<std::uint8_t, std::size_t>,
-                                                  makePackerUnpacker<std::uint16_t, std::size_t>,
-                                                  makePackerUnpacker<std::uint32_t, std::size_t>,
-                                                  makePackerUnpacker<std::uint64_t, std::size_t>};
+    using Factory = std::unique_ptr<PackerUnpackerBase<std::size_t>> (*)();
+    constexpr std::array<Factory, 4> kFactories{makePackerUnpacker<std::uint8_t, std::size_t>,
+                                                makePackerUnpacker<std::uint16_t, std::size_t>,
+                                                makePackerUnpacker<std::uint32_t, std::size_t>,
+                                                makePackerUnpacker<std::uint64_t, std::size_t>};
     if (width > PackedSizeT::Uint64) throw InvalidUintConversionException();
-    return factories[static_cast<std::size_t>(width)]();
+    return kFactories[static_cast<std::size_t>(width)]();
 }
 
 PackedSizeT widthOf(std::size_t value) noexcept {

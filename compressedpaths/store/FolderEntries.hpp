@@ -75,9 +75,6 @@ public:
     PathArena::Link lastRun() const noexcept { return lastRun_; }
     const FlatArray<std::uint8_t>& bytes() const noexcept { return bytes_; }
     const FlatArray<Block>& blocks() const noexcept { return blocks_; }
-    std::size_t heapByteSize() const noexcept {
-        return bytes_.heapByteSize() + blocks_.heapByteSize();
-    }
 
     /// Totals without a place, and places without a total; one of them is empty.
     const std::vector<std::uint64_t>& unpairedCounts() const noexcept { return unpairedCounts_; }

@@ -19,11 +19,6 @@ PathArena::PathArena() : seed_(processSeed()) {
 PathArena::PathArena(Arrays arrays, std::uint64_t seed) noexcept
     : arrays_(std::move(arrays)), seed_(seed), loadedFolders_(folderCount()) {}
 
-std::size_t PathArena::heapByteSize() const noexcept {
-    return arrays_.names.heapByteSize() + arrays_.folders.heapByteSize() +
-           arrays_.formerFiles.slots().heapByteSize() + folders_.slots().heapByteSize();
-}
-
 void PathArena::limitTo(std::size_t nameBytes, std::size_t folders) noexcept {
     maxNameBytes_ = nameBytes;
     maxFolders_ = folders;
@@ -113,13 +108,15 @@ std::uint32_t PathArena::placeOf(Link link) const {
 }
 
 PathArena::Cursor PathArena::cursorAt(Id id, std::uint32_t position, Link link) const {
+    // Each folder is met in one place, and the root, which is its own parent, in none: so going
+    // through all of them ends.
     Cursor cursor{id, position, link};
     if (cursor.isFile()) {
         cursor.run = runAt(link);
         cursor.name = cursor.run.names;
         if (cursor.run.folder != id) refuse();
-    } else if (parentOf(link & ~kFolderLink) != id) {
-        refuse();  // so each folder is met in one place, and going through all of them ends
+    } else if (cursor.link == (kFolderLink | kRoot) || parentOf(link & ~kFolderLink) != id) {
+        refuse();
     }
     return cursor;
 }
@@ -193,13 +190,13 @@ std::span<const std::uint8_t> PathArena::storedNameAt(std::uint32_t offset) cons
     return {begin, nameAt(offset).end()};
 }
 
-/// Orders the stored name of a folder against another: below, at or above zero.
+/// Orders the stored name of a folder against another, or against what one begins with: below, at
+/// or above zero. Stored names begin with their length, so no one begins with all of another.
 int PathArena::compareNames(Id a, std::span<const std::uint8_t> storedName) const {
     const std::span<const std::uint8_t> name = storedNameAt(storedNameOffset(a));
     const std::size_t common = std::min(name.size(), storedName.size());
     const int order = std::memcmp(name.data(), storedName.data(), common);
-    if (order != 0) return order;
-    return name.size() < storedName.size() ? -1 : static_cast<int>(name.size() > storedName.size());
+    return order != 0 ? order : static_cast<int>(name.size() > storedName.size());
 }
 
 /// Orders two folders of one parent by name; the first child first among equal names.

@@ -104,7 +104,6 @@ public:
     std::uint32_t folderCount() const noexcept {
         return static_cast<std::uint32_t>(arrays_.folders.size());
     }
-    std::size_t heapByteSize() const noexcept;
 
     /// Most bytes of names and most folders, for tests: offsets have 31 bits.
     void limitTo(std::size_t nameBytes, std::size_t folders) noexcept;

@@ -178,6 +178,30 @@ TEST(Image, isRefusedWhereverItIsCut) {
                  InvalidImageException);
 }
 
+/// A set whose image has so many bytes before its sums; one name is as long as that takes.
+std::unique_ptr<HuffmanPathTree> setWithSummedBytes(std::uint64_t wanted) {
+    const auto setWith = [](std::size_t nameLength) {
+        auto set = std::make_unique<HuffmanPathTree>();
+        makeCode(*set, u"ab");  // one bit a character
+        addBatch(*set, {{{}, {std::u16string(nameLength, u'a')}}});
+        return set;
+    };
+    const std::size_t length = 8 * wanted / 2;
+    const std::uint64_t size = ImageBytes(*setWith(length)).header()[image::Part::kSums].offset;
+    return setWith(length + 8 * (wanted - size));
+}
+
+TEST(Image, hasASumForEachMebibyteThatIsBegun) {
+    for (const std::uint64_t more : {0U, 64U}) {
+        const ImageBytes image(*setWithSummedBytes(image::kSummedSize + more));
+        const image::Extent sums = image.header()[image::Part::kSums];
+        EXPECT_EQ(sums.offset, image::kSummedSize + more);
+        EXPECT_EQ(sums.byteSize, more == 0 ? 8U : 16U);
+        EXPECT_NO_THROW(HuffmanPathTree::verifyImage(image.span()));
+        EXPECT_EQ(image.open()->size(), 1U);
+    }
+}
+
 TEST(Image, mayStandBeforeOtherBytes) {
     HuffmanPathTree set;
     buildSample(set);
@@ -215,6 +239,21 @@ TEST(Image, isNotWrittenToAStreamThatFails) {
     FullStream buffer(size);
     std::ostream out(&buffer);
     EXPECT_NO_THROW(set.writeImage(out));
+}
+
+/// A stream buffer that takes everything, but cannot pass it on.
+class StuckStream : public std::streambuf {
+protected:
+    std::streamsize xsputn(const char*, std::streamsize size) override { return size; }
+    int sync() override { return -1; }
+};
+
+TEST(Image, isNotWrittenToAStreamThatCannotPassItOn) {
+    HuffmanPathTree set;
+    buildSample(set);
+    StuckStream buffer;
+    std::ostream out(&buffer);
+    EXPECT_THROW(set.writeImage(out), ImageNotWrittenException);
 }
 
 }  // namespace

@@ -88,6 +88,18 @@ TEST(PathTexts, goToTheEndOfWhatIsThere) {
     EXPECT_EQ(text, "see /b/c");
 }
 
+TEST(PathTexts, areOfAsManyFoldersAsThereAre) {
+    for (const std::size_t depth : {29U, 30U, 31U, 1000U}) {
+        HuffmanPathTree set;
+        buildSet(set, {{Names(depth, u"d"), {u"f"}}});
+        std::string expected = "d";
+        for (std::size_t level = 1; level < depth; ++level) expected += "d/";
+        std::string text;
+        set.appendText(1, "/", text);
+        EXPECT_EQ(text, expected + "f");
+    }
+}
+
 TEST(PathTexts, areUtf8) {
     EXPECT_EQ(bytesOfName(u"a\u00E9\u20AC\uFFFF"), "a\xC3\xA9\xE2\x82\xAC\xEF\xBF\xBF");
     EXPECT_EQ(bytesOfName(u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");

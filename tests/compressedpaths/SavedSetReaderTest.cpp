@@ -85,6 +85,20 @@ TEST(SavedSetReader, readsWhatTracksEndWithWhereTheRuleIsWrong) {
     }
 }
 
+TEST(SavedSetReader, refusesMorePathsThanAnEntryCanCount) {
+    constexpr std::uint64_t kMost = FolderEntries::kMaxPathCount;
+    const auto formOf = [](std::uint64_t total) {
+        SavedBody body = twoFiles();
+        body.byte(1).byte(3).byte(0).byte(1).count8(total);  // totals of eight bytes, one of them
+        return body.count8(1).byte(0).byte(0).sized({0});
+    };
+    HuffmanPathTree set;
+    load(set, formOf(kMost));
+    EXPECT_EQ(set.size(), kMost);
+    HuffmanPathTree refused;
+    EXPECT_THROW(load(refused, formOf(kMost + 1)), SetTooLargeException);
+}
+
 TEST(SavedSetReader, endsWithoutErrorAtASectionThatItDoesNotKnow) {
     for (const Bytes& more : {Bytes{2, 0xFF}, Bytes{2}, Bytes{3, 1, 2}, Bytes{0xFF},
                               Bytes{2, 9, 0, 0, 0, 0, 0, 0, 0, 1, 1}}) {

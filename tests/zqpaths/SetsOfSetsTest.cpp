@@ -256,8 +256,9 @@ TEST_F(BrokenSetsOfSets, nameAFileThatIsNoSet) {
 
 TEST_F(BrokenSetsOfSets, refuseRowsThatTheirFileHasNot) {
     SetManifest manifestRead = decodeManifest(contentOf(manifest()));
-    for (const ManifestRow row : {ManifestRow{0, 0, 1, 9, 0}, ManifestRow{0, 1, 1, 10, 0},
-                                  ManifestRow{0, 0, 2, 10, 0}, ManifestRow{0, 0, 1, 10, 1}}) {
+    for (const ManifestRow row :
+         {ManifestRow{0, 0, 1, 9, 0}, ManifestRow{0, 1, 1, 10, 0}, ManifestRow{0, 9, 1, 10, 0},
+          ManifestRow{0, 0, 2, 10, 0}, ManifestRow{0, 0, 1, 10, 1}}) {
         manifestRead.rows[0] = row;
         writeContent(manifest(), encodeManifest(manifestRead));
         const PathSet set = PathSet::open(manifest());
@@ -295,6 +296,14 @@ TEST_F(BrokenSetsOfSets, giveWhatIsThereIfThatIsAskedFor) {
     EXPECT_EQ(set.numberOf("part2/3"), 24U);
     EXPECT_EQ(set.numberOf("part0/3"), std::nullopt);
     EXPECT_EQ(statisticsOf(set, 1).segmentCount, 2U);
+}
+
+TEST_F(BrokenSetsOfSets, giveThePathsBelowWhatIsMissing) {
+    std::filesystem::remove(file(1));
+    const PathSet set = PathSet::openPartial(manifest());
+    EXPECT_EQ(set.path(10), "part0/9");
+    EXPECT_EQ(refusalOf([&] { set.path(11); }).kind, ErrorKind::kNotFound);
+    EXPECT_EQ(set.path(21), "part2/0");
 }
 
 TEST_F(BrokenSetsOfSets, passOverWhatIsMissingWhereverItIs) {
@@ -357,6 +366,17 @@ TEST_F(PlacesOfFiles, areBesideTheManifestThatALinkLeadsTo) {
     std::filesystem::remove(file(1));
     const Refusal refusal = refusalOf([&] { PathSet::open(other.pathOf("link.zqs")).path(11); });
     EXPECT_NE(refusal.text.find(file(1)), std::string::npos);
+}
+
+TEST_F(PlacesOfFiles, areWhereTheManifestSaysIfItSaysAllOfIt) {
+    const test_support::TemporaryTree other;
+    SetManifest manifestRead = decodeManifest(contentOf(manifest()));
+    manifestRead.files[1].path = other.pathOf("moved.zqp");
+    writeContent(manifest(), encodeManifest(manifestRead));
+    std::filesystem::rename(file(1), other.pathOf("moved.zqp"));
+    const PathSet set = PathSet::open(manifest());
+    EXPECT_EQ(set.path(11), "part1/0");
+    EXPECT_EQ(set.fileName(1), other.pathOf("moved.zqp"));
 }
 
 TEST_F(PlacesOfFiles, stayWhereTheyWereWhenTheProcessGoesElsewhere) {

@@ -65,7 +65,7 @@ bool isPlausible(const SegmentEntry& entry) noexcept {
         entry.form == SegmentForm::kImage
             ? entry.treeStringSize == 0
             : entry.treeStringSize % 2 == 0 && entry.treeStringSize < entry.size;
-    return entry.size > 0 && isTextEnough && isTreeStringRight;
+    return isTextEnough && isTreeStringRight;
 }
 
 /// Each run has a path at least, and no path is in two.
@@ -102,16 +102,14 @@ private:
 };
 
 void requirePlausible(const std::vector<SegmentEntry>& segments, TakenExtents& taken) {
-    std::uint64_t pathCount = 0;
-    std::uint64_t textSize = 0;
+    std::uint64_t textSize = 0;  // at least two bytes for each path
     for (std::size_t i = 0; i < segments.size(); ++i) {
         const SegmentEntry& entry = segments[i];
         if (!taken.take(entry.offset, entry.size, kPageSize) || !isPlausible(entry))
             refuseDamage("the directory says of segment " + std::to_string(i + 1) +
                          " what cannot be");
-        pathCount += entry.pathCount;
         textSize += entry.textSize;
-        if (pathCount > kMostInAll || textSize > kMostInAll)
+        if (textSize > kMostInAll)
             refuseDamage("the directory counts more paths than there can be");
     }
 }

@@ -27,10 +27,10 @@ constexpr int kSumDigits = 16;
 
 /// What has no memory throws, where the library's own allocator gives null and nobody looks.
 struct ThrowingAllocator {
-    static void* Malloc(std::size_t size) { return size == 0 ? nullptr : ::operator new(size); }
+    static void* Malloc(std::size_t size) { return ::operator new(size); }
     static void* Realloc(void* old, std::size_t oldSize, std::size_t size) {
         void* const moved = Malloc(size);
-        if (old != nullptr && moved != nullptr) std::memcpy(moved, old, std::min(oldSize, size));
+        if (old != nullptr) std::memcpy(moved, old, std::min(oldSize, size));
         Free(old);
         return moved;
     }

@@ -9,6 +9,10 @@
 namespace zqpaths {
 namespace {
 
+[[noreturn]] void refuseGoneNumbers() {
+    throw Error(ErrorKind::kDamaged, {}, "the gone paths have numbers that cannot be");
+}
+
 /// Makes the runs of numbers that are given in ascending order.
 class RunBuilder {
 public:
@@ -83,7 +87,7 @@ std::uint64_t GonePaths::countBelow(std::uint64_t number) const noexcept {
 std::uint64_t GonePaths::goneNumber(std::uint64_t place) const {
     const auto after = std::ranges::partition_point(
         runs_, [place](const StoredRun& run) { return run.before <= place; });
-    if (after == runs_.begin()) return requireNumber(0);
+    if (after == runs_.begin()) refuseGoneNumbers();
     const auto& [first, before] = *(after - 1);
     return requireNumber(first + (place - before));
 }
@@ -97,8 +101,7 @@ std::uint64_t GonePaths::presentNumber(std::uint64_t place) const {
 }
 
 std::uint64_t GonePaths::requireNumber(std::uint64_t number) const {
-    if (number == 0 || number > pathCount_)
-        throw Error(ErrorKind::kDamaged, {}, "the gone paths have numbers that cannot be");
+    if (number == 0 || number > pathCount_) refuseGoneNumbers();
     return number;
 }
 

@@ -5,6 +5,13 @@
 #include <utility>
 
 namespace zqpaths {
+namespace {
+
+[[noreturn]] void refuse(const SetFile& file, const std::string& reason) {
+    throw Error(ErrorKind::kDamaged, file.path(), reason);
+}
+
+}  // namespace
 
 GonePaths gonePathsOf(const SetFile& file) noexcept {
     const std::optional<BlockEntry>& block = file.state().directory.gone;
@@ -16,15 +23,12 @@ OpenedPart::OpenedPart(std::shared_ptr<const SetFile> file, const SetPart& part)
       gone_(gonePathsOf(*file_)),
       firstNumber_(part.firstNumber),
       pathCount_(part.row.pathCount) {
-    const auto refuse = [this](const std::string& reason) {
-        throw Error(ErrorKind::kDamaged, file_->path(), reason);
-    };
     const std::vector<SegmentEntry>& entries = file_->segments();
     const std::uint64_t first = part.row.firstSegment;
     const std::uint64_t count = part.row.segmentCount;
     if (first > entries.size() || count > entries.size() - first)
-        refuse("has " + std::to_string(entries.size()) + " segments, the set wants " +
-               std::to_string(count) + " after " + std::to_string(first));
+        refuse(*file_, "has " + std::to_string(entries.size()) + " segments, the set wants " +
+                           std::to_string(count) + " after " + std::to_string(first));
     for (std::uint64_t i = 0; i < first; ++i) firstInFile_ += entries[i].pathCount;
     std::uint64_t next = firstNumber_;
     for (std::uint64_t i = first; i < first + count; ++i) {
@@ -32,8 +36,8 @@ OpenedPart::OpenedPart(std::shared_ptr<const SetFile> file, const SetPart& part)
         next += entries[i].pathCount;
     }
     if (next - firstNumber_ != pathCount_)
-        refuse("has " + std::to_string(next - firstNumber_) + " paths there, the set wants " +
-               std::to_string(pathCount_));
+        refuse(*file_, "has " + std::to_string(next - firstNumber_) +
+                           " paths there, the set wants " + std::to_string(pathCount_));
     goneBefore_ = gone_.countBelow(firstInFile_);
 }
 

@@ -230,13 +230,15 @@ void OpenedSet::appendScattered(std::span<const std::uint64_t> numbers, PathBuff
 
 bool OpenedSet::isGone(std::uint64_t number) const {
     const std::size_t i = parts_.ofNumber(number);
-    return parts_[i].goneCount() > 0 && part(i)->isGone(number);
+    if (parts_[i].goneCount() == 0) return false;
+    return part(i)->isGone(number);
 }
 
 std::uint64_t OpenedSet::goneBelow(std::uint64_t number) const {
     if (number > size()) return parts_.goneCount();
     const std::size_t i = parts_.ofNumber(number);
-    return parts_[i].goneBefore + (parts_[i].goneCount() > 0 ? part(i)->goneBelow(number) : 0);
+    if (parts_[i].goneCount() == 0) return parts_[i].goneBefore;
+    return parts_[i].goneBefore + part(i)->goneBelow(number);
 }
 
 std::uint64_t OpenedSet::goneNumber(std::uint64_t place) const {
@@ -247,8 +249,8 @@ std::uint64_t OpenedSet::goneNumber(std::uint64_t place) const {
 std::uint64_t OpenedSet::presentNumber(std::uint64_t place) const {
     const std::size_t i = parts_.ofPresent(place);
     const std::uint64_t inPart = place - parts_[i].presentBefore;
-    return parts_[i].goneCount() > 0 ? part(i)->presentNumber(inPart)
-                                     : parts_[i].firstNumber + inPart;
+    if (parts_[i].goneCount() == 0) return parts_[i].firstNumber + inPart;
+    return part(i)->presentNumber(inPart);
 }
 
 }  // namespace zqpaths

@@ -75,6 +75,30 @@ TEST(CompressedBlocks, expandNoFurtherThanTheLimit) {
     EXPECT_LE(zeros.size(), block.size() * kMaxExpansion);
 }
 
+// Noise fills one piece of the block after the other, most of them in the midst of what is given;
+// of what is more than is taken at a time there is no such limit.
+TEST(BlockCompressor, takesPiecesOfAnySize) {
+    const Bytes random = noise(3'000'000);
+    const Bytes zeros((std::size_t{1} << 25) + 1, 0);
+    BlockCompressor compressor;
+    Bytes all;
+    const auto append = [&](std::span<const std::uint8_t> piece) {
+        compressor.append(piece);
+        all.insert(all.end(), piece.begin(), piece.end());
+    };
+    append({});
+    for (std::size_t size = 1, begin = 0; begin + size <= random.size(); begin += size, size *= 2)
+        append(std::span(random).subspan(begin, size));
+    for (std::size_t begin = 0; begin + 50'000 <= random.size(); begin += 50'000)
+        append(std::span(random).subspan(begin, 50'000));
+    append(zeros);
+    Bytes block;
+    compressor.appendBlockTo(block);
+    const InflatedBlock whole = inflateBlock(block, all.size());
+    EXPECT_TRUE(whole.isWhole);
+    EXPECT_TRUE(whole.bytes == all);
+}
+
 TEST(InflatedBlock, hasNoMoreBytesThanTheLimit) {
     for (const std::size_t size : {1U, 100U, 4096U, 5000U, 300'000U}) {
         Bytes bytes = noise(size);

@@ -8,11 +8,13 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "compressedpaths/BPathTree.hpp"
 #include "compressedpaths/store/PathArena.hpp"
+#include "compressedpaths/store/TrieOrder.hpp"
 
 namespace compressedpaths {
 
@@ -91,6 +93,16 @@ inline std::string listing(const PathArena& arena, PathArena::Id folder = PathAr
         if (inside != PathArena::kNone) line += "[ " + listing(arena, inside) + "] ";
         if (--left == 0) return line;
     }
+}
+
+/// How many nodes the way through all of them has. Throws std::length_error if they are more than
+/// `most`.
+inline std::size_t countNodes(const PathArena& arena, std::size_t most) {
+    std::size_t count = 0;
+    forEachNode(arena, [&](const PathArena::Cursor&, std::uint32_t, bool) {
+        if (++count > most) throw std::length_error("nodes without end");
+    });
+    return count;
 }
 
 inline PathArena::Transaction::Found find(PathArena& arena, PathArena::Id parent,

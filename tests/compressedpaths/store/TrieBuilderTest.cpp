@@ -6,6 +6,7 @@
 
 #include "compressedpaths/BPathTreeExceptions.hpp"
 #include "tests/support/Tries.hpp"
+#include "tests/support/ZeroPages.hpp"
 
 namespace compressedpaths {
 namespace {
@@ -212,6 +213,16 @@ TEST(TrieBuilder, buildsADeepTrieWithoutACallForEachLevel) {
     TrieBuilder builder(structure, keys.size());
     const auto arena = builder.build(TrieBuilder::Keys(keys));
     EXPECT_EQ(arena->folderCount(), kDepth + 1);
+}
+
+// Of none of which there is any more to read than that there are too many.
+TEST(TrieBuilder, refusesMoreNodesThanNumbersReach) {
+    constexpr std::size_t kTooMany = TrieBuilder::kNoNode;
+    const ZeroPages pages(kTooMany);
+    const std::span structure(reinterpret_cast<const std::uint8_t*>(pages.bytes().data()),
+                              kTooMany);
+    EXPECT_THROW(TrieBuilder(structure, kTooMany), SetTooLargeException);
+    EXPECT_NO_THROW(TrieBuilder(structure, 1));
 }
 
 }  // namespace

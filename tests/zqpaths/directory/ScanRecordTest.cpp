@@ -5,6 +5,7 @@
 
 #include <random>
 
+#include "tests/support/ZeroPages.hpp"
 #include "zqpaths/Error.hpp"
 
 namespace zqpaths {
@@ -142,6 +143,27 @@ TEST(ScanRecord, isRefusedIfItsTreeCannotBe) {
     for (const std::string_view name : {"", ".", "..", "a/b"})
         EXPECT_TRUE(isRefused({directory("", 1), directory(name, 0)})) << name;
     EXPECT_TRUE(isRefused({directory("", 1), directory(std::string_view("a\0b", 3), 0)}));
+}
+
+// However long it is: five bytes could be a directory.
+TEST(ScanRecord, isRefusedIfItHasMoreDirectoriesThanNumbersReach) {
+    const ZeroPages pages(5 * (std::uint64_t{1} << 32) + 4096);
+    std::size_t end = 0;
+    const auto put = [&](std::uint64_t number) {
+        for (; number > 0x7F; number >>= 7) pages.bytes()[end++] = std::byte(number | 0x80);
+        pages.bytes()[end++] = std::byte(number);
+    };
+    put(1);                            // scans
+    put(pages.bytes().size() - 1024);  // bytes of the first
+    for (int head = 0; head < 3; ++head) put(0);
+    put(std::uint64_t{1} << 32);
+    try {
+        decodeScans(pages.bytes());
+        FAIL() << "is taken";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.kind(), ErrorKind::kDamaged);
+        EXPECT_STREQ(error.what(), "the scans hold a tree that cannot be");
+    }
 }
 
 TEST(ScanRecord, isRefusedAtEveryShorterLengthAndWithMoreAfterIt) {

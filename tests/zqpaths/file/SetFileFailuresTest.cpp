@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -115,6 +116,35 @@ TEST(SetFile, isReadThroughInterruptions) {
     writeSet(path, SetFileWriter::Mode::kCreate, {"one"});
     const InterruptedSystemCalls interruptions;
     EXPECT_THAT(segmentsOf(path), ::testing::ElementsAre("one"));
+}
+
+std::string emptiedFile;
+
+/// As another process may do it at any time, here before the size is looked at.
+void emptyFile(const char* call) noexcept {
+    if (std::string_view(call) == "fstat")
+        static_cast<void>(::truncate(emptiedFile.c_str(), 0) == 0);
+}
+
+TEST(SetFile, isRefusedIfItIsEmptiedWhileItIsOpened) {
+    const test_support::TemporaryTree tree;
+    emptiedFile = tree.pathOf("s.zqp");
+    Texts reasons;
+    bool hasFailed = true;
+    for (std::size_t call = 1; hasFailed; ++call) {
+        writeSet(emptiedFile, SetFileWriter::Mode::kReplace, {"one"});
+        const FailingSystemCalls calls(call, Effect::kDoesHalf, 0,
+                                       FailingSystemCalls::Scope::kThread, emptyFile);
+        try {
+            SetFile::open(emptiedFile);
+        } catch (const Error& error) {
+            reasons.emplace_back(error.what());
+        }
+        hasFailed = calls.hasFailed();
+    }
+    EXPECT_THAT(reasons, ::testing::Contains(emptiedFile + ": is no saved set"));
+    EXPECT_THAT(reasons, ::testing::Contains(
+                             ::testing::StartsWith(emptiedFile + ": has 0 bytes instead of ")));
 }
 
 TEST(SetFile, lacksMemoryIfItCannotBeMapped) {

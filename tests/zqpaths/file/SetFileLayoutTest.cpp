@@ -366,6 +366,24 @@ TEST(SetFileDirectory, isRefusedIfItsSectionsDoNotFit) {
               "the directory lists its segments twice");
 }
 
+TEST(SetFileDirectory, isDamagedWhereItLiesOutsideItsFile) {
+    const FileBytes file = fileOf({});
+    const Superblock whole = stateOf(file).superblock;
+    EXPECT_NO_THROW(decodeDirectory(file, whole));
+    const std::vector<std::function<void(Superblock&)>> changes{
+        [](Superblock& block) { block.directoryOffset = kPageSize - 8; },
+        [](Superblock& block) { block.directoryOffset = block.end + 8; },
+        [](Superblock& block) { block.directorySize = block.end - block.directoryOffset + 1; },
+        [](Superblock& block) { block.end += 8; }};
+    for (const auto& change : changes) {
+        Superblock outside = whole;
+        change(outside);
+        EXPECT_EQ(
+            refusalOf([&] { decodeDirectory(file, outside); }).text,
+            "the directory at byte " + std::to_string(outside.directoryOffset) + " is damaged");
+    }
+}
+
 TEST(SetFileDirectory, isRefusedIfItListsNoSegments) {
     FileBytes file = fileOf({});
     put32(file, 3 * kPageSize, 6);      // another tag
@@ -405,6 +423,14 @@ TEST(CommittedState, isFoundAtTheEndIfBothSuperblocksAreDamaged) {
     EXPECT_EQ(state.superblock, before.superblock);
     EXPECT_EQ(state.slot, std::nullopt);
     file.push_back({});
+    EXPECT_EQ(refusalOf([&] { stateOf(file); }).text, "both superblocks are damaged");
+}
+
+TEST(CommittedState, isNotTakenFromTheEndIfThatSaysThatTheFileEndsElsewhere) {
+    FileBytes file = fileOf({});
+    for (const std::size_t offset : kSuperblockOffsets) file[offset] ^= std::byte{1};
+    const FileBytes closing(file.end() - kSuperblockSize, file.end());
+    file.insert(file.end(), closing.begin(), closing.end());
     EXPECT_EQ(refusalOf([&] { stateOf(file); }).text, "both superblocks are damaged");
 }
 

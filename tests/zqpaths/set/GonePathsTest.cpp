@@ -124,6 +124,25 @@ TEST(GoneMarks, takeNumbersThatFollowAllOthers) {
                 {runs.bytes, runs.goneCount, 10});
 }
 
+// Pairs of integers, as a file has them: where a run begins, and how many are gone before it.
+TEST(GonePaths, haveNoNumberForAPlaceBeforeTheirFirstRun) {
+    const std::array<std::uint64_t, 2> runs{3, 2};
+    const GonePaths gone(std::as_bytes(std::span(runs)), 4, 9);
+    EXPECT_EQ(gone.goneNumber(2), 3U);
+    EXPECT_THROW(gone.goneNumber(0), Error);
+    EXPECT_THROW(gone.verify(), Error);
+}
+
+TEST(GoneMarks, dropRunsThatEndBeforeTheyBegin) {
+    const std::array<std::uint64_t, 4> runs{3, 0, 8, 0};  // the first has no number
+    const GonePaths before(std::as_bytes(std::span(runs)), 1, 9);
+    GoneMarks marks;
+    marks.markGone(9);
+    const GoneMarks::Runs after = marks.appliedTo(before);
+    expectThese({false, false, false, false, false, false, false, true, true},
+                {after.bytes, after.goneCount, 9});
+}
+
 TEST(GonePaths, areRefusedOrAnsweredWhateverTheRunsSay) {
     constexpr std::uint64_t kCount = 50;
     std::mt19937_64 random(1);

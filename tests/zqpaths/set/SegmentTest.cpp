@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "tests/support/SavedBodies.hpp"
 #include "tests/support/SetFiles.hpp"
 #include "tests/zqpaths/SegmentedSets.hpp"
 
@@ -71,6 +72,32 @@ TEST_P(SegmentTest, isVerified) {
     SegmentEntry entry = file_->segments()[1];
     entry.textSize += 1;
     EXPECT_EQ(refusalOf([&] { Segment(file_, entry, 2).verify(); }).kind, ErrorKind::kDamaged);
+    entry.textSize = std::uint64_t{1} << 61;  // of a body that would be larger than any can be
+    const Segment endless(file_, entry, 2);
+    std::string text;
+    endless.appendPath(3, text);
+    EXPECT_EQ(text, "a/c");
+    EXPECT_EQ(refusalOf([&] { endless.verify(); }).kind, ErrorKind::kDamaged);
+}
+
+// As nobody can add one, but a saved form can have it.
+TEST(DamagedSegment, hasAPathWithoutAByte) {
+    compressedpaths::SavedBody body;
+    body.shape({false, true, true}).trie({2, 0}, {compressedpaths::x(), {0, 0}});
+    const std::vector<std::uint8_t> form = body.folders({2}, {{}}).form(true);
+    std::vector<std::uint8_t> bytes{'x', 0, 'y', 0};
+    bytes.insert(bytes.end(), form.begin(), form.end());
+    const test_support::TemporaryTree tree;
+    SetFileWriter writer(tree.pathOf("s.zqp"), SetFileWriter::Mode::kCreate);
+    writer.append({SegmentForm::kPacked, 2, 4, 4, std::as_bytes(std::span(bytes))});
+    writer.commit();
+    const auto file = SetFile::open(tree.pathOf("s.zqp"));
+    const Segment segment(file, file->segments()[0], 1);
+    std::string text;
+    segment.appendPath(1, text);
+    EXPECT_EQ(text, "x");
+    EXPECT_EQ(refusalOf([&] { segment.verify(); }).text,
+              file->path() + ": segment 1: path number 2 of it is none");
 }
 
 }  // namespace
