@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "zqpaths/set/OrderedWork.hpp"
 #include "zqpaths/text/PathComponents.hpp"
@@ -69,7 +70,7 @@ bool PatternSearch::find(PathVisitor visit) const {
     const std::vector<Slice> all = slices();
     return makeInOrder(
         all.size(), threadCount(), [&](std::size_t i) { return matchesIn(all[i]); },
-        [&](const PathBuffer& paths) { return paths.visit(visit); });
+        [&](Matches matches) { return visitMatches(std::move(matches), visit); });
 }
 
 bool PatternSearch::findNumbers(const std::function<bool(PathNumbers numbers)>& visit) const {
@@ -94,15 +95,35 @@ std::vector<PatternSearch::Slice> PatternSearch::slices() const {
     return slices;
 }
 
-PathBuffer PatternSearch::matchesIn(const Slice& slice) const {
-    const Segment& segment = *slice.in->segment;
-    PathBuffer paths;
-    for (const Candidates& candidates : candidatesIn(slice))
-        segment.forEachPath(candidates.positions, [&](std::size_t position, std::string_view path) {
-            if (candidates.isCertain || matching_.matches(path))
-                paths.append(segment.numberOf(position), path);
-        });
-    return paths;
+/// Reads matches until there are enough to be visited.
+void PatternSearch::readMatches(Matches& matches) const {
+    const Segment& segment = *matches.segment;
+    PathBuffer& paths = matches.paths;
+    paths.clear();
+    for (; !matches.hasAll() && !paths.isFull(); ++matches.next) {
+        auto& [positions, isCertain] = matches.candidates[matches.next];
+        positions.first = segment.forEachPath(
+            positions, [&, isSure = isCertain](std::size_t position, std::string_view path) {
+                if (isSure || matching_.matches(path))
+                    paths.append(segment.numberOf(position), path);
+                return !paths.isFull();
+            });
+        if (positions.first <= positions.last) break;
+    }
+}
+
+PatternSearch::Matches PatternSearch::matchesIn(const Slice& slice) const {
+    Matches matches{slice.in->segment, candidatesIn(slice)};
+    readMatches(matches);
+    return matches;
+}
+
+bool PatternSearch::visitMatches(Matches matches, PathVisitor visit) const {
+    while (matches.paths.visit(visit)) {
+        if (matches.hasAll()) return true;
+        readMatches(matches);
+    }
+    return false;
 }
 
 std::vector<PathNumbers> PatternSearch::numbersIn(const Slice& slice) const {

@@ -78,8 +78,21 @@ private:
         Positions positions;
     };
 
+    /// Paths of a slice that match, and the candidates that have still to be looked at because
+    /// these are so long.
+    struct Matches {
+        const Segment* segment;
+        std::vector<Candidates> candidates;
+        std::size_t next = 0;  // candidate
+        PathBuffer paths{};
+
+        bool hasAll() const noexcept { return next == candidates.size(); }
+    };
+
     std::vector<Slice> slices() const;
-    PathBuffer matchesIn(const Slice& slice) const;
+    Matches matchesIn(const Slice& slice) const;
+    void readMatches(Matches& matches) const;
+    bool visitMatches(Matches matches, PathVisitor visit) const;
     std::vector<PathNumbers> numbersIn(const Slice& slice) const;
     std::vector<Candidates> candidatesIn(const Slice& slice) const;
     FoldersWithPiece foldersWithPieceOf(const PathTree& set) const;
