@@ -91,6 +91,7 @@ std::unique_ptr<HuffmanPathTree> Segment::openImage() const {
     return translated([this] {
         auto set = HuffmanPathTree::openImage(file_->bytesOf(entry_));
         requireCount(*set);
+        requireShortWords(*set);
         return set;
     });
 }
@@ -105,8 +106,16 @@ std::unique_ptr<HuffmanPathTree> Segment::inflate() const {
         set->deserialize(form, true, maxBodySize(entry_.textSize));
         set->inflateHuffman(treeStringOf(bytes.first(entry_.treeStringSize)));
         requireCount(*set);
+        requireShortWords(*set);
         return set;
     });
+}
+
+/// A word longer than those that tables hold whole is one of a character that is rarer than one in
+/// 10^11 (their number grows as Fibonacci's numbers do), and so in no segment. Where each character
+/// has such a word, a code of a few kilobytes makes tables of megabytes.
+void Segment::requireShortWords(const HuffmanPathTree& set) const {
+    if (!set.codeTables().arrays().longWords.isEmpty()) refuse("its code words are too long");
 }
 
 /// The numbers of all segments after this one depend on it.

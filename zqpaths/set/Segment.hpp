@@ -151,6 +151,7 @@ private:
     std::unique_ptr<compressedpaths::HuffmanPathTree> openImage() const;
     std::unique_ptr<compressedpaths::HuffmanPathTree> inflate() const;
     void requireCount(const compressedpaths::HuffmanPathTree& set) const;
+    void requireShortWords(const compressedpaths::HuffmanPathTree& set) const;
 
     std::shared_ptr<const SetFile> file_;
     SegmentEntry entry_;
