@@ -138,12 +138,14 @@ bool visitUnderIn(const Segment& segment, const PathScope& scope,
                   const std::vector<std::u16string>& names, PathVisitor visit) {
     const std::vector<Slice> slices = slicesOf(segment.read(
         [&](const HuffmanPathTree& paths) { return FolderSearch(paths, names).candidates(); }));
+    Segment::TextLeft left(segment);
     const auto readMore = [&](Slice& slice) {
         PathBuffer paths;
         for (; slice.next < slice.positions.size() && !paths.isFull(); ++slice.next) {
             Positions& positions = slice.positions[slice.next];
             positions.first =
                 segment.forEachPath(positions, [&](std::size_t position, std::string_view path) {
+                    left.take(path);
                     if (scope.contains(path)) paths.append(segment.numberOf(position), path);
                     return !paths.isFull();
                 });

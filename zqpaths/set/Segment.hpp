@@ -7,6 +7,7 @@
 //
 // Threads: any number of threads may read it; one of them opens it while the others wait.
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -107,22 +108,41 @@ public:
     /// Throws Error kDamaged with the place of this segment and the reason.
     [[noreturn]] void refuse(std::string_view reason) const;
 
+    /// How much text is left of what the directory says that the segment has. Few bytes can hold
+    /// long folders, and names that many paths have: who reads them can ask how much text that is,
+    /// and work that goes through the paths, each once, gets no more.
+    ///
+    /// Threads: any number of threads may take.
+    class TextLeft {
+    public:
+        explicit TextLeft(const Segment& segment) noexcept
+            : segment_(segment), left_(segment.entry().textSize) {}
+
+        /// Takes the text of a path. Throws Error kDamaged if there is none left.
+        void take(std::string_view path) {
+            const std::uint64_t size = path.size() + 1;
+            if (left_.fetch_sub(size, std::memory_order_relaxed) < size) segment_.refuseText();
+        }
+
+    private:
+        const Segment& segment_;
+        std::atomic<std::uint64_t> left_;
+    };
+
 private:
     /// Ends a call of the core in its midst, which few do.
     struct Stop {};
 
     /// Calls `go(take)`, where `take(position, text)` gives the path to `visit`. Returns how many
-    /// were visited. Few bytes can hold long folders, and names that many paths have: who reads
-    /// them can ask the directory how much text that is, and gets no more.
+    /// were visited.
     template <class Visit, class Go>
     std::size_t visitUntilFalse(Visit& visit, Go go) const {
         std::size_t count = 0;
-        std::uint64_t left = entry_.textSize;
+        TextLeft left(*this);
         try {
             go([&](std::size_t position, std::string_view text) {
                 const std::string_view path = pathOfComponents(text);
-                if (path.size() >= left) refuseText();
-                left -= path.size() + 1;
+                left.take(path);
                 ++count;
                 if constexpr (std::is_void_v<decltype(visit(position, path))>)
                     visit(position, path);

@@ -165,6 +165,35 @@ void addSharedNames(Files& files) {
             image.order();
             return 10'000U * 3;
         }));
+    files.push_back(
+        ofImage("a long folder that 10,000 entries are in", "ratios", [](ImageParts& image) {
+            const std::string name = image.storedName(std::string(100'000, 'd') + '/');
+            const FolderNumber top = image.addFolder(kRoot, 0, name);
+            image.closeRing(kRoot, {kFolderLink | top});
+            const Link run =
+                image.addRun(top, 0, std::vector<std::string>(10'000, image.storedName("f")));
+            image.closeRing(top, {run});
+            for (std::uint32_t i = 0; i < 10'000; ++i) image.addEntry(1, run, i);
+            image.order();
+            return 200'000U;
+        }));
+    files.push_back(
+        ofImage("a comb of 5,000 levels with little text", "depth", [](ImageParts& image) {
+            FolderNumber folder = topFolder(image);
+            std::vector<Link> runs;
+            for (int i = 0; i < 5000; ++i) {
+                const Link run = image.addRun(folder, 0, {image.storedName("f")});
+                const FolderNumber inside = image.addFolder(folder, 1, image.storedName("d"));
+                image.closeRing(folder, {run, kFolderLink | inside});
+                image.addEntry(1, run);
+                folder = inside;
+            }
+            const Link run = image.addRun(folder, 0, {image.storedName("f")});
+            image.closeRing(folder, {run});
+            image.addEntry(1, run);
+            image.order();
+            return 100'000U;
+        }));
     files.push_back(ofImage("samples that lead to one name", "overlaps", [](ImageParts& image) {
         const FolderNumber top = topFolder(image);
         std::vector<std::string> names(50'000, image.storedName("f"));
