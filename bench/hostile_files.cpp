@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -94,6 +95,11 @@ void writeHonest(const std::string& file, Kind kind) {
         writePieces(file, zqpaths::exportPieces(zqpaths::PathSet::open(file)));
 }
 
+const char* nameOf(Kind kind) {
+    constexpr std::array kNames{"an image", "packed", "in pieces", "a set of sets"};
+    return kNames.at(static_cast<std::size_t>(kind));
+}
+
 /// What an honest file of a kind takes, and what it has.
 struct Honest {
     double bytes;
@@ -111,8 +117,8 @@ Honest honest(Kind kind, const std::string& folder) {
     const Honest honest{static_cast<double>(sizeOf(file)), static_cast<double>(reading.statedText),
                         reading.seconds};
     std::filesystem::remove_all(folder);
-    std::printf("honest, of kind %d: %.0f kB, %.1f MB of text, %.1f MiB, %.3f s\n",
-                static_cast<int>(kind), honest.bytes / 1e3, honest.text / 1e6,
+    std::printf("honest, %s: %.0f kB, %.1f MB of text, %.1f MiB, %.3f s\n", nameOf(kind),
+                honest.bytes / 1e3, honest.text / 1e6,
                 static_cast<double>(reading.peakBytes) / (1 << 20), honest.seconds);
     return honest;
 }
