@@ -86,6 +86,9 @@ std::vector<FolderId> HuffmanPathTree::foldersNamed(FolderId folder, std::u16str
         }
     }
     std::sort(found.begin(), found.end());
+    // An order from outside may have folders twice, or in others.
+    found.erase(std::unique(found.begin(), found.end()), found.end());
+    std::erase_if(found, [&](FolderId id) { return parentOf(id) != folder; });
     return found;
 }
 
@@ -94,8 +97,13 @@ void HuffmanPathTree::appendLongNamed(std::span<const PathArena::Id> inFolder,
                                       std::u16string_view name, char16_t filler,
                                       std::vector<FolderId>& found) const {
     const std::uint8_t shortest = kLongName;
-    for (const Id id : arena().fromName(inFolder, {&shortest, 1})) {
-        if (arena().nameOf(id).isAnyKey) continue;  // no name that is text
+    const std::span<const Id> byName = arena().fromName(inFolder, {&shortest, 1});
+    std::vector<Id> ids(byName.begin(), byName.end());
+    std::sort(ids.begin(), ids.end());
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+    std::uint32_t end = 0;
+    for (const Id id : ids) {
+        if (arena().nameAfter(id, end).isAnyKey) continue;  // no name that is text
         const std::u16string whole = nameOf(FolderId{id});
         if (whole.starts_with(name) &&
             whole.find_first_not_of(filler, name.size()) == std::u16string::npos)
@@ -140,9 +148,15 @@ void HuffmanPathTree::forEachEntryOf(Id folder, Visit visit) const {
     auto entry = std::partition_point(order.begin(), order.end(), [&](std::uint32_t number) {
         return folderOfEntry(entryAt(number).entry.place) < folder;
     });
-    for (; entry != order.end(); ++entry) {
+    // Each entry once, and no more paths than there are, so that whatever is said here ends soon.
+    std::uint64_t left = entries_.pathCount();
+    for (auto before = entry; entry != order.end(); before = entry++) {
         const FolderEntries::Cursor cursor = entryAt(*entry);
-        if (folderOfEntry(cursor.entry.place) != folder || !visit(cursor)) return;
+        if (folderOfEntry(cursor.entry.place) != folder) return;
+        if ((entry != before && *entry <= *before) || cursor.entry.pathCount > left)
+            throw InvalidImageException();
+        left -= cursor.entry.pathCount;
+        if (!visit(cursor)) return;
     }
 }
 

@@ -259,6 +259,10 @@ public:
 
     /// The name of a folder: its last component, empty for the root. O(characters).
     std::u16string nameOf(FolderId folder) const;
+    /// Throws InvalidImageException if names of folders lie over one another, as an image may say.
+    /// To be asked before all of them are read, which is in proportion to the image then.
+    /// O(folders).
+    void requireOwnNames() const { arena().requireOwnNames(); }
     /// The folder that a folder is in; of the root, the root. O(1).
     FolderId parentOf(FolderId folder) const;
 
@@ -365,8 +369,8 @@ private:
     const PathArena& arena() const noexcept { return std::as_const(*pathTree).arena(); }
     std::uint64_t totalOfEntries() const noexcept;
     std::optional<FolderEntries::Cursor> entryHolding(std::size_t number) const;
-    std::optional<PathArena::Place> findFile(const FolderEntries::Entry& entry,
-                                             std::uint64_t index) const;
+    std::optional<PathArena::Place> findFile(const FolderEntries::Entry& entry, std::uint64_t index,
+                                             PathArena::Link from = PathArena::kNone) const;
     PathArena::Place fileOf(const FolderEntries::Entry& entry, std::uint64_t index) const;
     PathArena::Id folderOfEntry(const FolderEntries::Place& place) const;
     std::uint64_t firstChildOf(const FolderEntries::Place& place) const;
@@ -408,8 +412,8 @@ private:
         FileNames(const HuffmanPathTree& set, const FolderEntries::Entry& entry,
                   std::uint64_t index);
 
-        bool isThere() const;
-        FileName get() const;
+        bool isThere();
+        FileName get();
         FileName next();  // the same, and goes on
         /// True if this file is in the run that the entry begins in, as most are; and if those
         /// after it are, up to an index.
@@ -421,11 +425,15 @@ private:
         std::uint64_t skipTo(Find find, std::uint64_t most);
 
     private:
+        std::optional<PathArena::Place> findAfterRun();
+
         const HuffmanPathTree& set_;
         FolderEntries::Entry entry_;
         std::uint64_t index_;
         PathArena::Run run_{};
         std::uint32_t offset_ = 0;  // of the name, while it is in the run
+        // The item that the file before was in, after the run: the next is not before it.
+        PathArena::Link item_ = PathArena::kNone;
     };
     FileName fileNameOf(const FolderEntries::Entry& entry, std::uint64_t index) const;
     class FetchedTogether;

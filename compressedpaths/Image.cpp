@@ -324,6 +324,7 @@ void verifyTrie(const PathArena& arena) {
         }
     }
     require(metCount == arena.folderCount());
+    arena.requireOwnNames();
     require(static_cast<std::size_t>(std::count_if(
                 arena.arrays().formerFiles.slots().values().begin(),
                 arena.arrays().formerFiles.slots().values().end(), [](PathArena::Id id) {

@@ -279,10 +279,12 @@ std::uint64_t HuffmanPathTree::firstChildOf(const FolderEntries::Place& place) c
     return std::uint64_t{arena().runAt(place.run).first} + place.skip;
 }
 
-/// A file of an entry, counted from 0. Numbers of paths that were added on their own before the
-/// entry count as its own, so that its last ones can be beyond the files that it has.
+/// A file of an entry, counted from 0; `from` is an item that it is not before, if one is known.
+/// Numbers of paths that were added on their own before the entry count as its own, so that its last
+/// ones can be beyond the files that it has.
 std::optional<PathArena::Place> HuffmanPathTree::findFile(const FolderEntries::Entry& entry,
-                                                          std::uint64_t index) const {
+                                                          std::uint64_t index,
+                                                          PathArena::Link from) const {
     const FolderEntries::Place& place = entry.place;
     Id folder = place.folder;
     std::uint64_t position = place.firstChild + index;
@@ -293,7 +295,7 @@ std::optional<PathArena::Place> HuffmanPathTree::findFile(const FolderEntries::E
         folder = run.folder;
         position = run.first + place.skip + index;
     }
-    return arena().childAt(folder, position, place.run);
+    return arena().childAt(folder, position, from == PathArena::kNone ? place.run : from);
 }
 
 PathArena::Place HuffmanPathTree::fileOf(const FolderEntries::Entry& entry,

@@ -63,8 +63,9 @@ private:
 template <class Text, class Separator>
 void appendFolder(const PathArena& arena, const CodeTables& tables, const Chain& chain,
                   Separator separator, Text& text) {
+    std::uint32_t end = 0;
     for (std::size_t level = 0; level < chain.size(); ++level) {
-        tables.appendText(arena.nameOf(chain[level]), text);
+        tables.appendText(arena.nameAfter(chain[level], end), text);
         if (level > 0) text += separator;
     }
 }
@@ -119,14 +120,24 @@ HuffmanPathTree::FileNames::FileNames(const HuffmanPathTree& set, const FolderEn
             set.arena().nameOffset(run_, static_cast<std::uint32_t>(entry.place.skip + index));
 }
 
-/// False past the files that the folder has.
-bool HuffmanPathTree::FileNames::isThere() const {
-    return isInRun() || set_.findFile(entry_, index_).has_value();
+/// A file past those of the run. Folders can have many items: the way through them goes on where it
+/// ended for the file before.
+std::optional<PathArena::Place> HuffmanPathTree::FileNames::findAfterRun() {
+    const auto file = set_.findFile(entry_, index_, item_);
+    if (file) item_ = file->link;
+    return file;
 }
 
-HuffmanPathTree::FileName HuffmanPathTree::FileNames::get() const {
+/// False past the files that the folder has.
+bool HuffmanPathTree::FileNames::isThere() {
+    return isInRun() || findAfterRun().has_value();
+}
+
+HuffmanPathTree::FileName HuffmanPathTree::FileNames::get() {
     if (isInRun()) return {run_.folder, set_.arena().nameAt(offset_)};
-    return set_.fileNameOf(entry_, index_);
+    const auto file = findAfterRun();
+    if (!file) throw InvalidFileNumberException();
+    return {set_.arena().folderOf(*file), set_.arena().nameOf(*file)};
 }
 
 HuffmanPathTree::FileName HuffmanPathTree::FileNames::next() {
@@ -186,8 +197,10 @@ void HuffmanPathTree::setFolders(FolderText& folder, std::span<const Id> folders
     folder.text.resize(shared == 0 ? 0 : folder.ends.back());
     folder.folders.reserve(folders.size());
     folder.ends.reserve(folders.size());
+    std::uint32_t end = 0;
+    if (shared > 0) static_cast<void>(arena().nameAfter(folders[shared - 1], end));
     for (std::size_t level = shared; level < folders.size(); ++level) {
-        codeTables_.appendText(arena().nameOf(folders[level]), folder.text);
+        codeTables_.appendText(arena().nameAfter(folders[level], end), folder.text);
         if (level > 0) folder.text += separator;
         folder.folders.push_back(folders[level]);
         folder.ends.push_back(folder.text.size());

@@ -23,19 +23,56 @@ PathNumbers pieceFrom(std::uint64_t first, std::uint64_t last) {
     return {first, first + std::min(kPathsPerPiece - 1, last - first)};
 }
 
+/// Some paths, and those after them that have not been read because these are so long.
+struct NumberedPiece {
+    PathBuffer paths;
+    PathNumbers left;
+
+    bool hasAll() const noexcept { return left.first > left.last; }
+};
+
+NumberedPiece makePiece(const OpenedSet& set, PathNumbers numbers) {
+    NumberedPiece piece{{}, numbers};
+    piece.left.first = set.appendPaths(numbers, piece.paths);
+    return piece;
+}
+
+bool visitUpwards(const OpenedSet& set, NumberedPiece piece, PathVisitor visit) {
+    while (piece.paths.visit(visit)) {
+        if (piece.hasAll()) return true;
+        piece = makePiece(set, piece.left);
+    }
+    return false;
+}
+
+/// What is read begins at the lowest number: where that is not all, the half above comes first.
+bool visitDownwards(const OpenedSet& set, const NumberedPiece& piece, PathNumbers numbers,
+                    PathVisitor visit) {
+    if (piece.hasAll()) return piece.paths.visitBackwards(visit);
+    const std::uint64_t middle = numbers.first + (numbers.last - numbers.first) / 2;
+    for (const PathNumbers half :
+         {PathNumbers{middle + 1, numbers.last}, PathNumbers{numbers.first, middle}})
+        if (!visitDownwards(set, makePiece(set, half), half, visit)) return false;
+    return true;
+}
+
 /// The paths from `first` to `last`, in this order or the other one.
 bool visitAll(const OpenedSet& set, PathNumbers numbers, bool isBackwards, PathVisitor visit) {
     const std::uint64_t count = numbers.last - numbers.first + 1;
     const std::uint64_t pieceCount = (count + kPathsPerPiece - 1) / kPathsPerPiece;
-    const auto make = [&](std::size_t step) {
+    const auto numbersOf = [&](std::size_t step) {
         const std::uint64_t piece = isBackwards ? pieceCount - 1 - step : step;
-        PathBuffer paths;
-        set.appendPaths(pieceFrom(numbers.first + piece * kPathsPerPiece, numbers.last), paths);
-        return paths;
+        return pieceFrom(numbers.first + piece * kPathsPerPiece, numbers.last);
     };
-    return makeInOrder(pieceCount, threadsFor(count), make, [&](const PathBuffer& paths) {
-        return isBackwards ? paths.visitBackwards(visit) : paths.visit(visit);
-    });
+    std::size_t taken = 0;
+    return makeInOrder(
+        pieceCount, threadsFor(count),
+        [&](std::size_t step) { return makePiece(set, numbersOf(step)); },
+        [&](NumberedPiece piece) {
+            const PathNumbers own = numbersOf(taken++);
+            return isBackwards ? visitDownwards(set, piece, own, visit)
+                               : visitUpwards(set, std::move(piece), visit);
+        });
 }
 
 /// The number of a path in a segment, if it is there.

@@ -79,6 +79,7 @@ public:
     const T* end() const noexcept { return data_ + size_; }
     std::span<const T> values() const noexcept { return {data_, size_}; }
     std::size_t heapByteSize() const noexcept { return capacity_ * sizeof(T); }
+    bool isBorrowed() const noexcept { return isBorrowed_; }
 
     const T& operator[](std::size_t position) const noexcept {
         assert(position < size_);

@@ -20,6 +20,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "compressedpaths/store/FlatArray.hpp"
 
@@ -46,15 +47,22 @@ public:
     /// than one round, whatever the slots hold.
     template <class IsEqual>
     std::uint32_t find(std::uint64_t hash, IsEqual isEqual) const {
+        return findWithin(slots_.size(), hash, isEqual).value_or(kNone);
+    }
+
+    /// The same, or nothing if it is not known after so many steps.
+    template <class IsEqual>
+    std::optional<std::uint32_t> findWithin(std::size_t steps, std::uint64_t hash,
+                                            IsEqual isEqual) const {
         if (slots_.isEmpty()) return kNone;
         const std::uint32_t tag = tagOf(hash);
         std::size_t slot = hash & mask();
-        for (std::size_t left = slots_.size(); left > 0; --left, slot = (slot + 1) & mask()) {
+        for (; steps > 0; --steps, slot = (slot + 1) & mask()) {
             const std::uint32_t word = slots_[slot];
             if (word == kNone) return kNone;
             if ((word & ~idMask_) == tag && isEqual(word & idMask_)) return word & idMask_;
         }
-        return kNone;
+        return std::nullopt;
     }
 
     /// Makes room for one number, `newId`. `hashOf(id)` is the hash of a number in the table.

@@ -64,6 +64,19 @@ NameView PathArena::nameOf(Id id) const {
     return nameAt(storedNameOffset(id));
 }
 
+NameView PathArena::nameAfter(Id id, std::uint32_t& after) const {
+    const std::uint32_t offset = storedNameOffset(id);
+    if (offset < after) refuse();
+    const NameView name = nameAt(offset);
+    after = static_cast<std::uint32_t>(name.end() - arrays_.names.data());
+    return name;
+}
+
+void PathArena::requireOwnNames() const {
+    std::uint32_t after = 0;
+    for (Id id = 1; id < folderCount(); ++id) static_cast<void>(nameAfter(id, after));
+}
+
 std::uint32_t PathArena::nameOffset(const Run& run, std::uint32_t index) const {
     auto [offset, left] = nearName(run, index);
     for (; left > 0; --left) offset = nameAfter(offset);
@@ -142,9 +155,35 @@ PathArena::Id PathArena::folderAt(const Place& place) const {
 }
 
 PathArena::Id PathArena::formerFileAt(Id parent, std::uint32_t position) const {
-    return arrays_.formerFiles.find(hashOf(parent, position, seed_), [&](Id id) {
+    const auto isIt = [&](Id id) {
         return parentOf(id) == parent && positionOf(id) == position && folder(id).next == kNone;
-    });
+    };
+    const std::uint64_t hash = hashOf(parent, position, seed_);
+    if (!arrays_.formerFiles.slots().isBorrowed()) return arrays_.formerFiles.find(hash, isIt);
+    if (!isCrowded_.load(std::memory_order_relaxed)) {
+        const auto found = arrays_.formerFiles.findWithin(kMostSteps, hash, isIt);
+        if (found) return *found;
+        isCrowded_.store(true, std::memory_order_relaxed);
+    }
+    const IdTable& own = ownFormerFiles_.get([this] { return tableOfFormerFiles(); });
+    return own.find(hashOf(parent, position, processSeed()), isIt);
+}
+
+/// The table of former files with a seed of our own: who knew that of the image could choose keys
+/// which collide.
+IdTable PathArena::tableOfFormerFiles() const {
+    const auto hash = [this](Id id) { return hashOf(parentOf(id), positionOf(id), processSeed()); };
+    IdTable table;
+    for (const Id id : arrays_.formerFiles.slots().values()) {
+        if (id == IdTable::kNone || folder(id).next != kNone) continue;
+        const bool isThere = table.find(hash(id), [&](Id other) {
+            return parentOf(other) == parentOf(id) && positionOf(other) == positionOf(id);
+        }) != IdTable::kNone;
+        if (isThere) continue;
+        table.reserveForOne(id, hash);
+        table.insert(hash(id), id);
+    }
+    return table;
 }
 
 std::optional<PathArena::Place> PathArena::childAt(Id id, std::uint64_t position, Link from) const {
@@ -272,6 +311,9 @@ std::vector<PathArena::Id> PathArena::foldersIn(Id parent) const {
     const std::span<const Id> byName = foldersByNameIn(parent);
     std::vector<Id> ids(byName.begin(), byName.end());
     std::sort(ids.begin(), ids.end());
+    // An order from outside may have folders twice, or in others.
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+    std::erase_if(ids, [&](Id id) { return parentOf(id) != parent; });
     return ids;
 }
 

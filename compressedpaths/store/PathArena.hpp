@@ -20,6 +20,7 @@
 //
 // Threads: reading (const) is safe from many threads while nobody adds.
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -115,6 +116,13 @@ public:
     Id parentOf(Id folder) const;
     std::uint32_t positionOf(Id folder) const;  // not of the root
     NameView nameOf(Id folder) const;           // not of the root
+
+    /// The name of a folder that stands after that of another with a lower id, as it does for all
+    /// folders: `after` is where the other one ends, and becomes where this one does. So names that
+    /// are read in the order of ids, as on the way down to a folder, take no more than all names.
+    NameView nameAfter(Id folder, std::uint32_t& after) const;
+    /// Throws InvalidImageException unless the names of all folders stand so. O(folders).
+    void requireOwnNames() const;
 
     Run runAt(Link link) const;
     std::uint32_t nameOffset(const Run& run, std::uint32_t index) const;
@@ -283,6 +291,7 @@ private:
     std::uint32_t storedNameOffset(Id folder) const;
     bool hasName(std::uint32_t offset, std::span<const std::uint8_t> storedName) const noexcept;
     Id formerFileAt(Id parent, std::uint32_t position) const;
+    IdTable tableOfFormerFiles() const;
 
     void prepareForAdding();
     void requireRoom(std::size_t nameBytes, std::size_t folders) const;
@@ -313,6 +322,11 @@ private:
     std::unordered_map<Id, WideFolder> wideFolders_;
 
     Lazy<FlatArray<Id>> foldersByName_;
+    // For an image in whose table of former files searches take many steps, as by chance they do
+    // not.
+    static constexpr std::size_t kMostSteps = 128;
+    mutable std::atomic<bool> isCrowded_{false};
+    Lazy<IdTable> ownFormerFiles_;
 };
 
 // What fetching a path goes through, here so that it is inlined.

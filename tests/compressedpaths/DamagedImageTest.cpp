@@ -248,5 +248,52 @@ TEST(DamagedImage, isRefusedWhereItsFirstEntryBeginsPastThePathsAskedFor) {
     EXPECT_THROW(opened->forEachText(numbers, "/", ignore), InvalidImageException);
 }
 
+// Who makes an image chooses the seed of its table, and so the slots where keys collide.
+TEST(DamagedImage, hasItsFormerFilesFoundInACrowdedTable) {
+    HuffmanPathTree set;
+    makeCode(set);
+    TextEntries entries{{{u"top"}, {}}};
+    for (int i = 0; i < 600; ++i) {
+        const std::string digits = std::to_string(i);
+        entries.front().files.emplace_back(digits.begin(), digits.end());
+        if (i % 2 == 0) entries.push_back({{u"top", entries.front().files.back()}, {u"in"}});
+    }
+    addBatch(set, entries);
+    const TextPaths paths = walkedPaths(set);
+    ImageBytes image(set);
+    // Another seed leads anywhere, and no free slot ends the search there.
+    image::Header header = image.header();
+    ++header.seed;
+    std::memcpy(image.data(), &header, sizeof header);
+    const image::Extent table = header[image::Part::kFormerFiles];
+    const std::uint32_t top = 1;
+    std::size_t filled = 0;
+    for (std::size_t at = table.offset; at < table.offset + table.byteSize; at += sizeof top) {
+        if (std::memcmp(image.data() + at, "\xFF\xFF\xFF\xFF", sizeof top) != 0) continue;
+        std::memcpy(image.data() + at, &top, sizeof top);
+        ++filled;
+    }
+    ASSERT_GT(filled, 100U);
+    const auto opened = image.open();
+    EXPECT_EQ(walkedPaths(*opened), paths);
+    EXPECT_EQ(pathsByNumber(*opened, opened->size()), pathsByNumber(set, set.size()));
+}
+
+TEST(DamagedImage, isRefusedWhereNamesOfFoldersAreOne) {
+    HuffmanPathTree set;
+    buildSet(set, {{{u"a"}, {u"f"}}, {{u"a", u"b"}, {u"f"}}});
+    ImageBytes image(set);
+    const std::uint64_t folders = image.header()[image::Part::kFolders].offset;
+    // The second field of a record: the name of the folder inside is that of the one around it.
+    std::memcpy(image.data() + folders + 2 * 16 + 4, image.data() + folders + 16 + 4, 4);
+    const auto opened = image.open();
+    std::string text;
+    opened->appendText(1, "/", text);
+    EXPECT_EQ(text, "af");
+    EXPECT_THROW(opened->appendText(2, "/", text), InvalidImageException);
+    EXPECT_THROW(opened->foldersNamedWith(u"a"), InvalidImageException);
+    EXPECT_THROW(opened->requireOwnNames(), InvalidImageException);
+}
+
 }  // namespace
 }  // namespace compressedpaths

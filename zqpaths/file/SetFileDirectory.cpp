@@ -25,6 +25,7 @@ constexpr std::size_t kSegmentEntrySize = 56;
 constexpr std::size_t kBlockEntrySize = 32;
 
 constexpr std::uint64_t kMostInAll = std::uint64_t{1} << 62;  // paths, and bytes of their text
+constexpr std::uint64_t kMostInflated = 1032;  // bytes that a byte of deflate can stand for
 
 /// The entries of a section, one after the other.
 std::vector<SegmentEntry> decodeSegments(ByteReader section) {
@@ -58,6 +59,13 @@ void takeOnce(std::optional<Value>& taken, const char* what, Decode decode) {
     taken = decode();
 }
 
+/// Every path has a name of its own, which takes a byte at least where it is not packed. So the
+/// work that a file asks for is in proportion to its bytes.
+bool hasRoomForPaths(const SegmentEntry& entry) noexcept {
+    const std::uint64_t pathsAByte = entry.form == SegmentForm::kImage ? 1 : kMostInflated;
+    return entry.pathCount / pathsAByte <= entry.size;
+}
+
 bool isPlausible(const SegmentEntry& entry) noexcept {
     const bool isTextEnough = entry.textSize <= kMostInAll && entry.pathCount > 0 &&
                               entry.pathCount <= entry.textSize / 2;  // a byte and one more each
@@ -65,7 +73,7 @@ bool isPlausible(const SegmentEntry& entry) noexcept {
         entry.form == SegmentForm::kImage
             ? entry.treeStringSize == 0
             : entry.treeStringSize % 2 == 0 && entry.treeStringSize < entry.size;
-    return isTextEnough && isTreeStringRight;
+    return isTextEnough && isTreeStringRight && hasRoomForPaths(entry);
 }
 
 /// Each run has a path at least, and no path is in two.

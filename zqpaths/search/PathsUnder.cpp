@@ -111,6 +111,7 @@ private:
 struct Slice {
     std::vector<Positions> positions;
     std::uint64_t count = 0;
+    std::size_t next = 0;  // of the positions: those before it have been read
 };
 
 std::vector<Slice> slicesOf(const std::vector<Positions>& all) {
@@ -137,16 +138,38 @@ bool visitUnderIn(const Segment& segment, const PathScope& scope,
                   const std::vector<std::u16string>& names, PathVisitor visit) {
     const std::vector<Slice> slices = slicesOf(segment.read(
         [&](const HuffmanPathTree& paths) { return FolderSearch(paths, names).candidates(); }));
-    const auto read = [&](std::size_t i) {
+    Segment::TextLeft left(segment);
+    const auto readMore = [&](Slice& slice) {
         PathBuffer paths;
-        for (const Positions& positions : slices[i].positions)
-            segment.forEachPath(positions, [&](std::size_t position, std::string_view path) {
-                if (scope.contains(path)) paths.append(segment.numberOf(position), path);
-            });
+        for (; slice.next < slice.positions.size() && !paths.isFull(); ++slice.next) {
+            Positions& positions = slice.positions[slice.next];
+            positions.first =
+                segment.forEachPath(positions, [&](std::size_t position, std::string_view path) {
+                    left.take(path);
+                    if (scope.contains(path)) paths.append(segment.numberOf(position), path);
+                    return !paths.isFull();
+                });
+            if (positions.first <= positions.last) break;
+        }
         return paths;
     };
-    return makeInOrder(slices.size(), threadsFor(slices.size() * kPathsPerPiece), read,
-                       [visit](const PathBuffer& paths) { return paths.visit(visit); });
+    struct Piece {
+        Slice left;
+        PathBuffer paths;
+    };
+    const auto read = [&](std::size_t i) {
+        Piece piece{slices[i], {}};
+        piece.paths = readMore(piece.left);
+        return piece;
+    };
+    const auto take = [&](Piece piece) {
+        while (piece.paths.visit(visit)) {
+            if (piece.left.next == piece.left.positions.size()) return true;
+            piece.paths = readMore(piece.left);
+        }
+        return false;
+    };
+    return makeInOrder(slices.size(), threadsFor(slices.size() * kPathsPerPiece), read, take);
 }
 
 }  // namespace

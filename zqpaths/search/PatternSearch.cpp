@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "zqpaths/set/OrderedWork.hpp"
 #include "zqpaths/text/PathComponents.hpp"
@@ -69,7 +70,7 @@ bool PatternSearch::find(PathVisitor visit) const {
     const std::vector<Slice> all = slices();
     return makeInOrder(
         all.size(), threadCount(), [&](std::size_t i) { return matchesIn(all[i]); },
-        [&](const PathBuffer& paths) { return paths.visit(visit); });
+        [&](Matches matches) { return visitMatches(std::move(matches), visit); });
 }
 
 bool PatternSearch::findNumbers(const std::function<bool(PathNumbers numbers)>& visit) const {
@@ -94,15 +95,36 @@ std::vector<PatternSearch::Slice> PatternSearch::slices() const {
     return slices;
 }
 
-PathBuffer PatternSearch::matchesIn(const Slice& slice) const {
-    const Segment& segment = *slice.in->segment;
-    PathBuffer paths;
-    for (const Candidates& candidates : candidatesIn(slice))
-        segment.forEachPath(candidates.positions, [&](std::size_t position, std::string_view path) {
-            if (candidates.isCertain || matching_.matches(path))
-                paths.append(segment.numberOf(position), path);
-        });
-    return paths;
+/// Reads matches until there are enough to be visited.
+void PatternSearch::readMatches(Matches& matches) const {
+    const Segment& segment = *matches.in->segment;
+    PathBuffer& paths = matches.paths;
+    paths.clear();
+    for (; !matches.hasAll() && !paths.isFull(); ++matches.next) {
+        auto& [positions, isCertain] = matches.candidates[matches.next];
+        positions.first = segment.forEachPath(
+            positions, [&, isSure = isCertain](std::size_t position, std::string_view path) {
+                matches.in->readText.take(path);
+                if (isSure || matching_.matches(path))
+                    paths.append(segment.numberOf(position), path);
+                return !paths.isFull();
+            });
+        if (positions.first <= positions.last) break;
+    }
+}
+
+PatternSearch::Matches PatternSearch::matchesIn(const Slice& slice) const {
+    Matches matches{slice.in, candidatesIn(slice)};
+    readMatches(matches);
+    return matches;
+}
+
+bool PatternSearch::visitMatches(Matches matches, PathVisitor visit) const {
+    while (matches.paths.visit(visit)) {
+        if (matches.hasAll()) return true;
+        readMatches(matches);
+    }
+    return false;
 }
 
 std::vector<PathNumbers> PatternSearch::numbersIn(const Slice& slice) const {
@@ -120,6 +142,7 @@ std::vector<PathNumbers> PatternSearch::numbersIn(const Slice& slice) const {
             append(positions.first, positions.last);
         else
             segment.forEachPath(positions, [&](std::size_t position, std::string_view path) {
+                slice.in->readText.take(path);
                 if (matching_.matches(path)) append(position, position);
             });
     }
@@ -142,7 +165,7 @@ std::vector<PatternSearch::Candidates> PatternSearch::candidatesIn(const Slice& 
         }
         set.forEachEntry(slice.positions, [&](PathTree::FolderId folder, Positions positions) {
             if (folders[static_cast<std::size_t>(folder)])
-                appendFilesOfFolder(set, positions, named, list);
+                appendFilesOfFolder(*slice.in, set, positions, named, list);
             else
                 list.appendNamed(named, positions);
         });
@@ -162,14 +185,15 @@ PatternSearch::FoldersWithPiece PatternSearch::foldersWithPieceOf(const PathTree
 }
 
 /// Files of a folder whose text holds the piece; `named` are those whose names hold it.
-void PatternSearch::appendFilesOfFolder(const PathTree& set, Positions positions,
-                                        const std::vector<std::size_t>& named,
+void PatternSearch::appendFilesOfFolder(const SearchedSegment& in, const PathTree& set,
+                                        Positions positions, const std::vector<std::size_t>& named,
                                         CandidateList& list) const {
     if (isAllPiece_ || !matching_.fixedText) return list.append(positions, isAllPiece_);
 
     std::string path;
     set.appendText(positions.first, Segment::kSeparatorText, path);
     const std::string_view plainPath = pathOfComponents(path);
+    in.foldersText.take(plainPath);
     const std::string_view folderText = plainPath.substr(0, folderLength(plainPath));
     if (folderText.find(*matching_.fixedText) != std::string_view::npos)
         list.append(positions, true);

@@ -67,9 +67,11 @@ private:
     /// Which folders of a segment have a text that holds the piece; nothing if none has.
     using FoldersWithPiece = std::vector<bool>;
     struct SearchedSegment {
-        explicit SearchedSegment(const Segment& of) : segment(&of) {}
+        explicit SearchedSegment(const Segment& of) : segment(&of), readText(of), foldersText(of) {}
 
         const Segment* segment;
+        mutable Segment::TextLeft readText;     // of candidates, each looked at once
+        mutable Segment::TextLeft foldersText;  // of one path an entry
         compressedpaths::Lazy<FoldersWithPiece> foldersWithPiece;
     };
     /// What is searched in one go.
@@ -78,12 +80,25 @@ private:
         Positions positions;
     };
 
+    /// Paths of a slice that match, and the candidates that have still to be looked at because
+    /// these are so long.
+    struct Matches {
+        const SearchedSegment* in;
+        std::vector<Candidates> candidates;
+        std::size_t next = 0;  // candidate
+        PathBuffer paths{};
+
+        bool hasAll() const noexcept { return next == candidates.size(); }
+    };
+
     std::vector<Slice> slices() const;
-    PathBuffer matchesIn(const Slice& slice) const;
+    Matches matchesIn(const Slice& slice) const;
+    void readMatches(Matches& matches) const;
+    bool visitMatches(Matches matches, PathVisitor visit) const;
     std::vector<PathNumbers> numbersIn(const Slice& slice) const;
     std::vector<Candidates> candidatesIn(const Slice& slice) const;
     FoldersWithPiece foldersWithPieceOf(const PathTree& set) const;
-    void appendFilesOfFolder(const PathTree& set, Positions positions,
+    void appendFilesOfFolder(const SearchedSegment& in, const PathTree& set, Positions positions,
                              const std::vector<std::size_t>& named, CandidateList& list) const;
 
     const Pattern::Matching& matching_;

@@ -178,7 +178,7 @@ void OpenedSet::appendPath(std::uint64_t number, std::string& text) const {
     segment->appendPath(segment->positionOf(number), text);
 }
 
-void OpenedSet::appendPaths(PathNumbers numbers, PathBuffer& paths) const {
+std::uint64_t OpenedSet::appendPaths(PathNumbers numbers, PathBuffer& paths) const {
     for (auto there = nextThere(numbers.first); there && there->first <= numbers.last;
          there = nextThere(numbers.first)) {
         numbers.first = there->first;
@@ -187,31 +187,38 @@ void OpenedSet::appendPaths(PathNumbers numbers, PathBuffer& paths) const {
         const std::uint64_t count = last - numbers.first + 1;
         paths.reserve(paths.size() + count,
                       paths.textSize() + count * likelySize(segment->entry()));
-        segment->forEachPath({segment->positionOf(numbers.first), segment->positionOf(last)},
-                             [&](std::size_t position, std::string_view path) {
-                                 paths.append(segment->numberOf(position), path);
-                             });
-        numbers.first = last + 1;
+        const std::size_t next =
+            segment->forEachPath({segment->positionOf(numbers.first), segment->positionOf(last)},
+                                 [&](std::size_t position, std::string_view path) {
+                                     paths.append(segment->numberOf(position), path);
+                                     return !paths.isFull();
+                                 });
+        numbers.first = segment->numberOf(next);
+        if (paths.isFull()) return numbers.first;
     }
+    return numbers.last + 1;
 }
 
-void OpenedSet::appendPaths(std::span<const std::uint64_t> numbers, PathBuffer& paths) const {
+bool OpenedSet::appendPaths(std::span<const std::uint64_t> numbers, PathBuffer& paths) const {
     paths.reserve(paths.size() + numbers.size(), 0);
     while (!numbers.empty()) {
         std::size_t size = 0;
         if (beginsWithRange(numbers)) {
             size = sizeOfRange(numbers);
-            appendPaths(PathNumbers{numbers.front(), numbers[size - 1]}, paths);
+            if (appendPaths(PathNumbers{numbers.front(), numbers[size - 1]}, paths) !=
+                numbers[size - 1] + 1)
+                return false;
         } else {
             do ++size;
             while (size < numbers.size() && !beginsWithRange(numbers.subspan(size)));
-            appendScattered(numbers.first(size), paths);
+            if (!appendScattered(numbers.first(size), paths)) return false;
         }
         numbers = numbers.subspan(size);
     }
+    return true;
 }
 
-void OpenedSet::appendScattered(std::span<const std::uint64_t> numbers, PathBuffer& paths) const {
+bool OpenedSet::appendScattered(std::span<const std::uint64_t> numbers, PathBuffer& paths) const {
     std::vector<std::size_t> positions;
     for (auto next = numbers.begin(); next != numbers.end();) {
         const PinnedSegment segment = segmentOf(*next);
@@ -219,11 +226,15 @@ void OpenedSet::appendScattered(std::span<const std::uint64_t> numbers, PathBuff
         for (; next != numbers.end() && *next <= segment->lastNumber(); ++next)
             positions.push_back(segment->positionOf(*next));
         paths.reserve(0, paths.textSize() + positions.size() * likelySize(segment->entry()));
-        segment->forEachPath(std::span<const std::size_t>(positions),
-                             [&](std::size_t position, std::string_view path) {
-                                 paths.append(segment->numberOf(position), path);
-                             });
+        const std::size_t count =
+            segment->forEachPath(std::span<const std::size_t>(positions),
+                                 [&](std::size_t position, std::string_view path) {
+                                     paths.append(segment->numberOf(position), path);
+                                     return !paths.isFull();
+                                 });
+        if (count < positions.size()) return false;
     }
+    return true;
 }
 
 // --- Paths that are gone.

@@ -122,13 +122,15 @@ public:
     /// bytes).
     void appendPath(std::uint64_t number, std::string& text) const;
 
-    /// Appends the paths with these numbers, which there are, but for those that are missing.
-    /// Throws Error kDamaged. O(log entries + bytes).
-    void appendPaths(PathNumbers numbers, PathBuffer& paths) const;
+    /// Appends the paths with these numbers, which there are, but for those that are missing, until
+    /// the buffer is full. Returns the first number that was not looked at. Throws Error kDamaged.
+    /// O(log entries + bytes).
+    std::uint64_t appendPaths(PathNumbers numbers, PathBuffer& paths) const;
 
-    /// Appends the paths with these numbers, which there are and which ascend, none twice. Throws
-    /// Error kDamaged. O(log entries + bytes) each; less for many neighbours.
-    void appendPaths(std::span<const std::uint64_t> numbers, PathBuffer& paths) const;
+    /// Appends the paths with these numbers, which there are and which ascend, none twice, until
+    /// the buffer is full; false if some are left. Throws Error kDamaged. O(log entries + bytes)
+    /// each; less for many neighbours.
+    bool appendPaths(std::span<const std::uint64_t> numbers, PathBuffer& paths) const;
 
     // --- Paths that are gone. O(log parts + log runs of neighbours that are); throw as
     // OpenedParts::pin.
@@ -146,7 +148,7 @@ private:
     void findMissing();
     std::vector<PathSet::Missing>::const_iterator firstMissingUpFrom(
         std::uint64_t number) const noexcept;
-    void appendScattered(std::span<const std::uint64_t> numbers, PathBuffer& paths) const;
+    bool appendScattered(std::span<const std::uint64_t> numbers, PathBuffer& paths) const;
 
     std::string name_;
     std::uint64_t fingerprint_;

@@ -34,6 +34,10 @@ public:
         ends_.clear();
     }
 
+    /// True once it holds so much text that no more is to be read ahead: paths can be long, and
+    /// many pieces wait for one another.
+    bool isFull() const noexcept { return text_.size() >= kMuchText; }
+
     std::size_t size() const noexcept { return ends_.size(); }
     bool isEmpty() const noexcept { return ends_.empty(); }
     std::size_t textSize() const noexcept { return text_.size(); }
@@ -56,6 +60,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t kMuchText = std::size_t{1} << 21;
+
     struct End {
         std::uint64_t number;
         std::size_t end;  // in the text

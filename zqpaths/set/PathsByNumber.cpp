@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -12,10 +13,12 @@ namespace zqpaths {
 namespace {
 
 /// The paths of some numbers, ascending and none twice, and where the one is that each number asks
-/// for.
+/// for. Not all of them where they are so long that they are better fetched one by one.
 struct Piece {
+    std::span<const std::uint64_t> numbers;
     PathBuffer paths;
     std::vector<std::uint32_t> places;
+    bool hasAll = false;
 };
 
 Piece makePiece(const OpenedSet& set, std::span<const std::uint64_t> numbers) {
@@ -23,16 +26,29 @@ Piece makePiece(const OpenedSet& set, std::span<const std::uint64_t> numbers) {
     for (std::uint32_t i = 0; i < order.size(); ++i) order[i] = {numbers[i], i};
     if (!std::ranges::is_sorted(numbers)) std::ranges::sort(order);
 
-    Piece piece;
-    piece.places.resize(numbers.size());
+    Piece piece{numbers, {}, std::vector<std::uint32_t>(numbers.size()), false};
     std::vector<std::uint64_t> ascending;
     ascending.reserve(numbers.size());
     for (const auto& [number, asked] : order) {
         if (ascending.empty() || ascending.back() != number) ascending.push_back(number);
         piece.places[asked] = static_cast<std::uint32_t>(ascending.size() - 1);
     }
-    set.appendPaths(ascending, piece.paths);
+    piece.hasAll = set.appendPaths(ascending, piece.paths);
+    if (!piece.hasAll) piece.paths = {};
     return piece;
+}
+
+bool visitPiece(const OpenedSet& set, const Piece& piece, PathVisitor visit) {
+    if (piece.hasAll)
+        return std::ranges::all_of(piece.places, [&](std::uint32_t place) {
+            return visit(piece.paths.numberAt(place), piece.paths[place]);
+        });
+    std::string path;
+    return std::ranges::all_of(piece.numbers, [&](std::uint64_t number) {
+        path.clear();
+        set.appendPath(number, path);
+        return visit(number, path);
+    });
 }
 
 /// Far apart, some thousands of paths take as long as starting many threads.
@@ -54,11 +70,8 @@ void visitByNumber(const OpenedSet& set, std::span<const std::uint64_t> numbers,
         const std::size_t begin = beginOf(piece);
         return makePiece(set, numbers.subspan(begin, beginOf(piece + 1) - begin));
     };
-    makeInOrder(pieceCount, threads, make, [&](const Piece& piece) {
-        return std::ranges::all_of(piece.places, [&](std::uint32_t place) {
-            return visit(piece.paths.numberAt(place), piece.paths[place]);
-        });
-    });
+    makeInOrder(pieceCount, threads, make,
+                [&](const Piece& piece) { return visitPiece(set, piece, visit); });
 }
 
 }  // namespace zqpaths

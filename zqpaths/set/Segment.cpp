@@ -33,8 +33,15 @@ Segment::Segment(std::shared_ptr<const SetFile> file, const SegmentEntry& entry,
     : file_(std::move(file)), entry_(entry), firstNumber_(firstNumber) {}
 
 const HuffmanPathTree& Segment::set() const {
-    return *set_.get(
-        [this] { return entry_.form == SegmentForm::kImage ? openImage() : inflate(); });
+    const Opened& opened = opened_.get([this]() -> Opened {
+        try {
+            return {openAnew(), std::nullopt};
+        } catch (const Error& damage) {
+            return {nullptr, damage};
+        }
+    });
+    if (opened.damage) throw Error(*opened.damage);
+    return *opened.set;
 }
 
 std::unique_ptr<HuffmanPathTree> Segment::openAnew() const {
@@ -54,12 +61,13 @@ void Segment::verify(const WorkWatcher& watch) const {
             HuffmanPathTree::verifyImage(file_->bytesOf(entry_));
         const auto set = openAnew();
         std::uint64_t textSize = 0;
-        forEachPathOf(*set, {1, set->size()}, [&](std::size_t position, std::string_view path) {
+        const auto look = [&](std::size_t position, std::string_view path) {
             textSize += path.size() + 1;
             if (watch && position % kPathsATelling == 0) watch(WorkStep::kReading, kPathsATelling);
             if (path.empty() || path.find('\0') != std::string_view::npos)
                 refuse("path number " + std::to_string(position) + " of it is none");
-        });
+        };
+        forEachPathOf(*set, {1, set->size()}, look);
         if (watch) watch(WorkStep::kReading, set->size() % kPathsATelling);
         if (textSize != entry_.textSize)
             refuse("its paths are " + std::to_string(textSize) +
@@ -74,10 +82,16 @@ void Segment::refuse(std::string_view reason) const {
                 "segment " + std::to_string(place) + ": " + std::string(reason));
 }
 
+void Segment::refuseText() const {
+    refuse("its paths are more than the " + std::to_string(entry_.textSize) +
+           " bytes of text that the directory says");
+}
+
 std::unique_ptr<HuffmanPathTree> Segment::openImage() const {
     return translated([this] {
         auto set = HuffmanPathTree::openImage(file_->bytesOf(entry_));
         requireCount(*set);
+        requireShortWords(*set);
         return set;
     });
 }
@@ -92,8 +106,16 @@ std::unique_ptr<HuffmanPathTree> Segment::inflate() const {
         set->deserialize(form, true, maxBodySize(entry_.textSize));
         set->inflateHuffman(treeStringOf(bytes.first(entry_.treeStringSize)));
         requireCount(*set);
+        requireShortWords(*set);
         return set;
     });
+}
+
+/// A word longer than those that tables hold whole is one of a character that is rarer than one in
+/// 10^11 (their number grows as Fibonacci's numbers do), and so in no segment. Where each character
+/// has such a word, a code of a few kilobytes makes tables of megabytes.
+void Segment::requireShortWords(const HuffmanPathTree& set) const {
+    if (!set.codeTables().arrays().longWords.isEmpty()) refuse("its code words are too long");
 }
 
 /// The numbers of all segments after this one depend on it.

@@ -7,14 +7,17 @@
 //
 // Threads: any number of threads may read it; one of them opens it while the others wait.
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <memory>
 #include <new>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "compressedpaths/HuffmanPathTree.hpp"
 #include "compressedpaths/store/Lazy.hpp"
@@ -57,24 +60,23 @@ public:
 
     using Positions = compressedpaths::HuffmanPathTree::NumberRange;
 
-    /// Calls `visit(position, path)` from one position to another, which there are. `visit` is of
-    /// our own and throws std::bad_alloc only. Throws Error kDamaged. O(log entries + bytes).
+    /// Calls `visit(position, path)` from one position to another, which there are, until it
+    /// returns false, if it returns bool. Returns the first position that was not visited. `visit`
+    /// is of our own and throws std::bad_alloc only. Throws Error kDamaged. O(log entries + bytes).
     template <class Visit>
-    void forEachPath(Positions positions, Visit visit) const {
-        read([&](const compressedpaths::HuffmanPathTree& set) {
-            forEachPathOf(set, positions, visit);
-        });
+    std::size_t forEachPath(Positions positions, Visit visit) const {
+        return positions.first + read([&](const compressedpaths::HuffmanPathTree& set) {
+                   return forEachPathOf(set, positions, visit);
+               });
     }
 
-    /// The same for any positions, which there are, in the order given; soonest if they ascend.
-    /// O(log entries + bytes) each.
+    /// The same for any positions, which there are, each once, in the order given; soonest if they
+    /// ascend. Returns how many were visited. O(log entries + bytes) each.
     template <class Visit>
-    void forEachPath(std::span<const std::size_t> positions, Visit visit) const {
-        read([&](const compressedpaths::HuffmanPathTree& set) {
-            set.forEachText(positions, kSeparatorText,
-                            [&](std::size_t position, std::string_view text) {
-                                visit(position, pathOfComponents(text));
-                            });
+    std::size_t forEachPath(std::span<const std::size_t> positions, Visit visit) const {
+        return read([&](const compressedpaths::HuffmanPathTree& set) {
+            return visitUntilFalse(
+                visit, [&](const auto& take) { set.forEachText(positions, kSeparatorText, take); });
         });
     }
 
@@ -106,28 +108,80 @@ public:
     /// Throws Error kDamaged with the place of this segment and the reason.
     [[noreturn]] void refuse(std::string_view reason) const;
 
+    /// How much text is left of what the directory says that the segment has. Few bytes can hold
+    /// long folders, and names that many paths have: who reads them can ask how much text that is,
+    /// and work that goes through the paths, each once, gets no more.
+    ///
+    /// Threads: any number of threads may take.
+    class TextLeft {
+    public:
+        explicit TextLeft(const Segment& segment) noexcept
+            : segment_(segment), left_(segment.entry().textSize) {}
+
+        /// Takes the text of a path. Throws Error kDamaged if there is none left.
+        void take(std::string_view path) {
+            const std::uint64_t size = path.size() + 1;
+            if (left_.fetch_sub(size, std::memory_order_relaxed) < size) segment_.refuseText();
+        }
+
+    private:
+        const Segment& segment_;
+        std::atomic<std::uint64_t> left_;
+    };
+
 private:
-    template <class Visit>
-    static void forEachPathOf(const compressedpaths::HuffmanPathTree& set, Positions positions,
-                              Visit visit) {
+    /// Ends a call of the core in its midst, which few do.
+    struct Stop {};
+
+    /// Calls `go(take)`, where `take(position, text)` gives the path to `visit`. Returns how many
+    /// were visited.
+    template <class Visit, class Go>
+    std::size_t visitUntilFalse(Visit& visit, Go go) const {
         std::size_t count = 0;
-        set.forEachText(positions.first, positions.last, kSeparatorText,
-                        [&](std::size_t position, std::string_view text) {
-                            visit(position, pathOfComponents(text));
-                            ++count;
-                        });
-        if (count != positions.last - positions.first + 1)
-            throw compressedpaths::InvalidPathNumberException();  // there are fewer entries
+        TextLeft left(*this);
+        try {
+            go([&](std::size_t position, std::string_view text) {
+                const std::string_view path = pathOfComponents(text);
+                left.take(path);
+                ++count;
+                if constexpr (std::is_void_v<decltype(visit(position, path))>)
+                    visit(position, path);
+                else if (!visit(position, path))
+                    throw Stop();
+            });
+        } catch (const Stop&) {
+        }
+        return count;
     }
 
+    template <class Visit>
+    std::size_t forEachPathOf(const compressedpaths::HuffmanPathTree& set, Positions positions,
+                              Visit& visit) const {
+        bool isAtEnd = false;
+        const std::size_t count = visitUntilFalse(visit, [&](const auto& take) {
+            set.forEachText(positions.first, positions.last, kSeparatorText, take);
+            isAtEnd = true;
+        });
+        if (isAtEnd && count != positions.last - positions.first + 1)
+            throw compressedpaths::InvalidPathNumberException();  // there are fewer entries
+        return count;
+    }
+
+    [[noreturn]] void refuseText() const;
     std::unique_ptr<compressedpaths::HuffmanPathTree> openImage() const;
     std::unique_ptr<compressedpaths::HuffmanPathTree> inflate() const;
     void requireCount(const compressedpaths::HuffmanPathTree& set) const;
+    void requireShortWords(const compressedpaths::HuffmanPathTree& set) const;
 
     std::shared_ptr<const SetFile> file_;
     SegmentEntry entry_;
     std::uint64_t firstNumber_;
-    compressedpaths::Lazy<std::unique_ptr<compressedpaths::HuffmanPathTree>> set_;
+    /// The set, or why there is none, so that what cannot be opened is not tried each time.
+    struct Opened {
+        std::unique_ptr<compressedpaths::HuffmanPathTree> set;
+        std::optional<Error> damage;
+    };
+    compressedpaths::Lazy<Opened> opened_;
 };
 
 }  // namespace zqpaths

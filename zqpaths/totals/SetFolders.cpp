@@ -28,6 +28,7 @@ std::size_t lengthOfName(std::basic_string_view<Character> component) {
 
 void SetFolders::add(std::uint64_t place, const PinnedSegment& segment,
                      const HuffmanPathTree& set) {
+    set.requireOwnNames();
     std::vector<std::size_t> places(set.folderCount(), kTop);
     for (std::size_t id = 1; id < places.size(); ++id) {
         const FolderId folder{static_cast<std::uint32_t>(id)};

@@ -314,6 +314,11 @@ TEST(SetFileDirectory, isRefusedIfItCountsWhatCannotBe) {
         [](SegmentEntry& entry) {
             entry.form = SegmentForm::kPacked;
             entry.treeStringSize = 12;
+        },
+        [](SegmentEntry& entry) { entry.pathCount = 11; },  // in ten bytes
+        [](SegmentEntry& entry) {
+            entry.form = SegmentForm::kPacked;
+            entry.pathCount = std::uint64_t{1} << 20;
         }};
     for (std::size_t i = 0; i < changes.size(); ++i) {
         SegmentEntry entry = entryAt(4096, 10);
@@ -326,7 +331,6 @@ TEST(SetFileDirectory, isRefusedIfItCountsWhatCannotBe) {
     }
     SegmentEntry many = entryAt(4096, 10);
     many.textSize = std::uint64_t{1} << 61;
-    many.pathCount = std::uint64_t{1} << 60;
     Directory directory;
     for (std::uint64_t i = 1; i <= 3; ++i) {
         many.offset = i * kPageSize;
