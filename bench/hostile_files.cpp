@@ -147,7 +147,7 @@ bool measure(const HostileFile& hostile, const Honest& honest, const std::string
                 reading.slowest.data(),
                 reading.failure.front() != 0 ? reading.failure.data() : reading.refusal.data(),
                 isWithin ? "" : " **beyond**");
-    std::fflush(stdout);
+    static_cast<void>(std::fflush(stdout));
     return isWithin;
 }
 

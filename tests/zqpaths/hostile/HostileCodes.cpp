@@ -65,7 +65,8 @@ std::string nameOfOnes(std::size_t bitCount) {
 }
 
 /// A file in a folder, both of these names.
-void putFile(ImageParts& image, const std::string& folderName, std::vector<std::string> names) {
+void putFile(ImageParts& image, const std::string& folderName,
+             const std::vector<std::string>& names) {
     const FolderNumber folder = image.addFolder(kRoot, 0, folderName);
     image.closeRing(kRoot, {kFolderLink | folder});
     const Link run = image.addRun(folder, 0, names);
@@ -92,7 +93,7 @@ void addCombs(Files& files) {
     files.push_back(
         ofCode("a comb with words of 56 bits", "long code words", [](ImageParts& image) {
             putCode(image, combOf(57), charactersFrom('a', 57));
-            const std::vector<std::string> names(1000, nameOfOnes(56 * 100));
+            const std::vector<std::string> names(1000, nameOfOnes(5600));
             putFile(image, nameOfOnes(56), names);
             return 1000U * 203;  // each character is a Latin letter of two bytes
         }));

@@ -99,8 +99,7 @@ void addLies(Files& files) {
     addForm(files, "2^60 paths of ten files", "counts", hugeTotal, {10, 30});
     addForm(files, "2^62 nodes", "counts",
             [] { return bodyOfTwoCharacters().count8(std::uint64_t{1} << 62).byte(0); }, {10, 30});
-    addForm(files, "tracks that all go down to the end", "depth", deepTracks, {200, 200 * 401},
-            true);
+    addForm(files, "tracks that all go down to the end", "depth", deepTracks, {200, 80'200}, true);
 }
 
 void addSizes(Files& files) {

@@ -59,7 +59,7 @@ void addHostileManifests(Files& files) {
          }});
     files.push_back(
         {"200,000 levels of JSON", "depth", Kind::kSetOfSets, [](const std::string& file) {
-             writeContent(file, "{\"zqs\": 1, \"files\": " + std::string(200'000, '['));
+             writeContent(file, R"({"zqs": 1, "files": )" + std::string(200'000, '['));
          }});
 }
 

@@ -126,6 +126,7 @@ void addSharedNames(Files& files) {
         const std::uint32_t name =
             image.addNames(varint(0) + image.storedName(std::string(200'000, 'n') + '/'));
         std::vector<Link> items;
+        items.reserve(10'000);
         for (int i = 0; i < 10'000; ++i)
             items.push_back(kFolderLink | image.addFolderNamedAt(kRoot, name));
         image.closeRing(kRoot, {items.front()});
@@ -209,7 +210,7 @@ void addSharedNames(Files& files) {
 
 // --- Keys that collide.
 
-constexpr std::uint32_t kFormerFiles = 20'000;
+constexpr std::size_t kFormerFiles = 20'000;
 
 /// A run whose files may all have become folders, and a table in which each search takes all.
 std::uint64_t makeCrowdedTable(ImageParts& image, std::vector<std::uint32_t> slots) {

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
 #include <ctime>
 #include <optional>
 #include <random>
@@ -80,7 +79,7 @@ private:
 
 std::vector<std::uint64_t> someNumbers(std::uint64_t size) {
     constexpr std::size_t kSome = 100;
-    std::mt19937_64 random(7);
+    std::mt19937_64 random(size);
     std::vector<std::uint64_t> numbers{1, size / 2 + 1, size};
     while (numbers.size() < kSome) numbers.push_back(1 + random() % size);
     return numbers;
@@ -198,7 +197,7 @@ Reading readAlone(const std::string& file, Kind kind, unsigned mostSeconds) {
         reading = {};
         reading.seconds = static_cast<double>(usage.ru_utime.tv_sec);
         putText(reading.failure, WIFSIGNALED(status)
-                                     ? std::string("ended by: ") + ::strsignal(WTERMSIG(status))
+                                     ? "ended by signal " + std::to_string(WTERMSIG(status))
                                      : "ended without a word");
     }
     return reading;
