@@ -150,9 +150,9 @@ std::vector<bool> HuffmanPathTree::foldersNamedWith(std::u16string_view text) co
     std::vector<bool> isNamed(arena().folderCount(), false);
     if (!search.isPossible()) return isNamed;
     isNamed[PathArena::kRoot] = text.empty();
-    arena().requireOwnNames();
+    std::uint32_t end = 0;
     for (Id id = 1; id < arena().folderCount(); ++id) {
-        const NameView name = arena().nameOf(id);
+        const NameView name = arena().nameAfter(id, end);
         isNamed[id] = search.find(name.data, name.end()) != name.end() && search.isIn(name);
     }
     return isNamed;
