@@ -207,7 +207,10 @@ TEST_F(PathSetWriterTest, recordsScansInThePlaceOfThoseOfTheSameRoot) {
     EXPECT_EQ(bytes(), before);  // it says the same
     record("/a", "z", 3);
     const PathSet set = PathSet::open(file_);
+    const std::vector<EncodedScan> encoded = encodedScansOf(set);
+    EXPECT_EQ(decodeScans(joinScans(encoded)).size(), encoded.size());
     const std::vector<Scan> scans = scansOf(set);
+    EXPECT_EQ(scans.size(), encoded.size());
     ASSERT_EQ(scans.size(), 2U);
     EXPECT_EQ(scans[0].directories[1].name, "z");
     EXPECT_EQ(scans[0].began, 3);

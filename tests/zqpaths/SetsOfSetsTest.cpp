@@ -20,6 +20,7 @@
 #include "zqpaths/manifest/SetManifestWriter.hpp"
 #include "zqpaths/set/SetStatistics.hpp"
 #include "zqpaths/totals/FolderTotals.hpp"
+#include "zqpaths/update/SetScans.hpp"
 
 namespace zqpaths {
 namespace {
@@ -329,6 +330,12 @@ TEST_F(BrokenSetsOfSets, passOverWhatIsMissingWhereverItIs) {
         EXPECT_EQ(visitedBy([&](auto visit) { set.under("part1", visit); }).size(),
                   std::ranges::count(missing, 1) == 0 ? 10U : 0U);
     }
+}
+
+TEST_F(BrokenSetsOfSets, rememberNoScansOfTheirOwn) {
+    const PathSet set = PathSet::open(manifest());
+    EXPECT_TRUE(scansOf(set).empty());
+    EXPECT_TRUE(encodedScansOf(set).empty());
 }
 
 TEST_F(BrokenSetsOfSets, areOpenedWholeIfNothingIsMissing) {
