@@ -149,9 +149,9 @@ TEST_F(MadeUpImage, mayHaveAnEntryWhoseFirstFileIsAFolder) {
     ++header.pathCount;
     std::string text = longer.text();
     putHeader(text, header);
-    const auto opened = ImageBytes(text).open();
+    const ImageBytes changed(text);
     HuffmanPathTree loaded;
-    reload(*opened, loaded);
+    reload(*changed.open(), loaded);
     EXPECT_EQ(pathsByNumber(loaded, 3),
               (TextPaths{{u"a", u"b"}, {u"a", u"c", u"d"}, {u"a", u"c"}}));
 }
