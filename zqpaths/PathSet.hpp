@@ -20,8 +20,9 @@
 //
 // Threads: an opened set never changes; any number of threads may read it. The library starts
 // threads of its own for long work and joins them before the call returns, so that a process may
-// fork between calls. Segments of a set file that were read once give their paths and numbers without
-// a lock: then it may fork while other threads are in the midst of path, numberOf and their like.
+// fork between calls. Segments of a set file that were read once give their paths and numbers
+// without a lock: then it may fork while other threads are in the midst of path, numberOf and their
+// like.
 //
 // The file may also be a set of sets, a manifest that names set files
 // (manifest/SetManifestWriter.hpp makes one): numbers run through them. Opening reads the manifest
