@@ -99,24 +99,25 @@ void addEntries(Files& files) {
 
 /// Entries in turns of two runs at the beginning of the names and two at their end.
 void addTurns(Files& files) {
-    files.push_back({"entries that a search goes back and forth with", "combs", Kind::kImage,
-                     [](const std::string& file) {
-                         ImageParts image;
-                         const FolderNumber top = image.addFolder(kRoot, 0, image.storedName("a/"));
-                         image.closeRing(kRoot, {kFolderLink | top});
-                         std::vector<Link> runs;
-                         const std::vector<std::string> names(8, image.storedName("f"));
-                         for (std::uint64_t i = 0; i < 8000; ++i)
-                             runs.push_back(image.addRun(top, i * names.size(), names));
-                         image.closeRing(top, runs);
-                         for (int i = 0; i < 10'000; ++i)
-                             for (const std::size_t run : {4000, 4001, 0, 1})
-                                 image.addEntry(1, runs[run]);
-                         image.order();
-                         const std::uint64_t count = image.pathCount();
-                         writeSegment(file, image.bytes(), {count, count * kShortPath});
-                     },
-                     true});
+    files.push_back(
+        {"entries that a search goes back and forth with", "combs", Kind::kImage,
+         [](const std::string& file) {
+             ImageParts image;
+             const FolderNumber top = image.addFolder(kRoot, 0, image.storedName("a/"));
+             image.closeRing(kRoot, {kFolderLink | top});
+             std::vector<Link> runs;
+             const std::vector<std::string> names(8, image.storedName("f"));
+             for (std::uint64_t i = 0; i < 8000; ++i)
+                 runs.push_back(image.addRun(top, i * names.size(), names));
+             image.closeRing(top, runs);
+             for (int i = 0; i < 10'000; ++i)
+                 for (const std::size_t run : std::vector<std::size_t>{4000, 4001, 0, 1})
+                     image.addEntry(1, runs[run]);
+             image.order();
+             const std::uint64_t count = image.pathCount();
+             writeSegment(file, image.bytes(), {count, count * kShortPath});
+         },
+         true});
 }
 
 void addOrders(Files& files) {
