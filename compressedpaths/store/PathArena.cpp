@@ -173,13 +173,16 @@ PathArena::Id PathArena::formerFileAt(Id parent, std::uint32_t position) const {
 /// which collide.
 IdTable PathArena::tableOfFormerFiles() const {
     const auto hash = [this](Id id) { return hashOf(parentOf(id), positionOf(id), processSeed()); };
+    const auto place = [this](Id id) { return std::pair(parentOf(id), positionOf(id)); };
+    std::vector<Id> ids;
+    for (const Id id : arrays_.formerFiles.slots().values())
+        if (id != IdTable::kNone && folder(id).next == kNone) ids.push_back(id);
+    // Each place once: those of an image may say it again and again.
+    std::ranges::sort(ids, {}, place);
+    const auto isSamePlace = [&](Id a, Id b) { return place(a) == place(b); };
+    ids.erase(std::unique(ids.begin(), ids.end(), isSamePlace), ids.end());
     IdTable table;
-    for (const Id id : arrays_.formerFiles.slots().values()) {
-        if (id == IdTable::kNone || folder(id).next != kNone) continue;
-        const bool isThere = table.find(hash(id), [&](Id other) {
-            return parentOf(other) == parentOf(id) && positionOf(other) == positionOf(id);
-        }) != IdTable::kNone;
-        if (isThere) continue;
+    for (const Id id : ids) {
         table.reserveForOne(id, hash);
         table.insert(hash(id), id);
     }
